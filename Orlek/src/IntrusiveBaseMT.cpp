@@ -1,0 +1,7 @@
+#include <Orlek/IntrusiveBaseMT.h>
+
+namespace Orlek {
+
+IntrusiveBaseMT::~IntrusiveBaseMT() = default;
+
+} // namespace Orlek

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <Orlek/Export.h>
+#include <Orlek/SeverityLevel.h>
+
+#include <cstdint>
+
+namespace Orlek {
+
+/// The level of a log record, in ascending weight.
+enum class LogLevel_t : std::int32_t
+{
+    Trace = 0,
+    Debug = 1,
+    Info = 2,
+    Warning = 3,
+    Error = 4,
+    Fatal = 5,
+};
+
+/// The level under which something of this severity is logged. Total: what lies outside the named severities goes to
+/// the nearest end.
+ORLEK_API LogLevel_t GetLogLevelFromSeverity(SeverityLevel_t severity) noexcept;
+
+} // namespace Orlek
