@@ -1,0 +1,67 @@
+#include "NumericText.h"
+
+#include <Net/Endpoint.h>
+
+#include <string_view>
+#include <type_traits>
+
+namespace Net {
+
+namespace {
+
+/// The inside of bracketed IPv6; any other text as it is.
+std::string_view WithoutBrackets(std::string_view text)
+{
+    if (text.size() < 2 || text.front() != '[' || text.back() != ']')
+        return text;
+    auto const inside = text.substr(1, text.size() - 2);
+    return Detail::IsIpv6Text(inside) ? inside : text;
+}
+
+} // namespace
+
+template<class Addr>
+Endpoint<Addr> Endpoint<Addr>::FromString(std::string const& text)
+{
+    std::string_view address = text;
+    std::uint16_t port = 0;
+    if (auto const colon = address.rfind(':'); colon != address.npos && !Detail::IsIpv6Text(address)) {
+        if (auto const parsed = Detail::ParsePort(address.substr(colon + 1))) {
+            port = *parsed;
+            address = address.substr(0, colon);
+        }
+    }
+    return Endpoint(Addr(std::string(WithoutBrackets(address))), port);
+}
+
+template<class Addr>
+std::string Endpoint<Addr>::ToString() const
+{
+    std::string text = m_addr.ToString();
+    if (Detail::IsIpv6Text(text))
+        text = '[' + text + ']';
+    return text += ':' + std::to_string(m_port);
+}
+
+template<class Addr>
+bool Endpoint<Addr>::IsFullySpecified() const
+{
+    return m_port != 0 && m_addr.IsSpecified();
+}
+
+template<class Addr>
+bool Endpoint<Addr>::IsLocalhostAddr() const
+{
+    return m_addr.IsLocalhost();
+}
+
+template<class Addr>
+Endpoint<AddrIp> Endpoint<Addr>::ToIp() const requires std::same_as<Addr, AddrStr>
+{
+    return Endpoint<AddrIp>(AddrIp(m_addr.ToString()), m_port);
+}
+
+template class Endpoint<AddrIp>;
+template class Endpoint<AddrStr>;
+
+} // namespace Net

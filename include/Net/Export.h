@@ -1,0 +1,8 @@
+#pragma once
+
+/// Marks what the networking library offers to callers; everything else stays hidden in the shared object.
+#if defined(__GNUC__)
+#define NET_API __attribute__((visibility("default")))
+#else
+#define NET_API
+#endif
