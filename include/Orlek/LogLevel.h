@@ -4,6 +4,7 @@
 #include <Orlek/SeverityLevel.h>
 
 #include <cstdint>
+#include <string_view>
 
 namespace Orlek {
 
@@ -21,5 +22,8 @@ enum class LogLevel_t : std::int32_t
 /// The level under which something of this severity is logged. Total: what lies outside the named severities goes to
 /// the nearest end.
 ORLEK_API LogLevel_t GetLogLevelFromSeverity(SeverityLevel_t severity) noexcept;
+
+/// The level's English name, such as "Warning". Total in the same way.
+ORLEK_API std::string_view GetLogLevelText(LogLevel_t level) noexcept;
 
 } // namespace Orlek
