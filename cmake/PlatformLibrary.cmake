@@ -9,6 +9,14 @@ function(platform_warnings target)
     endif()
 endfunction()
 
+# Weak symbols of Boost and of the standard library stay inside a shared library: the script names what is ours.
+function(platform_version_script target script)
+    if(EXISTS "${script}" AND NOT APPLE AND NOT WIN32)
+        target_link_options(${target} PRIVATE "LINKER:--version-script=${script}")
+        set_target_properties(${target} PROPERTIES LINK_DEPENDS "${script}")
+    endif()
+endfunction()
+
 # platform_library(name NAMESPACE ns EXPORT_NAME n OUTPUT_NAME file SOURCES … [PUBLIC …] [PRIVATE …])
 #
 # Compiles the sources once, as the object library <name>_objects, and links them into the shared library <name> with
@@ -40,12 +48,7 @@ function(platform_library name)
         LINKER_LANGUAGE CXX
         VERSION ${PROJECT_VERSION}
         SOVERSION ${LEGACYIF_SOVERSION})
-    # Weak symbols of Boost and of the standard library stay inside: the version script names what is ours.
-    set(version_script "${PROJECT_SOURCE_DIR}/cmake/${ARG_OUTPUT_NAME}.map")
-    if(EXISTS "${version_script}" AND NOT APPLE AND NOT WIN32)
-        target_link_options(${name} PRIVATE "LINKER:--version-script=${version_script}")
-        set_target_properties(${name} PROPERTIES LINK_DEPENDS "${version_script}")
-    endif()
+    platform_version_script(${name} "${PROJECT_SOURCE_DIR}/cmake/${ARG_OUTPUT_NAME}.map")
 endfunction()
 
 # A program of our own: a test, an example, a benchmark.
