@@ -1,0 +1,26 @@
+#pragma once
+
+#include <typeinfo>
+
+namespace Legacy::If::Detail {
+
+/// The object as a `Target`, or null if it is null or of another class. `Target` is the family's own class: the exact
+/// type, which is nearly always the answer, is tested first, and a class derived from it takes the run-time cast.
+template<typename Target, typename Root>
+Target const* ExactCast(Root const* object)
+{
+    if (!object)
+        return nullptr;
+    if (typeid(*object) == typeid(Target))
+        return static_cast<Target const*>(object);
+    return dynamic_cast<Target const*>(object);
+}
+
+/// The same through any pointer to a root.
+template<typename Target, typename Pointer>
+Target const* CastTo(Pointer const& object)
+{
+    return ExactCast<Target>(object.get());
+}
+
+} // namespace Legacy::If::Detail

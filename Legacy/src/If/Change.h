@@ -1,0 +1,61 @@
+#pragma once
+
+namespace Legacy::If::Detail {
+
+/// Notes whether an assignment changed anything and tells the caller at its end, on success only.
+class Change
+{
+public:
+    void Note(bool changed = true) noexcept { m_changed = m_changed || changed; }
+
+    /// Stores `source` in `target` if they differ, and notes that.
+    template<typename Value>
+    void Assign(Value& target, Value const& source)
+    {
+        if (target == source)
+            return;
+        target = source;
+        m_changed = true;
+    }
+
+    /// Makes a list equal to another, element by element.
+    template<typename List>
+    void AssignList(List& target, List const& source)
+    {
+        Resize(target, source.size());
+        for (decltype(target.size()) i = 0; i < target.size(); ++i)
+            Assign(target[i], source[i]);
+    }
+
+    /// Gives a list the wanted size; new elements hold their type's default.
+    template<typename List>
+    void Resize(List& list, typename List::size_type size)
+    {
+        if (list.size() == size)
+            return;
+        list.resize(size);
+        m_changed = true;
+    }
+
+    /// Grows a list so that it has an element at `index`; never shrinks it. The sum is made in the list's own width, so
+    /// an index near 2^32 grows the list or fails to allocate and never wraps to a place elsewhere.
+    template<typename List>
+    void GrowTo(List& list, unsigned int index)
+    {
+        if (list.size() <= index)
+            Resize(list, static_cast<typename List::size_type>(index) + 1);
+    }
+
+    /// Writes the outcome if the caller asked for it and returns success.
+    int Report(bool* changed) const noexcept
+    {
+        if (changed)
+            *changed = m_changed;
+        return 0;
+    }
+
+private:
+    bool m_changed = false;
+};
+
+} // namespace Legacy::If::Detail

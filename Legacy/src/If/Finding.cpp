@@ -1,0 +1,50 @@
+#include "Finding.h"
+
+#include "TypeText.h"
+
+#include <Legacy/If/LocalizedString.h>
+#include <Legacy/If/ResultElem.h>
+#include <Legacy/If/String.h>
+
+namespace Legacy::If::Detail {
+
+thread_local constinit MessageObserver t_messageObserver = nullptr;
+
+namespace {
+
+void AddText(LocalizedString& message, std::string_view text)
+{
+    boost::intrusive_ptr<StringItem> const argument(new StringItem(0));
+    argument->Val() = text;
+    message.AddArgument(argument);
+}
+
+} // namespace
+
+Finding MakeFinding(char const* key, InfoPtr const& info, ItemBase const& item,
+                    std::initializer_list<std::string_view> texts)
+{
+    LocalizedString message{std::string(key)};
+    AddText(message, info ? std::string_view(info->GetName()) : "Unknown");
+    for (std::string_view const text : texts)
+        AddText(message, text);
+    if (t_messageObserver)
+        t_messageObserver(message);
+
+    boost::intrusive_ptr<ItemBase const> const copy(item.DeepCopy(item.GetId()));
+    return std::make_shared<ResultElem const>(Orlek::SeverityLevel_t::Error, copy, nullptr);
+}
+
+Finding TypeMismatch(InfoPtr const& info, ItemBase const& item)
+{
+    return MakeFinding("TypesSystemValidateTypeMismatch", info, item,
+                       {info ? CombinedTypeText(*info) : "NULL-Info", CombinedTypeText(item)});
+}
+
+Finding IllegalValidation(InfoPtr const& info, ItemBase const& item)
+{
+    // The key's third word is spelled so in every message catalogue.
+    return MakeFinding("TypesSystemIllegalValidatationError", info, item, {CombinedTypeText(item)});
+}
+
+} // namespace Legacy::If::Detail

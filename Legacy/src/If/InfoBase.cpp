@@ -1,0 +1,34 @@
+#include "ObjectCache.h"
+
+#include <Legacy/If/InfoBase.h>
+
+#include <ostream>
+
+namespace Legacy::If {
+
+InfoBase::InfoBase(unsigned int const& id, std::string const& name, Permission_t const& permission)
+    : m_id(id), m_name(name), m_permission(permission)
+{}
+
+InfoBase::InfoBase(InfoBase const& other) : m_id(other.m_id), m_name(other.m_name), m_permission(other.m_permission) {}
+
+InfoBase::~InfoBase() = default;
+
+NumericType_t InfoBase::GetNumericType() const { return NumericType_t::Undefined; }
+
+bool InfoBase::IsEqualType(boost::intrusive_ptr<ItemBase const> const& item) const
+{
+    return item && GetType() == item->GetType() && GetNumericType() == item->GetNumericType();
+}
+
+bool InfoBase::IsEqualType(boost::intrusive_ptr<InfoBase const> const& info) const
+{
+    return info && GetType() == info->GetType() && GetNumericType() == info->GetNumericType();
+}
+
+void* InfoBase::operator new(std::size_t size) { return Detail::AllocateObject(size); }
+void InfoBase::operator delete(void* object, std::size_t size) noexcept { Detail::FreeObject(object, size); }
+
+std::ostream& operator<<(std::ostream& os, InfoBase const& info) { return info.operator<<(os); }
+
+} // namespace Legacy::If

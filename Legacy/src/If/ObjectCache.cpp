@@ -1,0 +1,126 @@
+#include "ObjectCache.h"
+
+#include <array>
+#include <cstdint>
+#include <new>
+
+#if defined(__SANITIZE_ADDRESS__)
+#define LEGACY_IF_OBJECT_CACHE 0
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define LEGACY_IF_OBJECT_CACHE 0
+#endif
+#endif
+#ifndef LEGACY_IF_OBJECT_CACHE
+#define LEGACY_IF_OBJECT_CACHE 1
+#endif
+
+namespace Legacy::If::Detail {
+
+#if LEGACY_IF_OBJECT_CACHE
+
+namespace {
+
+constexpr std::size_t k_step = 16;
+constexpr std::size_t k_largest = 128;
+constexpr std::size_t k_bytesKept = 8192; // for each size of block
+
+struct Block
+{
+    Block* next;
+};
+
+struct Bin
+{
+    Block* first = nullptr;
+    std::uint32_t room = 0;
+};
+
+enum class Phase : unsigned char
+{
+    Fresh,
+    Open,
+    Closed,
+};
+
+struct Cache
+{
+    std::array<Bin, k_largest / k_step> bins;
+    Phase phase = Phase::Fresh;
+};
+
+// Plain data without a destructor: it can be used at any point of a thread's life, also after its other objects ended.
+thread_local constinit Cache t_cache;
+
+constexpr std::size_t BinOf(std::size_t size) noexcept { return (size - 1) / k_step; }
+constexpr std::size_t BlockSize(std::size_t bin) noexcept { return (bin + 1) * k_step; }
+
+struct Closer
+{
+    ~Closer()
+    {
+        t_cache.phase = Phase::Closed;
+        for (std::size_t i = 0; i < t_cache.bins.size(); ++i) {
+            Bin& bin = t_cache.bins[i];
+            while (Block* const block = bin.first) {
+                bin.first = block->next;
+                ::operator delete(block, BlockSize(i));
+            }
+            bin.room = 0;
+        }
+    }
+};
+
+// Opens the cache on the first block that could be kept, so that a thread that frees nothing pays nothing.
+bool Open() noexcept
+{
+    if (t_cache.phase != Phase::Fresh)
+        return false;
+    t_cache.phase = Phase::Open;
+    for (std::size_t i = 0; i < t_cache.bins.size(); ++i)
+        t_cache.bins[i].room = static_cast<std::uint32_t>(k_bytesKept / BlockSize(i));
+    static thread_local Closer const closer;
+    static_cast<void>(closer);
+    return true;
+}
+
+} // namespace
+
+void* AllocateObject(std::size_t size)
+{
+    if (size > k_largest)
+        return ::operator new(size);
+    std::size_t const i = BinOf(size);
+    Bin& bin = t_cache.bins[i];
+    if (Block* const block = bin.first) {
+        bin.first = block->next;
+        ++bin.room;
+        return block;
+    }
+    return ::operator new(BlockSize(i));
+}
+
+void FreeObject(void* object, std::size_t size) noexcept
+{
+    if (size > k_largest) {
+        ::operator delete(object, size);
+        return;
+    }
+    std::size_t const i = BinOf(size);
+    Bin& bin = t_cache.bins[i];
+    if (bin.room == 0 && !Open()) {
+        ::operator delete(object, BlockSize(i));
+        return;
+    }
+    bin.first = ::new (object) Block{bin.first};
+    --bin.room;
+}
+
+#else
+
+void* AllocateObject(std::size_t size) { return ::operator new(size); }
+void FreeObject(void* object, std::size_t size) noexcept { ::operator delete(object, size); }
+
+#endif
+
+} // namespace Legacy::If::Detail

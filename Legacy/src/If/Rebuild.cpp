@@ -1,0 +1,89 @@
+#include "SerialRecord.h"
+
+#include <Legacy/If/ItemBase.h>
+#include <Legacy/If/String.h>
+#include <Legacy/If/StringArray.h>
+
+#include <array>
+
+namespace Legacy::If {
+
+namespace {
+
+using Factory = ItemBase* (*)(unsigned int id);
+
+/// Which class a record's two tags name. A family that has no element type takes any element tag here and refuses a
+/// wrong one when it reads the header.
+struct Row
+{
+    IfType_t type;
+    NumericType_t numericType;
+    Factory create;
+};
+
+template<typename Item>
+ItemBase* Create(unsigned int id)
+{
+    return new Item(id);
+}
+
+template<typename Item>
+constexpr Row RowOf(IfType_t type, NumericType_t numericType = NumericType_t::Undefined)
+{
+    return {type, numericType, &Create<Item>};
+}
+
+constexpr auto k_rows = std::to_array<Row>({
+    RowOf<StringItem>(IfType_t::String),
+    RowOf<StringArrayItem>(IfType_t::StringArray),
+});
+
+constexpr std::size_t k_numericTypes = static_cast<std::size_t>(NumericType_t::Double) + 1;
+
+/// The rows by their tags, so that finding one is two look-ups. A family without an element type stands under each.
+struct Table
+{
+    std::array<unsigned char, 256> familyOf{}; // 0 is none
+    std::array<std::array<Factory, k_numericTypes>, k_rows.size() + 1> factories{};
+    std::array<bool, k_rows.size() + 1> hasElements{};
+};
+
+constexpr Table MakeTable()
+{
+    Table table;
+    unsigned char families = 0;
+    for (Row const& row : k_rows) {
+        unsigned char& family = table.familyOf[static_cast<std::size_t>(row.type)];
+        if (family == 0)
+            family = ++families;
+        table.factories[family][static_cast<std::size_t>(row.numericType)] = row.create;
+        if (row.numericType != NumericType_t::Undefined)
+            table.hasElements[family] = true;
+    }
+    return table;
+}
+
+constexpr Table k_table = MakeTable();
+
+Factory FindFactory(unsigned char type, unsigned char numericType)
+{
+    unsigned char const family = k_table.familyOf[type];
+    if (!k_table.hasElements[family])
+        return k_table.factories[family][0];
+    return numericType < k_numericTypes ? k_table.factories[family][numericType] : nullptr;
+}
+
+} // namespace
+
+int ItemBase::Deserialize(ConstSerialStruct_t const* record, boost::intrusive_ptr<ItemBase>& item)
+{
+    if (!record)
+        return IfErrNullArgument;
+    Factory const create = FindFactory(record->type, record->numericType);
+    if (!create)
+        return IfErrInvalidArgument;
+    item.reset(create(boost::endian::big_to_native(std::uint32_t{record->id})));
+    return item->Deserialize(record);
+}
+
+} // namespace Legacy::If

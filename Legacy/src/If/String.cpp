@@ -1,0 +1,175 @@
+#include "Cast.h"
+#include "Change.h"
+#include "Finding.h"
+#include "SerialRecord.h"
+#include "Text.h"
+
+#include <Legacy/If/String.h>
+#include <Legacy/If/StringArray.h>
+
+namespace Legacy::If {
+
+namespace {
+
+constexpr unsigned int k_initialMaxLength = 256;
+
+void Cut(std::string& text, unsigned int maxLength)
+{
+    if (text.size() > maxLength)
+        text.resize(maxLength);
+}
+
+} // namespace
+
+StringInfo::StringInfo(unsigned int const& id, std::string const& name, Permission_t const& permission)
+    : InfoFamily(id, name, permission), m_maxLength(k_initialMaxLength)
+{}
+
+StringInfo* StringInfo::DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const
+{
+    return CopyAs_(id, name, permission);
+}
+
+ItemBase* StringInfo::CreateItem() const { return StringItem::Create(GetId(), m_default); }
+
+int StringInfo::SetDefault(std::string const& text)
+{
+    m_default = text;
+    if (m_maxLength != 0)
+        Cut(m_default, m_maxLength);
+    return 0;
+}
+
+int StringInfo::SetMaxLength(unsigned int maxLength)
+{
+    m_maxLength = maxLength;
+    Cut(m_default, m_maxLength);
+    return 0;
+}
+
+bool StringInfo::IsEqualBounds(boost::intrusive_ptr<InfoBase const> const& other) const
+{
+    auto const* const schema = Detail::CastTo<StringInfo>(other);
+    return schema && IsEqualType(other) && m_maxLength == schema->m_maxLength;
+}
+
+int StringInfo::MergeBounds(boost::intrusive_ptr<InfoBase const> const& other)
+{
+    auto const* const schema = Detail::CastTo<StringInfo>(other);
+    if (!schema || !IsEqualType(other))
+        return IfErrBoundsTypeMismatch;
+    m_maxLength = std::min(m_maxLength, schema->m_maxLength);
+    return IfErrTypeNotAssignable;
+}
+
+int StringInfo::AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed)
+{
+    if (!source)
+        return IfErrNullSource;
+    auto const* const schema = Detail::CastTo<StringInfo>(source);
+    if (!schema)
+        return IfErrTypeNotAssignable;
+    Detail::Change change;
+    change.Assign(m_default, schema->m_default);
+    change.Assign(m_maxLength, schema->m_maxLength);
+    return change.Report(changed);
+}
+
+void StringInfo::DumpVal(std::ostream& os) const
+{
+    Detail::DumpHead(os, *this);
+    Detail::DumpLine(os, "maxLength: ", m_maxLength);
+    Detail::DumpLine(os, "default: ", m_default);
+}
+
+std::ostream& StringInfo::operator<<(std::ostream& os) const
+{
+    return os << '"' << m_default << "\"; max length=" << m_maxLength;
+}
+
+StringItem::StringItem(unsigned int id) : ItemFamily(id) {}
+
+StringItem* StringItem::Create(unsigned int id, std::string const& value)
+{
+    auto item = std::make_unique<StringItem>(id);
+    item->m_value = value;
+    return item.release();
+}
+
+StringItem* StringItem::DeepCopy(unsigned int id) const { return CopyAs_(id); }
+
+void StringItem::SetVal(std::string const& value, StringInfo const& info)
+{
+    m_value = value;
+    Cut(m_value, info.GetMaxLength());
+}
+
+bool StringItem::IsEmpty() const { return m_value.empty(); }
+
+bool StringItem::IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const
+{
+    auto const* const item = Detail::CastTo<StringItem>(other);
+    return item && IsEqualType(other) && m_value == item->m_value;
+}
+
+int StringItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index, bool* changed)
+{
+    if (!source)
+        return IfErrNullSource;
+    Detail::Change change;
+    if (auto const* const text = Detail::CastTo<StringItem>(source)) {
+        change.Assign(m_value, text->m_value);
+    } else if (auto const* const list = Detail::CastTo<StringArrayItem>(source)) {
+        if (index >= list->Val().size())
+            return IfErrInvalidArgument;
+        change.Assign(m_value, list->Val()[index]);
+    } else {
+        return IfErrTypeNotAssignable;
+    }
+    return change.Report(changed);
+}
+
+unsigned int StringItem::GetSerialDataSize() const { return Detail::ClampSize(std::uint64_t{m_value.size()} + 1); }
+
+int StringItem::Serialize(SerialStruct_t* record) const
+{
+    return Detail::WriteRecord(*this, record, std::uint64_t{m_value.size()} + 1,
+                               [this](Detail::PayloadWriter payload) { payload.PutText(m_value); });
+}
+
+int StringItem::Deserialize(ConstSerialStruct_t const* record)
+{
+    Detail::PayloadReader payload;
+    if (int const code = Detail::OpenRecord(*this, record, payload))
+        return code;
+    if (!payload.EndsInZero())
+        return IfErrInvalidArgument;
+    m_value = payload.GetText();
+    return 0;
+}
+
+std::shared_ptr<ResultElem const> StringItem::Validate(boost::intrusive_ptr<InfoBase const> const& info)
+{
+    auto const* const schema = Detail::CastTo<StringInfo>(info);
+    if (!schema)
+        return Detail::TypeMismatch(info, *this);
+    if (m_value.size() > schema->GetMaxLength())
+        return Detail::MakeFinding("TypesSystemStringValidationLength", info, *this,
+                                   {Detail::DefaultText(schema->GetMaxLength())});
+    return {};
+}
+
+bool StringItem::SetValFromStream(std::istream& in, std::ostream&, boost::intrusive_ptr<InfoBase const> const&)
+{
+    if (!in.eof()) {
+        m_value.clear();
+        in >> m_value;
+    }
+    return true;
+}
+
+void StringItem::DumpVal(std::ostream& os) const { Detail::DumpValue(os, *this); }
+
+std::ostream& StringItem::operator<<(std::ostream& os) const { return os << m_value; }
+
+} // namespace Legacy::If

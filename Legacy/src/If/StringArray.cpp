@@ -1,0 +1,179 @@
+#include "Cast.h"
+#include "Change.h"
+#include "Finding.h"
+#include "SerialRecord.h"
+#include "Text.h"
+
+#include <Legacy/If/String.h>
+#include <Legacy/If/StringArray.h>
+
+#include <cstdint>
+
+namespace Legacy::If {
+
+StringArrayInfo::StringArrayInfo(unsigned int const& id, std::string const& name, Permission_t const& permission)
+    : InfoFamily(id, name, permission), m_size(0, 0)
+{}
+
+StringArrayInfo* StringArrayInfo::DeepCopy(unsigned int id, std::string const& name,
+                                           Permission_t const& permission) const
+{
+    return CopyAs_(id, name, permission);
+}
+
+ItemBase* StringArrayInfo::CreateItem() const { return StringArrayItem::Create(GetId(), m_default); }
+
+int StringArrayInfo::SetMinSize(unsigned int n)
+{
+    m_size.SetMin(n, m_default);
+    return 0;
+}
+
+int StringArrayInfo::SetMaxSize(unsigned int n)
+{
+    m_size.SetMax(n, m_default);
+    return 0;
+}
+
+int StringArrayInfo::SetDefault(std::vector<std::string> const& list) { return m_size.Store(list, m_default); }
+
+bool StringArrayInfo::IsEqualBounds(boost::intrusive_ptr<InfoBase const> const& other) const
+{
+    auto const* const schema = Detail::CastTo<StringArrayInfo>(other);
+    return schema && IsEqualType(other) && m_size == schema->m_size;
+}
+
+int StringArrayInfo::MergeBounds(boost::intrusive_ptr<InfoBase const> const& other)
+{
+    auto const* const schema = Detail::CastTo<StringArrayInfo>(other);
+    if (!schema || !IsEqualType(other))
+        return IfErrBoundsTypeMismatch;
+    return m_size.Merge(schema->m_size);
+}
+
+int StringArrayInfo::AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed)
+{
+    if (!source)
+        return IfErrNullSource;
+    auto const* const schema = Detail::CastTo<StringArrayInfo>(source);
+    if (!schema)
+        return IfErrTypeNotAssignable;
+    Detail::Change change;
+    change.AssignList(m_default, schema->m_default);
+    change.Assign(m_size, schema->m_size);
+    return change.Report(changed);
+}
+
+void StringArrayInfo::DumpVal(std::ostream& os) const
+{
+    Detail::DumpHead(os, *this);
+    Detail::DumpLine(os, "minSize: ", m_size.Min());
+    Detail::DumpLine(os, "maxSize: ", m_size.Max());
+    Detail::DumpLine(os, "defaultSize: ", GetDefaultSize());
+}
+
+std::ostream& StringArrayInfo::operator<<(std::ostream& os) const
+{
+    return Detail::PrintSizes(os, m_size.Min(), m_default.size(), m_size.Max());
+}
+
+StringArrayItem::StringArrayItem(unsigned int id) : ItemFamily(id) {}
+
+StringArrayItem* StringArrayItem::Create(unsigned int id, std::vector<std::string> const& value)
+{
+    auto item = std::make_unique<StringArrayItem>(id);
+    item->m_value = value;
+    return item.release();
+}
+
+StringArrayItem* StringArrayItem::DeepCopy(unsigned int id) const { return CopyAs_(id); }
+
+int StringArrayItem::SetVal(std::vector<std::string> const& value, StringArrayInfo const& info)
+{
+    return info.m_size.Store(value, m_value);
+}
+
+bool StringArrayItem::IsEmpty() const { return m_value.empty(); }
+
+bool StringArrayItem::IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const
+{
+    auto const* const item = Detail::CastTo<StringArrayItem>(other);
+    return item && IsEqualType(other) && m_value == item->m_value;
+}
+
+int StringArrayItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index,
+                                      bool* changed)
+{
+    if (!source)
+        return IfErrNullSource;
+    Detail::Change change;
+    if (auto const* const text = Detail::CastTo<StringItem>(source)) {
+        change.GrowTo(m_value, index);
+        change.Assign(m_value[index], text->Val());
+    } else if (auto const* const list = Detail::CastTo<StringArrayItem>(source)) {
+        change.AssignList(m_value, list->m_value);
+    } else {
+        return IfErrTypeNotAssignable;
+    }
+    return change.Report(changed);
+}
+
+unsigned int StringArrayItem::GetSerialDataSize() const
+{
+    std::uint64_t size = 0;
+    for (std::string const& text : m_value)
+        size += std::uint64_t{text.size()} + 1;
+    return Detail::ClampSize(size);
+}
+
+int StringArrayItem::Serialize(SerialStruct_t* record) const
+{
+    return Detail::WriteRecord(*this, record, GetSerialDataSize(), [this](Detail::PayloadWriter payload) {
+        for (std::string const& text : m_value)
+            payload.PutText(text);
+    });
+}
+
+int StringArrayItem::Deserialize(ConstSerialStruct_t const* record)
+{
+    Detail::PayloadReader payload;
+    if (int const code = Detail::OpenRecord(*this, record, payload))
+        return code;
+    if (payload.Left() != 0 && !payload.EndsInZero())
+        return IfErrInvalidArgument;
+    while (payload.Left() != 0)
+        m_value.emplace_back(payload.GetText());
+    return 0;
+}
+
+std::shared_ptr<ResultElem const> StringArrayItem::Validate(boost::intrusive_ptr<InfoBase const> const& info)
+{
+    auto const* const schema = Detail::CastTo<StringArrayInfo>(info);
+    if (!schema)
+        return Detail::TypeMismatch(info, *this);
+    if (m_value.size() < schema->GetMinSize())
+        return Detail::MakeFinding("TypesSystemStringArrayValidationMinSize", info, *this,
+                                   {Detail::DefaultText(schema->GetMinSize())});
+    if (m_value.size() > schema->GetMaxSize())
+        return Detail::MakeFinding("TypesSystemStringArrayValidationMaxSize", info, *this,
+                                   {Detail::DefaultText(schema->GetMaxSize())});
+    return {};
+}
+
+bool StringArrayItem::SetValFromStream(std::istream& in, std::ostream& out, boost::intrusive_ptr<InfoBase const> const&)
+{
+    return Detail::ReadList(in, out, m_value, [&in, &out](char const* word, std::string& text) {
+        return Detail::ReadValue(in, out, word, text);
+    });
+}
+
+void StringArrayItem::DumpVal(std::ostream& os) const { Detail::DumpValue(os, *this); }
+
+std::ostream& StringArrayItem::operator<<(std::ostream& os) const
+{
+    os << '(';
+    Detail::PrintList(os, m_value, [](std::ostream& to, std::string const& text) { to << text; });
+    return os << ')';
+}
+
+} // namespace Legacy::If

@@ -1,0 +1,195 @@
+#pragma once
+
+#include "../../../Legacy/src/If/Finding.h"
+
+#include <Legacy/If/InfoBase.h>
+#include <Legacy/If/ItemBase.h>
+#include <Legacy/If/LocalizedString.h>
+#include <Legacy/If/ResultElem.h>
+
+#include <boost/endian/conversion.hpp>
+#include <boost/smart_ptr/intrusive_ptr.hpp>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+/// What the tests of all families share.
+namespace Legacy::If::Test {
+
+using InfoPtr = boost::intrusive_ptr<InfoBase const>;
+using ItemPtr = boost::intrusive_ptr<ItemBase const>;
+using Texts = std::vector<std::string>;
+using Bytes = std::vector<unsigned char>;
+
+/// A new object, held.
+template<typename Object, typename... Arguments>
+boost::intrusive_ptr<Object> Make(Arguments&&... arguments)
+{
+    return boost::intrusive_ptr<Object>(new Object(std::forward<Arguments>(arguments)...));
+}
+
+/// A new schema with the id 7, the name "speed" and the permission 0x1234.
+template<typename Info, typename... Arguments>
+boost::intrusive_ptr<Info> MakeInfo(Arguments&&... arguments)
+{
+    return Make<Info>(7U, "speed", Permission_t{0x1234}, std::forward<Arguments>(arguments)...);
+}
+
+/// Takes over a raw pointer as it comes from a factory.
+template<typename Object>
+boost::intrusive_ptr<Object> Hold(Object* object)
+{
+    return boost::intrusive_ptr<Object>(object);
+}
+
+template<typename Object>
+std::string Printed(Object const& object)
+{
+    std::ostringstream os;
+    object.operator<<(os);
+    return os.str();
+}
+
+template<typename Object>
+std::string Dumped(Object const& object)
+{
+    std::ostringstream os;
+    object.DumpVal(os);
+    return os.str();
+}
+
+/// Runs a validation and returns the message that it built, key first, and empty for a pass. Tests on the way all that
+/// every finding has in common.
+template<typename Validation>
+Texts MessageOf(ItemBase const& item, Validation&& validation)
+{
+    static thread_local Texts message;
+    message.clear();
+    Detail::t_messageObserver = [](LocalizedString const& seen) {
+        message.assign(1, seen.GetKey());
+        for (auto const& argument : seen.GetArguments()) {
+            EXPECT_EQ(argument->GetType(), IfType_t::String);
+            EXPECT_EQ(argument->GetId(), 0U);
+            message.push_back(argument->GetValAsString());
+        }
+    };
+    std::shared_ptr<ResultElem const> const finding = validation();
+    Detail::t_messageObserver = nullptr;
+    EXPECT_EQ(message.empty(), finding == nullptr);
+    if (finding) {
+        EXPECT_EQ(static_cast<int>(finding->GetSeverityLevel()), 4);
+        EXPECT_EQ(finding->GetInfo(), nullptr);
+        EXPECT_EQ(finding->GetAsString(), "");
+        EXPECT_NE(finding->GetItem().get(), &item);
+        EXPECT_EQ(finding->GetItem()->GetId(), item.GetId());
+        EXPECT_EQ(finding->GetItem()->GetType(), item.GetType());
+        EXPECT_EQ(Dumped(*finding->GetItem()), Dumped(item));
+    }
+    return message;
+}
+
+inline Texts Validated(ItemBase& item, InfoPtr const& info)
+{
+    return MessageOf(item, [&] { return item.Validate(info); });
+}
+
+/// A record in parts, the payload in storage of exactly its size so that a read past its end is seen.
+struct Record
+{
+    unsigned int id = 0;
+    unsigned char type = 0;
+    unsigned char numericType = 0;
+    Bytes payload;
+
+    /// Hands a borrowed form of the record to `use`.
+    template<typename Use>
+    auto With(Use&& use) const
+    {
+        std::unique_ptr<unsigned char[]> const data(new unsigned char[payload.size()]);
+        std::copy(payload.begin(), payload.end(), data.get());
+        ItemBase::ConstSerialStruct_t record;
+        record.id = boost::endian::native_to_big(id);
+        record.size = boost::endian::native_to_big(static_cast<std::uint32_t>(payload.size()));
+        record.type = type;
+        record.numericType = numericType;
+        record.data = data.get();
+        return use(&record);
+    }
+};
+
+/// The record that a value writes; fails the test if it writes none.
+inline Record RecordOf(ItemBase const& item)
+{
+    ItemBase::SerialStruct_t written;
+    EXPECT_EQ(item.Serialize(&written), 0);
+    Record record;
+    record.id = boost::endian::big_to_native(std::uint32_t{written.id});
+    record.type = written.type;
+    record.numericType = written.numericType;
+    record.payload.assign(written.data, written.data + boost::endian::big_to_native(std::uint32_t{written.size}));
+    return record;
+}
+
+inline int Read(ItemBase& item, Record const& record)
+{
+    return record.With([&](auto const* r) { return item.Deserialize(r); });
+}
+
+/// The static rebuild: the code, and the value where there is one.
+inline std::pair<int, boost::intrusive_ptr<ItemBase>> Rebuild(Record const& record)
+{
+    boost::intrusive_ptr<ItemBase> item;
+    int const code = record.With([&](auto const* r) { return ItemBase::Deserialize(r, item); });
+    return {code, item};
+}
+
+/// Assigns and tells code and `changed`, which starts from the value given: -1 stands for a flag that was not written.
+struct Outcome
+{
+    int code;
+    int changed; // -1 untouched, 0 false, 1 true
+
+    friend bool operator==(Outcome const&, Outcome const&) = default;
+    friend std::ostream& operator<<(std::ostream& os, Outcome const& outcome)
+    {
+        return os << '(' << outcome.code << ", " << outcome.changed << ')';
+    }
+};
+
+template<typename Call>
+Outcome OutcomeOf(Call&& call)
+{
+    bool first = false;
+    bool second = true;
+    int const code = call(&first);
+    if (code != 0) {
+        EXPECT_EQ(call(&second), code);
+        return {code, first == second ? static_cast<int>(first) : -1};
+    }
+    return {code, static_cast<int>(first)};
+}
+
+inline Outcome Assign(ItemBase& target, ItemPtr const& source, unsigned int index = 0)
+{
+    return OutcomeOf([&](bool* changed) { return target.AssignArrayValue(source, index, changed); });
+}
+
+inline Outcome Assign(InfoBase& target, InfoPtr const& source)
+{
+    return OutcomeOf([&](bool* changed) { return target.AssignValue(source, changed); });
+}
+
+/// Reads a value from text: whether it was taken, and what was reported.
+inline std::pair<bool, std::string> ReadText(ItemBase& item, std::string const& text, InfoPtr const& info = nullptr)
+{
+    std::istringstream in(text);
+    std::ostringstream out;
+    bool const taken = item.SetValFromStream(in, out, info);
+    return {taken, out.str()};
+}
+
+} // namespace Legacy::If::Test
