@@ -18,6 +18,9 @@ namespace Orlek::Detail {
 namespace {
 
 constexpr std::size_t k_headerSize = 28;
+constexpr std::size_t k_countOffset = 8;
+constexpr std::size_t k_keysOffset = 12;
+constexpr std::size_t k_textsOffset = 16;
 constexpr std::size_t k_hashSizeOffset = 20;
 
 /// The words of a compiled catalogue, in whichever byte order it was written.
@@ -55,8 +58,8 @@ void RequireSound(std::vector<char> const& content)
 {
     Words const words(content);
     auto const size = content.size();
-    auto const count = words.Get(8);
-    for (std::size_t const header : {12, 16}) {
+    auto const count = words.Get(k_countOffset);
+    for (auto const header : {k_keysOffset, k_textsOffset}) {
         auto const table = words.Get(header);
         if (table > size || count > (size - table) / 8)
             throw std::runtime_error("Table of a message catalogue lies outside");

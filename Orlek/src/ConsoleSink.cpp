@@ -8,16 +8,14 @@
 #include <boost/log/attributes/value_extraction.hpp>
 #include <boost/log/core/record_view.hpp>
 #include <boost/log/expressions/message.hpp>
-#include <boost/log/sinks/sync_frontend.hpp>
-#include <boost/log/sinks/text_ostream_backend.hpp>
 #include <boost/log/utility/formatting_ostream.hpp>
 #include <boost/smart_ptr/make_shared_object.hpp>
 
 #include <array>
 #include <chrono>
 #include <cstdio>
-#include <ostream>
 #include <string>
+#include <utility>
 
 namespace Orlek::Detail {
 
@@ -58,15 +56,21 @@ void FormatRecord(logging::record_view const& record, logging::formatting_ostrea
 
 } // namespace
 
-boost::shared_ptr<logging::sinks::sink> MakeConsoleSink(std::ostream& out)
+ConsoleSink::ConsoleSink(logging::core_ptr core, std::ostream& out)
+    : m_core(std::move(core)), m_out(&out, boost::null_deleter()), m_sink(boost::make_shared<Sink_t>())
 {
-    auto const backend = boost::make_shared<logging::sinks::text_ostream_backend>();
-    backend->add_stream(boost::shared_ptr<std::ostream>(&out, boost::null_deleter()));
-    backend->auto_flush(true);
-    auto const sink =
-        boost::make_shared<logging::sinks::synchronous_sink<logging::sinks::text_ostream_backend>>(backend);
-    sink->set_formatter(&FormatRecord);
-    return sink;
+    m_sink->locked_backend()->add_stream(m_out);
+    m_sink->locked_backend()->auto_flush(true);
+    m_sink->set_formatter(&FormatRecord);
+    m_core->add_sink(m_sink);
+}
+
+ConsoleSink::~ConsoleSink()
+{
+    m_core->remove_sink(m_sink);
+    // A record that another thread opened before still holds the sink and may be printed any time later. It must not
+    // find the stream, which may be gone by then.
+    m_sink->locked_backend()->remove_stream(m_out);
 }
 
 } // namespace Orlek::Detail

@@ -1,13 +1,30 @@
 #pragma once
 
-#include <boost/log/sinks/sink.hpp>
+#include <boost/log/core/core.hpp>
+#include <boost/log/sinks/sync_frontend.hpp>
+#include <boost/log/sinks/text_ostream_backend.hpp>
 #include <boost/smart_ptr/shared_ptr.hpp>
 
-#include <iosfwd>
+#include <ostream>
 
 namespace Orlek::Detail {
 
-/// A sink, not yet known to the core, that prints one line for a record on `out`.
-boost::shared_ptr<boost::log::sinks::sink> MakeConsoleSink(std::ostream& out);
+/// Prints the records of the core, one line each, on a stream: from construction to destruction and not a moment
+/// longer.
+class ConsoleSink
+{
+public:
+    ConsoleSink(boost::log::core_ptr core, std::ostream& out);
+    ConsoleSink(ConsoleSink const&) = delete;
+    ConsoleSink& operator=(ConsoleSink const&) = delete;
+    ~ConsoleSink();
+
+private:
+    using Sink_t = boost::log::sinks::synchronous_sink<boost::log::sinks::text_ostream_backend>;
+
+    boost::log::core_ptr const m_core;
+    boost::shared_ptr<std::ostream> const m_out;
+    boost::shared_ptr<Sink_t> const m_sink;
+};
 
 } // namespace Orlek::Detail

@@ -3,8 +3,6 @@
 #include <Orlek/LogManager.h>
 #include <Orlek/LoggerFacade.h>
 
-#include <boost/log/core/core.hpp>
-
 #include <iostream>
 #include <map>
 #include <mutex>
@@ -16,9 +14,9 @@ struct LogManager::State_t
 {
     std::mutex mutex;
     std::unordered_map<std::string, std::shared_ptr<LoggerFacade>> loggers;
-    std::map<std::ostream*, boost::shared_ptr<boost::log::sinks::sink>> consoles;
-    // Kept by us as well, so that the core outlives its own static pointer and late records find it.
+    // Kept here as well, so that the core outlives its own static pointer and late records find it.
     boost::log::core_ptr const core = boost::log::core::get();
+    std::map<std::ostream*, Detail::ConsoleSink> consoles;
 };
 
 LogManager::LogManager() : m_state(std::make_unique<State_t>()) {}
@@ -51,26 +49,13 @@ void LogManager::AddConsoleSink() { AddConsoleSink(std::cerr); }
 void LogManager::AddConsoleSink(std::ostream& out)
 {
     std::lock_guard const lock(m_state->mutex);
-    auto const [place, isNew] = m_state->consoles.try_emplace(&out);
-    if (!isNew)
-        return;
-    try {
-        place->second = Detail::MakeConsoleSink(out);
-        m_state->core->add_sink(place->second);
-    } catch (...) {
-        m_state->consoles.erase(place);
-        throw;
-    }
+    m_state->consoles.try_emplace(&out, m_state->core, out);
 }
 
 void LogManager::RemoveConsoleSink(std::ostream& out)
 {
     std::lock_guard const lock(m_state->mutex);
-    auto const console = m_state->consoles.extract(&out);
-    if (!console)
-        return;
-    m_state->core->remove_sink(console.mapped());
-    console.mapped()->flush();
+    m_state->consoles.erase(&out);
 }
 
 } // namespace Orlek

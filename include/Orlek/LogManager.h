@@ -43,7 +43,8 @@ public:
     /// stream must live, and be left alone by others, until `RemoveConsoleSink`.
     void AddConsoleSink(std::ostream& out);
 
-    /// Stops printing on `out`. Records under way are finished first. Nothing happens if the stream was never added.
+    /// Stops printing on `out`: on return the stream is not touched any more, also not by a record that another thread
+    /// has under way. Nothing happens if the stream was never added.
     void RemoveConsoleSink(std::ostream& out);
 
 private:
