@@ -1,5 +1,9 @@
 #include "SerialRecord.h"
 
+#include <Legacy/If/Addr.h>
+#include <Legacy/If/AppEndpoint.h>
+#include <Legacy/If/AppEndpointArray.h>
+#include <Legacy/If/Endpoint.h>
 #include <Legacy/If/ItemBase.h>
 #include <Legacy/If/String.h>
 #include <Legacy/If/StringArray.h>
@@ -36,6 +40,10 @@ constexpr Row RowOf(IfType_t type, NumericType_t numericType = NumericType_t::Un
 constexpr auto k_rows = std::to_array<Row>({
     RowOf<StringItem>(IfType_t::String),
     RowOf<StringArrayItem>(IfType_t::StringArray),
+    RowOf<AddrItem>(IfType_t::Addr),
+    RowOf<EndpointItem>(IfType_t::Endpoint),
+    RowOf<AppEndpointItem>(IfType_t::AppEndpoint),
+    RowOf<AppEndpointArrayItem>(IfType_t::AppEndpointArray),
 });
 
 constexpr std::size_t k_numericTypes = static_cast<std::size_t>(NumericType_t::Double) + 1;

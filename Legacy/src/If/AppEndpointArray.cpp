@@ -1,0 +1,178 @@
+#include "Cast.h"
+#include "Change.h"
+#include "NetForm.h"
+#include "SerialRecord.h"
+#include "Text.h"
+
+#include <Legacy/If/AppEndpointArray.h>
+
+#include <cstdint>
+#include <utility>
+
+namespace Legacy::If {
+
+namespace {
+
+using Form = Detail::NetForm<AppEndpointFamily>;
+
+} // namespace
+
+AppEndpointArrayInfo::AppEndpointArrayInfo(unsigned int const& id, std::string const& name,
+                                           Permission_t const& permission)
+    : InfoFamily(id, name, permission)
+{}
+
+AppEndpointArrayInfo* AppEndpointArrayInfo::DeepCopy(unsigned int id, std::string const& name,
+                                                     Permission_t const& permission) const
+{
+    auto copy = std::make_unique<AppEndpointArrayInfo>(id, name, permission);
+    copy->m_default = m_default;
+    return copy.release();
+}
+
+ItemBase* AppEndpointArrayInfo::CreateItem() const
+{
+    auto item = std::make_unique<AppEndpointArrayItem>(GetId());
+    item->SetVal(m_default);
+    return item.release();
+}
+
+int AppEndpointArrayInfo::SetDefault(AppEndpointList const& list)
+{
+    m_default = list;
+    return 0;
+}
+
+int AppEndpointArrayInfo::SetMinSize(unsigned int n)
+{
+    m_minSize = n;
+    return 0;
+}
+
+int AppEndpointArrayInfo::SetMaxSize(unsigned int n)
+{
+    m_maxSize = n;
+    return 0;
+}
+
+bool AppEndpointArrayInfo::IsEqualBounds(boost::intrusive_ptr<InfoBase const> const& other) const
+{
+    return IsEqualType(other);
+}
+
+int AppEndpointArrayInfo::MergeBounds(boost::intrusive_ptr<InfoBase const> const& other)
+{
+    return IsEqualType(other) ? 0 : IfErrBoundsTypeMismatch;
+}
+
+int AppEndpointArrayInfo::AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed)
+{
+    if (!source)
+        return IfErrNullSource;
+    auto const* const schema = Detail::CastTo<AppEndpointArrayInfo>(source);
+    if (!schema)
+        return IfErrTypeNotAssignable;
+    Detail::Change change;
+    if (m_default != schema->m_default)
+        change.Assign(m_default, schema->m_default);
+    else if (m_minSize != schema->m_minSize)
+        change.Assign(m_minSize, schema->m_minSize);
+    else
+        change.Assign(m_maxSize, schema->m_maxSize);
+    return change.Report(changed);
+}
+
+void AppEndpointArrayInfo::DumpVal(std::ostream& os) const
+{
+    Detail::DumpHead(os, *this);
+    Detail::DumpLine(os, "default: ", "[empty array]");
+}
+
+std::ostream& AppEndpointArrayInfo::operator<<(std::ostream& os) const { return os << "AppEndpointArrayInfo"; }
+
+AppEndpointArrayItem::AppEndpointArrayItem(unsigned int id) : ItemFamily(id) {}
+
+AppEndpointArrayItem* AppEndpointArrayItem::DeepCopy(unsigned int id) const { return CopyAs_(id); }
+
+bool AppEndpointArrayItem::IsEmpty() const { return m_value.empty(); }
+
+bool AppEndpointArrayItem::IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const
+{
+    auto const* const item = Detail::CastTo<AppEndpointArrayItem>(other);
+    return item && IsEqualType(other) && m_value == item->m_value;
+}
+
+int AppEndpointArrayItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index,
+                                           bool* changed)
+{
+    if (!source)
+        return IfErrNullSource;
+    Detail::Change change;
+    if (auto const* const endpoint = Detail::CastTo<AppEndpointItem>(source)) {
+        change.GrowTo(m_value, index);
+        change.Assign(m_value[index], endpoint->Val());
+    } else if (auto const* const list = Detail::CastTo<AppEndpointArrayItem>(source)) {
+        change.AssignList(m_value, list->m_value);
+    } else {
+        return IfErrTypeNotAssignable;
+    }
+    return change.Report(changed);
+}
+
+unsigned int AppEndpointArrayItem::GetSerialDataSize() const
+{
+    std::uint64_t size = 0;
+    for (auto const& endpoint : m_value)
+        size += Detail::NetRecordSize<AppEndpointFamily>(Form::RecordText(endpoint).size());
+    return Detail::ClampSize(size);
+}
+
+int AppEndpointArrayItem::Serialize(SerialStruct_t* record) const
+{
+    return Detail::WriteRecord(*this, record, GetSerialDataSize(), [this](Detail::PayloadWriter payload) {
+        for (auto const& endpoint : m_value) {
+            Form::PutPrefix(payload, endpoint);
+            payload.PutText(Form::RecordText(endpoint));
+        }
+    });
+}
+
+int AppEndpointArrayItem::Deserialize(ConstSerialStruct_t const* record)
+{
+    if (!record)
+        return IfErrNullArgument;
+    m_value.clear();
+    Detail::PayloadReader payload;
+    if (int const code = Detail::OpenRecord(*this, record, payload))
+        return code;
+    while (payload.Left() >= Form::k_prefixSize) {
+        auto endpoint = Form::Get(payload);
+        if (!payload.Ok())
+            break;
+        m_value.push_back(std::move(endpoint));
+    }
+    return 0;
+}
+
+std::shared_ptr<ResultElem const> AppEndpointArrayItem::Validate(boost::intrusive_ptr<InfoBase const> const&)
+{
+    return {};
+}
+
+bool AppEndpointArrayItem::SetValFromStream(std::istream&, std::ostream& out,
+                                            boost::intrusive_ptr<InfoBase const> const&)
+{
+    out << "Impl. me";
+    return false;
+}
+
+void AppEndpointArrayItem::DumpVal(std::ostream& os) const { Detail::DumpValue(os, *this); }
+
+std::ostream& AppEndpointArrayItem::operator<<(std::ostream& os) const
+{
+    os << '(';
+    Detail::PrintList(os, m_value, [](std::ostream& to, auto const& endpoint) { to << endpoint.ToString(); });
+    return os << ')';
+}
+
+} // namespace Legacy::If

@@ -1,0 +1,181 @@
+#pragma once
+
+#include "Cast.h"
+#include "Change.h"
+#include "NetForm.h"
+#include "SerialRecord.h"
+#include "Text.h"
+
+#include <Legacy/If/NetValue.h>
+
+#include <istream>
+#include <ostream>
+
+// The bodies of the templates over addresses and endpoints, for the sources that instantiate them.
+
+namespace Legacy::If {
+
+template<class Family>
+NetInfo<Family>::NetInfo(unsigned int const& id, std::string const& name, Permission_t const& permission)
+    : Base(id, name, permission)
+{}
+
+template<class Family>
+NetInfo<Family>* NetInfo<Family>::DeepCopy(unsigned int id, std::string const& name,
+                                           Permission_t const& permission) const
+{
+    return this->CopyAs_(id, name, permission);
+}
+
+template<class Family>
+ItemBase* NetInfo<Family>::CreateItem() const
+{
+    return NetItem<Family>::Create(this->GetId(), m_default);
+}
+
+template<class Family>
+int NetInfo<Family>::SetDefault(Value const& value)
+{
+    m_default = value;
+    return 0;
+}
+
+template<class Family>
+bool NetInfo<Family>::IsEqualBounds(boost::intrusive_ptr<InfoBase const> const& other) const
+{
+    return this->IsEqualType(other);
+}
+
+template<class Family>
+int NetInfo<Family>::MergeBounds(boost::intrusive_ptr<InfoBase const> const& other)
+{
+    return this->IsEqualType(other) ? 0 : IfErrBoundsTypeMismatch;
+}
+
+template<class Family>
+int NetInfo<Family>::AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed)
+{
+    if (!source)
+        return IfErrNullSource;
+    auto const* const schema = Detail::CastTo<NetInfo>(source);
+    if (!schema)
+        return IfErrTypeNotAssignable;
+    Detail::Change change;
+    change.Assign(m_default, schema->m_default);
+    return change.Report(changed);
+}
+
+template<class Family>
+void NetInfo<Family>::DumpVal(std::ostream& os) const
+{
+    Detail::DumpHead(os, *this);
+    Detail::DumpLine(os, "default: ", Detail::NetForm<Family>::DisplayText(m_default));
+}
+
+template<class Family>
+std::ostream& NetInfo<Family>::operator<<(std::ostream& os) const
+{
+    return os << Detail::NetForm<Family>::k_infoName;
+}
+
+template<class Family>
+NetItem<Family>::NetItem(unsigned int id) : Base(id)
+{}
+
+template<class Family>
+NetItem<Family>* NetItem<Family>::Create(unsigned int id, Value const& value)
+{
+    auto item = std::make_unique<NetItem>(id);
+    item->m_value = value;
+    return item.release();
+}
+
+template<class Family>
+NetItem<Family>* NetItem<Family>::DeepCopy(unsigned int id) const
+{
+    return this->CopyAs_(id);
+}
+
+template<class Family>
+bool NetItem<Family>::IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const
+{
+    auto const* const item = Detail::CastTo<NetItem>(other);
+    return item && this->IsEqualType(other) && m_value == item->m_value;
+}
+
+template<class Family>
+int NetItem<Family>::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int, bool* changed)
+{
+    if (!source)
+        return IfErrNullSource;
+    auto const* const item = Detail::CastTo<NetItem>(source);
+    if (!item)
+        return IfErrTypeNotAssignable;
+    Detail::Change change;
+    change.Assign(m_value, item->m_value);
+    return change.Report(changed);
+}
+
+template<class Family>
+unsigned int NetItem<Family>::GetSerialDataSize() const
+{
+    auto const text = Detail::NetForm<Family>::RecordText(m_value);
+    return Detail::ClampSize(Detail::NetRecordSize<Family>(text.size()));
+}
+
+template<class Family>
+int NetItem<Family>::Serialize(SerialStruct_t* record) const
+{
+    auto const text = Detail::NetForm<Family>::RecordText(m_value);
+    return Detail::WriteRecord(*this, record, Detail::NetRecordSize<Family>(text.size()),
+                               [this, &text](Detail::PayloadWriter payload) {
+                                   Detail::NetForm<Family>::PutPrefix(payload, m_value);
+                                   payload.PutText(text);
+                               });
+}
+
+template<class Family>
+int NetItem<Family>::Deserialize(ConstSerialStruct_t const* record)
+{
+    Detail::PayloadReader payload;
+    if (int const code = Detail::OpenRecord(*this, record, payload))
+        return code;
+    if (payload.Left() <= Detail::NetForm<Family>::k_prefixSize || !payload.EndsInZero())
+        return IfErrInvalidArgument;
+    m_value = Detail::NetForm<Family>::Get(payload);
+    return 0;
+}
+
+template<class Family>
+std::shared_ptr<ResultElem const> NetItem<Family>::Validate(boost::intrusive_ptr<InfoBase const> const&)
+{
+    return {};
+}
+
+template<class Family>
+bool NetItem<Family>::SetValFromStream(std::istream& in, std::ostream&,
+                                       boost::intrusive_ptr<InfoBase const> const& info)
+{
+    if (!Detail::NetForm<Family>::CanRead(info.get()))
+        return false;
+    if (!in.eof()) {
+        std::string word;
+        in >> word;
+        m_value = Detail::NetForm<Family>::FromWord(word, info.get());
+    }
+    return true;
+}
+
+template<class Family>
+void NetItem<Family>::DumpVal(std::ostream& os) const
+{
+    Detail::DumpValue(os, *this);
+}
+
+template<class Family>
+std::ostream& NetItem<Family>::operator<<(std::ostream& os) const
+{
+    return os << Detail::NetForm<Family>::DisplayText(m_value);
+}
+
+} // namespace Legacy::If

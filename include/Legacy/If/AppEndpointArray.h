@@ -1,0 +1,105 @@
+#pragma once
+
+#include <Legacy/If/AppEndpoint.h>
+#include <Legacy/If/Export.h>
+#include <Legacy/If/Family.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Legacy::If {
+
+/// The value of a list of application endpoints.
+using AppEndpointList = std::vector<AppEndpoint<Net::Endpoint<Net::AddrStr>>>;
+
+/// Schema of a list of application endpoints: two sizes, which nothing enforces, and a default.
+class LEGACY_IF_API AppEndpointArrayInfo : public InfoFamily<AppEndpointArrayInfo, IfType_t::AppEndpointArray>
+{
+public:
+    static constexpr unsigned int k_initialMaxSize = 0x7FFFFFFF;
+
+    /// An empty default, a least size of 0 and a greatest of #k_initialMaxSize.
+    AppEndpointArrayInfo(unsigned int const& id, std::string const& name, Permission_t const& permission);
+
+    using InfoFamily::DeepCopy;
+    /// Contract: the copy takes the default over but has the sizes of a new schema; only `operator=` and the copy
+    /// constructor carry them. Callers that copy a schema set the sizes themselves.
+    AppEndpointArrayInfo* DeepCopy(unsigned int id, std::string const& name,
+                                   Permission_t const& permission) const override;
+    ItemBase* CreateItem() const override;
+
+    AppEndpointList const& GetDefault() const noexcept { return m_default; }
+    unsigned int GetMinSize() const noexcept { return m_minSize; }
+    unsigned int GetMaxSize() const noexcept { return m_maxSize; }
+    /// Stores the list, whatever its size. Always 0.
+    int SetDefault(AppEndpointList const& list);
+    /// Stores the size and touches nothing else. Always 0.
+    int SetMinSize(unsigned int n);
+    /// Stores the size and touches nothing else. Always 0.
+    int SetMaxSize(unsigned int n);
+
+    /// Equal types; the sizes are not compared.
+    bool IsEqualBounds(boost::intrusive_ptr<InfoBase const> const& other) const override;
+    /// Changes nothing.
+    /// @return 0; #IfErrBoundsTypeMismatch.
+    int MergeBounds(boost::intrusive_ptr<InfoBase const> const& other) override;
+    /// From a schema of the same family: the first of default, least size and greatest size that differs.
+    ///
+    /// Contract: one call takes over one difference and leaves the rest; callers repeat it until nothing changes.
+    int AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed) override;
+
+    /// Contract: the default shows as an empty list whatever it holds; dumps are compared with that text.
+    void DumpVal(std::ostream& os) const override;
+    /// The bare name of the class.
+    std::ostream& operator<<(std::ostream& os) const override;
+
+private:
+    unsigned int m_minSize = 0;
+    unsigned int m_maxSize = k_initialMaxSize;
+    AppEndpointList m_default;
+};
+
+/// Value of a parameter that is a list of application endpoints.
+class LEGACY_IF_API AppEndpointArrayItem : public ItemFamily<AppEndpointArrayItem, IfType_t::AppEndpointArray>
+{
+public:
+    explicit AppEndpointArrayItem(unsigned int id); ///< empty
+
+    using ItemFamily::DeepCopy;
+    AppEndpointArrayItem* DeepCopy(unsigned int id) const override;
+
+    AppEndpointList GetVal() const { return m_value; }
+    AppEndpointList& Val() noexcept { return m_value; }
+    AppEndpointList const& Val() const noexcept { return m_value; }
+    void SetVal(AppEndpointList const& value) { m_value = value; }
+
+    bool IsEmpty() const override; ///< there are no elements
+    /// Equal types and lists, every element exactly equal.
+    bool IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const override;
+    /// From an application endpoint, into the element at `index`: the list grows to hold it, with default elements
+    /// before it. From a list as a whole, with `index` ignored.
+    int AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index,
+                         bool* changed) override;
+
+    /// Each element as in #AppEndpointItem, with no count.
+    unsigned int GetSerialDataSize() const override;
+    int Serialize(SerialStruct_t* record) const override;
+    /// Takes the elements that are whole and ignores what follows them.
+    ///
+    /// Contract: the list is emptied for any record but a null one, also for one that is then refused.
+    int Deserialize(ConstSerialStruct_t const* record) override;
+
+    /// Always passes: the schema's sizes are not enforced.
+    std::shared_ptr<ResultElem const> Validate(boost::intrusive_ptr<InfoBase const> const& info) override;
+    /// A list cannot be read: writes "Impl. me" to `out` and returns false.
+    bool SetValFromStream(std::istream& in, std::ostream& out,
+                          boost::intrusive_ptr<InfoBase const> const& info) override;
+    void DumpVal(std::ostream& os) const override;
+    std::ostream& operator<<(std::ostream& os) const override;
+
+private:
+    AppEndpointList m_value;
+};
+
+} // namespace Legacy::If
