@@ -43,7 +43,7 @@ function(platform_library name)
         "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>")
     target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
     set_target_properties(${name} PROPERTIES
-        EXPORT_NAME ${ARG_EXPORT_NAME}
+        EXPORT_NAME ${ARG_NAMESPACE}::${ARG_EXPORT_NAME}
         OUTPUT_NAME ${ARG_OUTPUT_NAME}
         LINKER_LANGUAGE CXX
         VERSION ${PROJECT_VERSION}
