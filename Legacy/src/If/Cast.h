@@ -5,13 +5,14 @@
 namespace Legacy::If::Detail {
 
 /// The object as a `Target`, or null if it is null or of another class. `Target` is the family's own class: the exact
-/// type, which is nearly always the answer, is tested first, and a class derived from it takes the run-time cast.
+/// type, which is nearly always the answer, is tested first, by the address of its identity alone; a class derived from
+/// it, or an identity that stands twice, takes the run-time cast.
 template<typename Target, typename Root>
 Target const* ExactCast(Root const* object)
 {
     if (!object)
         return nullptr;
-    if (typeid(*object) == typeid(Target))
+    if (&typeid(*object) == &typeid(Target))
         return static_cast<Target const*>(object);
     return dynamic_cast<Target const*>(object);
 }

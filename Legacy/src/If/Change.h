@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Convert.h"
+
 namespace Legacy::If::Detail {
 
 /// Notes whether an assignment changed anything and tells the caller at its end, on success only.
@@ -16,6 +18,14 @@ public:
             return;
         target = source;
         m_changed = true;
+    }
+
+    /// Stores a number in any case, and notes a difference beyond the tolerance.
+    template<typename Number>
+    void Store(Number& target, Number source) noexcept
+    {
+        Note(Differs(target, source));
+        target = source;
     }
 
     /// Makes a list equal to another, element by element.

@@ -35,22 +35,6 @@ constexpr std::uint64_t TruncateU64(Source value) noexcept
     return static_cast<std::uint64_t>(Truncate<std::int64_t>(value));
 }
 
-/// The one rule of conversion between any two of the ten element types, booleans and enumeration values.
-template<typename Target, typename Source>
-constexpr Target ConvertTo(Source value) noexcept
-{
-    if constexpr (std::floating_point<Target> || std::integral<Source>)
-        return static_cast<Target>(value);
-    else if constexpr (sizeof(Target) < 4)
-        return static_cast<Target>(Truncate<std::int32_t>(value)); // through a signed 32-bit number, low bits kept
-    else if constexpr (std::signed_integral<Target>)
-        return Truncate<Target>(value);
-    else if constexpr (sizeof(Target) == 8)
-        return TruncateU64(value);
-    else
-        return static_cast<Target>(Truncate<std::int64_t>(value));
-}
-
 /// The test by which a number becomes a boolean: not 0 for integers; for floating-point values at least the tolerance
 /// away from 0, so a NaN is false.
 template<typename Source>
@@ -60,6 +44,25 @@ constexpr bool ToBool(Source value) noexcept
         return value >= static_cast<Source>(k_floatTolerance) || value <= -static_cast<Source>(k_floatTolerance);
     else
         return value != 0;
+}
+
+/// The one rule of conversion between any two of the ten element types, booleans and enumeration values. Only a boolean
+/// target is different: it takes the test.
+template<typename Target, typename Source>
+constexpr Target ConvertTo(Source value) noexcept
+{
+    if constexpr (std::same_as<Target, bool>)
+        return ToBool(value);
+    else if constexpr (std::floating_point<Target> || std::integral<Source>)
+        return static_cast<Target>(value);
+    else if constexpr (sizeof(Target) < 4)
+        return static_cast<Target>(Truncate<std::int32_t>(value)); // through a signed 32-bit number, low bits kept
+    else if constexpr (std::signed_integral<Target>)
+        return Truncate<Target>(value);
+    else if constexpr (sizeof(Target) == 8)
+        return TruncateU64(value);
+    else
+        return static_cast<Target>(Truncate<std::int64_t>(value));
 }
 
 /// Whether a stored value counts as changed: unequal for integers; for floating-point types apart by more than the

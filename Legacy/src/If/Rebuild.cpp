@@ -5,9 +5,11 @@
 #include <Legacy/If/AppEndpointArray.h>
 #include <Legacy/If/Endpoint.h>
 #include <Legacy/If/ItemBase.h>
+#include <Legacy/If/Numeric.h>
 #include <Legacy/If/String.h>
 #include <Legacy/If/StringArray.h>
 
+#include <algorithm>
 #include <array>
 
 namespace Legacy::If {

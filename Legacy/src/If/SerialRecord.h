@@ -209,4 +209,23 @@ inline int OpenRecord(ItemBase const& item, ItemBase::ConstSerialStruct_t const*
     return 0;
 }
 
+/// Writes and reads the record of a value whose payload is one number.
+template<typename Number>
+int WriteNumberRecord(ItemBase const& item, ItemBase::SerialStruct_t* record, Number value)
+{
+    return WriteRecord(item, record, sizeof(value), [value](PayloadWriter payload) { payload.Put(value); });
+}
+
+template<typename Number>
+int ReadNumberRecord(ItemBase const& item, ItemBase::ConstSerialStruct_t const* record, Number& value)
+{
+    PayloadReader payload;
+    if (int const code = OpenRecord(item, record, payload))
+        return code;
+    if (payload.Left() != sizeof(value))
+        return IfErrInvalidArgument;
+    value = payload.Get<Number>();
+    return 0;
+}
+
 } // namespace Legacy::If::Detail
