@@ -64,7 +64,7 @@ struct Closer
             Bin& bin = t_cache.bins[i];
             while (Block* const block = bin.first) {
                 bin.first = block->next;
-                ::operator delete(block, BlockSize(i));
+                ::operator delete(block);
             }
             bin.room = 0;
         }
@@ -103,13 +103,13 @@ void* AllocateObject(std::size_t size)
 void FreeObject(void* object, std::size_t size) noexcept
 {
     if (size > k_largest) {
-        ::operator delete(object, size);
+        ::operator delete(object);
         return;
     }
     std::size_t const i = BinOf(size);
     Bin& bin = t_cache.bins[i];
     if (bin.room == 0 && !Open()) {
-        ::operator delete(object, BlockSize(i));
+        ::operator delete(object);
         return;
     }
     bin.first = ::new (object) Block{bin.first};
@@ -119,7 +119,7 @@ void FreeObject(void* object, std::size_t size) noexcept
 #else
 
 void* AllocateObject(std::size_t size) { return ::operator new(size); }
-void FreeObject(void* object, std::size_t size) noexcept { ::operator delete(object, size); }
+void FreeObject(void* object, std::size_t) noexcept { ::operator delete(object); }
 
 #endif
 
