@@ -30,6 +30,13 @@ public:
     /// Subtracts one and returns the value before.
     std::int32_t Decrement() noexcept { return m_value.fetch_sub(1, std::memory_order_acq_rel); }
 
+    /// Drops a reference: subtracts one and tells whether that was the last. Whoever holds the only reference need not
+    /// write the count any more, since nobody else can take one.
+    bool Release() noexcept
+    {
+        return m_value.load(std::memory_order_acquire) <= 1 || m_value.fetch_sub(1, std::memory_order_acq_rel) <= 1;
+    }
+
 private:
     std::atomic<std::int32_t> m_value{0};
 };

@@ -23,7 +23,7 @@ public:
 
     friend void intrusive_ptr_release(IntrusiveBaseMT const* object) noexcept
     {
-        if (object->m_refCount.Decrement() <= 1)
+        if (object->m_refCount.Release())
             delete object;
     }
 

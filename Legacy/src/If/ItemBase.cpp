@@ -1,10 +1,10 @@
 #include "Finding.h"
 #include "ObjectCache.h"
+#include "TextCapture.h"
 
 #include <Legacy/If/ItemBase.h>
 
 #include <ostream>
-#include <sstream>
 
 namespace Legacy::If {
 
@@ -37,9 +37,7 @@ std::string const& ItemBase::GetName() const noexcept
 
 std::string ItemBase::GetValAsString() const
 {
-    std::ostringstream os;
-    operator<<(os);
-    return std::move(os).str();
+    return Detail::CaptureText([this](std::ostream& os) { operator<<(os); });
 }
 
 void* ItemBase::operator new(std::size_t size) { return Detail::AllocateObject(size); }

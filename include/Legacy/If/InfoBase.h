@@ -112,7 +112,7 @@ inline void intrusive_ptr_add_ref(InfoBase const* info) noexcept { info->m_refCo
 /// Drops a reference and destroys the object with the last one, also one that was never taken.
 inline void intrusive_ptr_release(InfoBase const* info) noexcept
 {
-    if (info->m_refCount.Decrement() <= 1)
+    if (info->m_refCount.Release())
         delete info;
 }
 

@@ -200,7 +200,7 @@ inline void intrusive_ptr_add_ref(ItemBase const* item) noexcept { item->m_refCo
 /// Drops a reference and destroys the object with the last one, also one that was never taken.
 inline void intrusive_ptr_release(ItemBase const* item) noexcept
 {
-    if (item->m_refCount.Decrement() <= 1)
+    if (item->m_refCount.Release())
         delete item;
 }
 
