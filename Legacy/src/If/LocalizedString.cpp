@@ -1,5 +1,8 @@
-#include <Legacy/If/LocalizedString.h>
+#include "Cast.h"
+#include "Change.h"
+#include "Text.h"
 
+#include <Legacy/If/LocalizedString.h>
 #include <Orlek/Localization.h>
 
 namespace Legacy::If {
@@ -17,8 +20,94 @@ std::string LocalizedString::GetString(std::string const& language) const
         return {};
     Orlek::LocalizationHelper message = Orlek::Localization::GetString(m_key, language);
     for (auto const& argument : m_arguments)
-        message % argument->GetValAsString();
+        message % (argument ? argument->GetValAsString() : std::string());
     return message;
 }
+
+LocalizedStringInfo::LocalizedStringInfo(unsigned int const& id, std::string const& name,
+                                         Permission_t const& permission)
+    : InfoFamily(id, name, permission)
+{}
+
+LocalizedStringInfo* LocalizedStringInfo::DeepCopy(unsigned int id, std::string const& name,
+                                                   Permission_t const& permission) const
+{
+    return CopyAs_(id, name, permission);
+}
+
+ItemBase* LocalizedStringInfo::CreateItem() const
+{
+    auto item = std::make_unique<LocalizedStringItem>(GetId());
+    item->SetVal(m_default);
+    return item.release();
+}
+
+bool LocalizedStringInfo::IsEqualBounds(boost::intrusive_ptr<InfoBase const> const&) const { return false; }
+
+int LocalizedStringInfo::MergeBounds(boost::intrusive_ptr<InfoBase const> const&) { return IfErrTypeNotAssignable; }
+
+int LocalizedStringInfo::AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed)
+{
+    if (!source)
+        return IfErrNullSource;
+    auto const* const schema = Detail::CastTo<LocalizedStringInfo>(source);
+    if (!schema)
+        return IfErrTypeNotAssignable;
+    Detail::Change change;
+    change.Assign(m_default, schema->m_default);
+    return change.Report(changed);
+}
+
+void LocalizedStringInfo::DumpVal(std::ostream& os) const
+{
+    Detail::DumpHead(os, *this);
+    Detail::DumpLine(os, "default: ", m_default.GetString(""));
+}
+
+std::ostream& LocalizedStringInfo::operator<<(std::ostream& os) const { return os << '"' << m_default.GetString(""); }
+
+LocalizedStringItem::LocalizedStringItem(unsigned int id) : ItemFamily(id) {}
+
+LocalizedStringItem* LocalizedStringItem::DeepCopy(unsigned int id) const { return CopyAs_(id); }
+
+bool LocalizedStringItem::IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const
+{
+    auto const* const item = Detail::CastTo<LocalizedStringItem>(other);
+    return item && IsEqualType(other) && m_value == item->m_value;
+}
+
+int LocalizedStringItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int,
+                                          bool* changed)
+{
+    if (!source)
+        return IfErrNullSource;
+    auto const* const item = Detail::CastTo<LocalizedStringItem>(source);
+    if (!item)
+        return IfErrTypeNotAssignable;
+    Detail::Change change;
+    change.Assign(m_value, item->m_value);
+    return change.Report(changed);
+}
+
+unsigned int LocalizedStringItem::GetSerialDataSize() const { return 0; }
+
+int LocalizedStringItem::Serialize(SerialStruct_t*) const { return IfErrTypeNotAssignable; }
+
+int LocalizedStringItem::Deserialize(ConstSerialStruct_t const*) { return IfErrTypeNotAssignable; }
+
+std::shared_ptr<ResultElem const> LocalizedStringItem::Validate(boost::intrusive_ptr<InfoBase const> const&)
+{
+    return {};
+}
+
+bool LocalizedStringItem::SetValFromStream(std::istream&, std::ostream& out,
+                                           boost::intrusive_ptr<InfoBase const> const&)
+{
+    return Detail::NotReadable(out);
+}
+
+void LocalizedStringItem::DumpVal(std::ostream& os) const { Detail::DumpValue(os, *this); }
+
+std::ostream& LocalizedStringItem::operator<<(std::ostream& os) const { return os << m_value.GetString(""); }
 
 } // namespace Legacy::If

@@ -3,9 +3,11 @@
 #include <Legacy/If/Addr.h>
 #include <Legacy/If/AppEndpoint.h>
 #include <Legacy/If/AppEndpointArray.h>
+#include <Legacy/If/Colour.h>
 #include <Legacy/If/Endpoint.h>
 #include <Legacy/If/ItemBase.h>
 #include <Legacy/If/Numeric.h>
+#include <Legacy/If/Orientation.h>
 #include <Legacy/If/String.h>
 #include <Legacy/If/StringArray.h>
 
@@ -46,6 +48,8 @@ constexpr auto k_rows = std::to_array<Row>({
     RowOf<EndpointItem>(IfType_t::Endpoint),
     RowOf<AppEndpointItem>(IfType_t::AppEndpoint),
     RowOf<AppEndpointArrayItem>(IfType_t::AppEndpointArray),
+    RowOf<ColourItem>(IfType_t::Colour),
+    RowOf<OrientationItem>(IfType_t::Orientation),
 });
 
 constexpr std::size_t k_numericTypes = static_cast<std::size_t>(NumericType_t::Double) + 1;

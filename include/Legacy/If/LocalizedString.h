@@ -1,10 +1,11 @@
 #pragma once
 
 #include <Legacy/If/Export.h>
-#include <Legacy/If/ItemBase.h>
+#include <Legacy/If/Family.h>
 
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -31,8 +32,7 @@ public:
     /// The arguments stay.
     void SetKey(std::string const& key) { m_key = key; }
 
-    /// Appends an argument, to be shown as its `GetValAsString`.
-    /// @param argument not null if #GetString is to be called.
+    /// Appends an argument, to be shown as its `GetValAsString`; a null one is shown as an empty text.
     void AddArgument(boost::intrusive_ptr<ItemBase const> const& argument) { m_arguments.push_back(argument); }
     std::vector<boost::intrusive_ptr<ItemBase const>> const& GetArguments() const noexcept { return m_arguments; }
 
@@ -45,6 +45,76 @@ public:
 private:
     std::string m_key;
     std::vector<boost::intrusive_ptr<ItemBase const>> m_arguments;
+};
+
+/// Schema of a localized message: nothing but a default.
+class LEGACY_IF_API LocalizedStringInfo : public InfoFamily<LocalizedStringInfo, IfType_t::LocalizedString>
+{
+public:
+    /// No message as the default.
+    LocalizedStringInfo(unsigned int const& id, std::string const& name, Permission_t const& permission);
+
+    using InfoFamily::DeepCopy;
+    LocalizedStringInfo* DeepCopy(unsigned int id, std::string const& name,
+                                  Permission_t const& permission) const override;
+    ItemBase* CreateItem() const override;
+
+    LocalizedString const& GetDefault() const noexcept { return m_default; }
+    void SetDefault(LocalizedString const& message) { m_default = message; }
+
+    /// Always false, whatever the argument, also for an own copy.
+    bool IsEqualBounds(boost::intrusive_ptr<InfoBase const> const& other) const override;
+    /// Always #IfErrTypeNotAssignable, whatever the argument.
+    int MergeBounds(boost::intrusive_ptr<InfoBase const> const& other) override;
+    /// From a schema of the same family: the default, if it is another message.
+    int AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed) override;
+
+    void DumpVal(std::ostream& os) const override;
+    /// Prints a quote and the default in the default language.
+    ///
+    /// Contract: no quote follows; whoever takes the text apart goes by the first one alone.
+    std::ostream& operator<<(std::ostream& os) const override;
+
+private:
+    LocalizedString m_default;
+};
+
+/// Value that is a localized message. It lives in memory alone: it has no serial form and cannot be read from text.
+/// Copies share the arguments of the message.
+class LEGACY_IF_API LocalizedStringItem : public ItemFamily<LocalizedStringItem, IfType_t::LocalizedString>
+{
+public:
+    explicit LocalizedStringItem(unsigned int id); ///< no message; even so the value does not count as empty
+
+    using ItemFamily::DeepCopy;
+    LocalizedStringItem* DeepCopy(unsigned int id) const override;
+
+    LocalizedString const& GetVal() const noexcept { return m_value; }
+    void SetVal(LocalizedString const& message) { m_value = message; }
+
+    bool IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const override;
+    /// From a localized message, if it is another one.
+    int AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index,
+                         bool* changed) override;
+
+    unsigned int GetSerialDataSize() const override; ///< always 0
+    /// Always #IfErrTypeNotAssignable; no argument is looked at.
+    /// @{
+    int Serialize(SerialStruct_t* record) const override;
+    int Deserialize(ConstSerialStruct_t const* record) override;
+    /// @}
+
+    /// Always passes.
+    std::shared_ptr<ResultElem const> Validate(boost::intrusive_ptr<InfoBase const> const& info) override;
+    /// Always false: a message cannot be read from text, and `out` is told so.
+    bool SetValFromStream(std::istream& in, std::ostream& out,
+                          boost::intrusive_ptr<InfoBase const> const& info) override;
+    void DumpVal(std::ostream& os) const override;
+    /// Prints the message in the default language.
+    std::ostream& operator<<(std::ostream& os) const override;
+
+private:
+    LocalizedString m_value;
 };
 
 } // namespace Legacy::If

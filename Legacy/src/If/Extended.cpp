@@ -1,0 +1,102 @@
+#include "Cast.h"
+#include "Change.h"
+#include "Finding.h"
+#include "Text.h"
+
+#include <Legacy/If/Extended.h>
+
+namespace Legacy::If {
+
+ExtendedInfo::ExtendedInfo(unsigned int const& id, std::string const& name, Permission_t const& permission)
+    : InfoFamily(id, name, permission)
+{}
+
+ExtendedInfo* ExtendedInfo::DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const
+{
+    return CopyAs_(id, name, permission);
+}
+
+ItemBase* ExtendedInfo::CreateItem() const { return ExtendedItem::Create(GetId(), m_default); }
+
+int ExtendedInfo::SetDefault(std::pair<std::string, std::string> const& texts)
+{
+    m_default = texts;
+    return 0;
+}
+
+bool ExtendedInfo::IsEqualBounds(boost::intrusive_ptr<InfoBase const> const&) const { return false; }
+
+int ExtendedInfo::MergeBounds(boost::intrusive_ptr<InfoBase const> const&) { return IfErrTypeNotAssignable; }
+
+int ExtendedInfo::AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed)
+{
+    if (!source)
+        return IfErrNullSource;
+    auto const* const schema = Detail::CastTo<ExtendedInfo>(source);
+    if (!schema)
+        return IfErrTypeNotAssignable;
+    Detail::Change change;
+    change.Assign(m_default, schema->m_default);
+    return change.Report(changed);
+}
+
+void ExtendedInfo::DumpVal(std::ostream& os) const { Detail::DumpHead(os, *this); }
+
+std::ostream& ExtendedInfo::operator<<(std::ostream& os) const { return os; }
+
+ExtendedItem::ExtendedItem(unsigned int id) : ItemFamily(id) {}
+
+ExtendedItem* ExtendedItem::Create(unsigned int id, std::pair<std::string, std::string> const& value)
+{
+    auto item = std::make_unique<ExtendedItem>(id);
+    item->m_value = value;
+    return item.release();
+}
+
+ExtendedItem* ExtendedItem::DeepCopy(unsigned int id) const { return CopyAs_(id); }
+
+void ExtendedItem::SetVal(std::pair<std::string, std::string> const& value, ExtendedInfo const&) { m_value = value; }
+
+bool ExtendedItem::IsEmpty() const { return m_value.first.empty(); }
+
+bool ExtendedItem::IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const
+{
+    auto const* const item = Detail::CastTo<ExtendedItem>(other);
+    return item && IsEqualType(other) && m_value == item->m_value;
+}
+
+int ExtendedItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int, bool* changed)
+{
+    if (!source)
+        return IfErrNullSource;
+    auto const* const item = Detail::CastTo<ExtendedItem>(source);
+    if (!item)
+        return IfErrTypeNotAssignable;
+    Detail::Change change;
+    change.Assign(m_value, item->m_value);
+    return change.Report(changed);
+}
+
+unsigned int ExtendedItem::GetSerialDataSize() const { return 0; }
+
+int ExtendedItem::Serialize(SerialStruct_t*) const { return IfErrNotSerializable; }
+
+int ExtendedItem::Deserialize(ConstSerialStruct_t const*) { return IfErrNotSerializable; }
+
+std::shared_ptr<ResultElem const> ExtendedItem::Validate(boost::intrusive_ptr<InfoBase const> const& info)
+{
+    if (!Detail::CastTo<ExtendedInfo>(info))
+        return Detail::TypeMismatch(info, *this);
+    return {};
+}
+
+bool ExtendedItem::SetValFromStream(std::istream&, std::ostream&, boost::intrusive_ptr<InfoBase const> const&)
+{
+    return false;
+}
+
+void ExtendedItem::DumpVal(std::ostream& os) const { Detail::DumpHead(os, *this); }
+
+std::ostream& ExtendedItem::operator<<(std::ostream& os) const { return os; }
+
+} // namespace Legacy::If

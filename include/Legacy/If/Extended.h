@@ -1,0 +1,90 @@
+#pragma once
+
+#include <Legacy/If/Export.h>
+#include <Legacy/If/Family.h>
+
+#include <memory>
+#include <string>
+#include <utility>
+
+namespace Legacy::If {
+
+/// Schema of a pair of texts that only the callers understand: nothing but a default.
+class LEGACY_IF_API ExtendedInfo : public InfoFamily<ExtendedInfo, IfType_t::Extended>
+{
+public:
+    /// Two empty texts.
+    ExtendedInfo(unsigned int const& id, std::string const& name, Permission_t const& permission);
+
+    using InfoFamily::DeepCopy;
+    ExtendedInfo* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const override;
+    ItemBase* CreateItem() const override;
+
+    std::pair<std::string, std::string> const& GetDefault() const noexcept { return m_default; }
+    /// Always 0.
+    int SetDefault(std::pair<std::string, std::string> const& texts);
+
+    /// Always false, whatever the argument, also for an own copy: nothing is known about the texts.
+    bool IsEqualBounds(boost::intrusive_ptr<InfoBase const> const& other) const override;
+    /// Always #IfErrTypeNotAssignable, whatever the argument.
+    int MergeBounds(boost::intrusive_ptr<InfoBase const> const& other) override;
+    /// From a schema of the same family: the default.
+    int AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed) override;
+
+    /// The default is not printed.
+    void DumpVal(std::ostream& os) const override;
+    /// Prints nothing.
+    std::ostream& operator<<(std::ostream& os) const override;
+
+private:
+    std::pair<std::string, std::string> m_default;
+};
+
+/// Value that is a pair of texts. It lives in memory alone: it has no serial form and no text form.
+class LEGACY_IF_API ExtendedItem : public ItemFamily<ExtendedItem, IfType_t::Extended>
+{
+public:
+    explicit ExtendedItem(unsigned int id); ///< two empty texts
+
+    /// A value with those texts. The caller owns it: count 0.
+    static ExtendedItem* Create(unsigned int id, std::pair<std::string, std::string> const& value);
+
+    using ItemFamily::DeepCopy;
+    ExtendedItem* DeepCopy(unsigned int id) const override;
+
+    std::pair<std::string, std::string> GetVal() const { return m_value; }
+    std::pair<std::string, std::string>& Val() noexcept { return m_value; }
+    std::pair<std::string, std::string> const& Val() const noexcept { return m_value; }
+    void SetVal(std::pair<std::string, std::string> const& value) { m_value = value; }
+    /// The same: the schema has nothing to say.
+    void SetVal(std::pair<std::string, std::string> const& value, ExtendedInfo const& info);
+
+    bool IsEmpty() const override; ///< the first text has no bytes; the second does not count
+    bool IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const override;
+    /// From a value of the same family: both texts.
+    int AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index,
+                         bool* changed) override;
+
+    unsigned int GetSerialDataSize() const override; ///< always 0
+    /// Always #IfErrNotSerializable, also for a null record: no argument is looked at, so callers must not expect the
+    /// codes that other families give.
+    /// @{
+    int Serialize(SerialStruct_t* record) const override;
+    int Deserialize(ConstSerialStruct_t const* record) override;
+    /// @}
+
+    /// Fails only for a schema of another class; the texts are not looked at.
+    std::shared_ptr<ResultElem const> Validate(boost::intrusive_ptr<InfoBase const> const& info) override;
+    /// Always false; nothing is read or written.
+    bool SetValFromStream(std::istream& in, std::ostream& out,
+                          boost::intrusive_ptr<InfoBase const> const& info) override;
+    /// The texts are not printed.
+    void DumpVal(std::ostream& os) const override;
+    /// Prints nothing.
+    std::ostream& operator<<(std::ostream& os) const override;
+
+private:
+    std::pair<std::string, std::string> m_value;
+};
+
+} // namespace Legacy::If
