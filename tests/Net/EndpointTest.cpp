@@ -48,7 +48,6 @@ TEST(AddrIp, ConvertsFromAndToTextAndAsio)
     }
     EXPECT_NE(AddrIp("fe80::1%7777"), AddrIp("fe80::1"));
     EXPECT_NE(AddrIp("::ffff:1.2.3.4"), AddrIp("1.2.3.4"));
-    EXPECT_EQ(AddrIp(static_cast<char const*>(nullptr)), AddrIp());
 }
 
 TEST(Endpoint, ReadsAnyText)
@@ -75,8 +74,6 @@ TEST(Endpoint, ReadsAnyText)
                            {"cam:-1", "cam:-1", 0},
                            {"cam:+80", "cam:+80", 0},
                            {"cam: 80", "cam: 80", 0},
-                           {"cam:80 ", "cam:80 ", 0},
-                           {"cam:8x", "cam:8x", 0},
                            {"cam:80\0"s, "cam:80\0"s, 0},
                            {"cam\0x:80"s, "cam\0x"s, 80},
                            // IPv6
@@ -86,12 +83,10 @@ TEST(Endpoint, ReadsAnyText)
                            {"::1", "::1", 0},
                            {"fe80::1:80", "fe80::1:80", 0},
                            {"[fe80::1%eth0]:80", "fe80::1%eth0", 80},
-                           {"fe80::1%eth0", "fe80::1%eth0", 0},
                            {"fe80::1%eth0:80", "fe80::1%eth0", 80},
                            {"[::1]:70000", "[::1]:70000", 0},
                            {"[::1]x", "[::1]x", 0},
                            {"[cam]:80", "[cam]", 80},
-                           {"[]:80", "[]", 80},
                            {"[:80", "[", 80},
                            // a URL keeps its path; only a number at its end is a port
                            {url, url, 0},
@@ -117,23 +112,11 @@ TEST(Endpoint, PrintsThePortBehindTheLastColon)
     EXPECT_EQ(EndpointStr("cam", 80).ToString(), "cam:80");
     EXPECT_EQ(EndpointStr("::1", 80).ToString(), "[::1]:80");
     EXPECT_EQ(EndpointStr("fe80::1%eth0").ToString(), "[fe80::1%eth0]:0");
-    EXPECT_EQ(EndpointStr("rtsp://[::1]/a").ToString(), "rtsp://[::1]/a:0");
     EXPECT_EQ(EndpointStr("rtsp://cam:554").ToString(), "rtsp://cam:554:0");
     EXPECT_EQ(EndpointStr::FromString("rtsp://cam:554:0"), EndpointStr("rtsp://cam:554"));
-    EXPECT_EQ(EndpointIp(AddrIp("::1"), 65535).ToString(), "[::1]:65535");
     // The two texts that do not come back as they went.
     EXPECT_EQ(EndpointStr::FromString(EndpointStr("[::1]", 80).ToString()), EndpointStr("::1", 80));
     EXPECT_EQ(EndpointStr::FromString(EndpointStr("1:", 2).ToString()), EndpointStr("1::2"));
-}
-
-TEST(Endpoint, BothPartsCountInComparison)
-{
-    EndpointStr endpoint("cam", 80);
-    EXPECT_EQ(endpoint, EndpointStr::FromString("cam:80"));
-    endpoint.SetPort(81);
-    EXPECT_NE(endpoint, EndpointStr("cam", 80));
-    endpoint.SetAddr("dom");
-    EXPECT_EQ(endpoint, EndpointStr("dom", 81));
 }
 
 TEST(Endpoint, NeedsAnAddressAndAPortToBeFullySpecified)

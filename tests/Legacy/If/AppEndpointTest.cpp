@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cctype>
 #include <string>
 #include <vector>
 
@@ -61,58 +63,40 @@ TYPED_TEST(AppEndpointTest, WritesAndReadsEachProtocol)
         AppEndpoint<TypeParam> const expected({static_cast<Type>(number), version, version}, endpoint.GetEndpoint(), 0);
         EXPECT_EQ(AppEndpoint<TypeParam>::FromUri(endpoint.ToUri()), expected);
         std::string upper = endpoint.ToUri();
-        for (char& c : upper)
-            c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+        std::ranges::transform(upper, upper.begin(),
+                               [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
         EXPECT_EQ(AppEndpoint<TypeParam>::FromUri(upper), expected);
     }
-}
-
-TYPED_TEST(AppEndpointTest, WritesNumbersThatNameNoProtocol)
-{
     for (int const number : {3, 4, 6, 11, 65, 255, -1}) {
         auto const endpoint = Of<TypeParam>(static_cast<Type>(number), "10.0.0.1:80");
         EXPECT_EQ(endpoint.ToUri(), "x-qrv-unknown://10.0.0.1:80");
         EXPECT_EQ(endpoint.ToString(), "10.0.0.1:80 (Invalid)");
-        EXPECT_FALSE(endpoint.RequiresEncryption());
     }
 }
 
 TYPED_TEST(AppEndpointTest, ComparesExactlyOrByPlace)
 {
-    using App = AppEndpoint<TypeParam>;
-    App const base({Type::Http, 3, 1}, TypeParam::FromString("10.0.0.1:80"), 3);
-    auto const with = [&base](auto change) {
-        App changed = base;
-        change(changed);
-        return changed;
-    };
-    struct Case
-    {
-        App other;
-        bool samePlace;
-    };
-    for (auto const& [other, samePlace] :
-         std::vector<Case>{{with([](App& e) { e.SetAppProtocolType(Type::Https); }), false},
-                           {with([](App& e) { e.SetAppProtocolVersion(4); }), true},
-                           {with([](App& e) { e.SetAppProtocolCompatVersion(2); }), true},
-                           {with([](App& e) { e.SetPort(81); }), false},
-                           {with([](App& e) { e.SetAddr(Net::AddrIp("10.0.0.2").ToString()); }), false},
-                           {with([](App& e) { e.SetAddrGroupPrefix(0); }), true},
-                           {with([](App& e) { e.SetAddrGroupPrefix(7); }), false}})
-    {
+    AppEndpoint<TypeParam> const base({Type::Http, 3, 1}, TypeParam::FromString("10.0.0.1:80"), 3);
+    EXPECT_TRUE(base.IsEqual(base));
+    auto const expect = [&base](bool samePlace, auto change) {
+        auto other = base;
+        change(other);
         EXPECT_NE(base, other);
         EXPECT_EQ(base.IsEqual(other), samePlace);
         EXPECT_EQ(other.IsEqual(base), samePlace);
-    }
-    EXPECT_EQ(base, with([](App&) {}));
-    EXPECT_TRUE(base.IsEqual(base));
+    };
+    expect(false, [](auto& e) { e.SetAppProtocolType(Type::Https); });
+    expect(true, [](auto& e) { e.SetAppProtocolVersion(4); });
+    expect(true, [](auto& e) { e.SetAppProtocolCompatVersion(2); });
+    expect(false, [](auto& e) { e.SetPort(81); });
+    expect(false, [](auto& e) { e.SetAddr("10.0.0.2"); });
+    expect(true, [](auto& e) { e.SetAddrGroupPrefix(0); });
+    expect(false, [](auto& e) { e.SetAddrGroupPrefix(7); });
 }
 
 TYPED_TEST(AppEndpointTest, ForwardsToItsEndpoint)
 {
     AppEndpoint<TypeParam> endpoint;
-    EXPECT_EQ(endpoint.GetAppProtocolInfo(), AppProtocolInfo_t());
-    EXPECT_EQ(endpoint.GetEndpoint(), TypeParam());
     EXPECT_TRUE(endpoint.IsUnspecified());
     EXPECT_FALSE(endpoint.IsLocalhost());
     endpoint.SetEndpoint(TypeParam::FromString("127.0.0.1:80"));
@@ -131,8 +115,6 @@ TEST(AppProtocolInfo, AcceptsTheVersionsBetweenItsTwo)
     }
     EXPECT_FALSE(AppProtocolInfo_t(Type::Soap, 2, 5).IsProtocolCompatible(Type::Soap, 3));
     EXPECT_TRUE(AppEndpoint<Text>(info, {}, 0).IsAppProtocolCompatible(Type::Soap, 2));
-    EXPECT_NE(info, AppProtocolInfo_t(Type::Soap, 5, 3));
-    EXPECT_NE(info, AppProtocolInfo_t(Type::Soap, 4, 2));
 }
 
 TEST(AppEndpointUri, ReadsAnyText)
