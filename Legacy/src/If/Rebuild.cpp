@@ -41,7 +41,31 @@ constexpr Row RowOf(IfType_t type, NumericType_t numericType = NumericType_t::Un
     return {type, numericType, &Create<Item>};
 }
 
-constexpr auto k_rows = std::to_array<Row>({
+/// The rows of a numeric family, one for each of the traits named.
+template<template<typename> typename Family, typename... Traits>
+constexpr std::array<Row, sizeof...(Traits)> RowsOf(IfType_t type)
+{
+    return {RowOf<Family<Traits>>(type, Traits::k_numericType)...};
+}
+
+/// The rows of a numeric family that has all element types.
+template<template<typename> typename Family>
+constexpr auto AllRowsOf(IfType_t type)
+{
+    return RowsOf<Family, U8Traits, S8Traits, U16Traits, S16Traits, U32Traits, S32Traits, U64Traits, S64Traits,
+                  FloatTraits, DoubleTraits>(type);
+}
+
+template<std::size_t... Sizes>
+constexpr auto Join(std::array<Row, Sizes> const&... parts)
+{
+    std::array<Row, (Sizes + ...)> rows{};
+    auto end = rows.begin();
+    ((end = std::copy(parts.begin(), parts.end(), end)), ...);
+    return rows;
+}
+
+constexpr auto k_plainRows = std::to_array<Row>({
     RowOf<StringItem>(IfType_t::String),
     RowOf<StringArrayItem>(IfType_t::StringArray),
     RowOf<AddrItem>(IfType_t::Addr),
@@ -51,6 +75,9 @@ constexpr auto k_rows = std::to_array<Row>({
     RowOf<ColourItem>(IfType_t::Colour),
     RowOf<OrientationItem>(IfType_t::Orientation),
 });
+
+constexpr auto k_rows = Join(k_plainRows, //
+                             AllRowsOf<NumericItem>(IfType_t::Numeric));
 
 constexpr std::size_t k_numericTypes = static_cast<std::size_t>(NumericType_t::Double) + 1;
 
