@@ -1,0 +1,35 @@
+#pragma once
+
+// Everything of the library but the storage of the containers and the message conversions, which cost the most to
+// include.
+#include <Legacy/If/Addr.h>
+#include <Legacy/If/AppEndpoint.h>
+#include <Legacy/If/AppEndpointArray.h>
+#include <Legacy/If/Colour.h>
+#include <Legacy/If/Endpoint.h>
+#include <Legacy/If/Export.h>
+#include <Legacy/If/Extended.h>
+#include <Legacy/If/Family.h>
+#include <Legacy/If/GenericContainer.h>
+#include <Legacy/If/IfType.h>
+#include <Legacy/If/InfoBase.h>
+#include <Legacy/If/InfoItemContainer.h>
+#include <Legacy/If/InfoItemHolderContainer.h>
+#include <Legacy/If/InfoItemHolderDefs.h>
+#include <Legacy/If/InfoItemSectionId.h>
+#include <Legacy/If/ItemBase.h>
+#include <Legacy/If/LocalizedString.h>
+#include <Legacy/If/NetValue.h>
+#include <Legacy/If/Numeric.h>
+#include <Legacy/If/NumericTraits.h>
+#include <Legacy/If/Orientation.h>
+#include <Legacy/If/Permission.h>
+#include <Legacy/If/Result.h>
+#include <Legacy/If/ResultElem.h>
+#include <Legacy/If/ReturnCodes.h>
+#include <Legacy/If/Section.h>
+#include <Legacy/If/SectionId.h>
+#include <Legacy/If/Set.h>
+#include <Legacy/If/SizeBounds.h>
+#include <Legacy/If/String.h>
+#include <Legacy/If/StringArray.h>

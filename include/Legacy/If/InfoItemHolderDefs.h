@@ -1,0 +1,98 @@
+#pragma once
+
+#include <Legacy/If/Export.h>
+#include <Legacy/If/InfoBase.h>
+#include <Legacy/If/ItemBase.h>
+#include <Orlek/IntrusiveBaseMT.h>
+
+#include <boost/smart_ptr/intrusive_ptr.hpp>
+
+#include <string>
+
+namespace Legacy::If {
+
+/// An envelope round one schema. Applications derive from it to give a parameter data and behaviour of their own; the
+/// library reads the schema, copies the holder, and leaves everything else to the application.
+///
+/// Made with `new` with the count 0: wrap it at once. Any thread may take and drop references; the rest is for one
+/// thread at a time.
+class LEGACY_IF_API InfoHolder : public Orlek::IntrusiveBaseMT
+{
+public:
+    /// Shares the schema. A holder of null may exist, but no container and no directory takes it.
+    explicit InfoHolder(boost::intrusive_ptr<InfoBase> const& info);
+    /// A holder of its own, with the count 0, that shares the schema.
+    InfoHolder(InfoHolder const&) = default;
+    InfoHolder& operator=(InfoHolder const&) = default;
+    ~InfoHolder() override;
+
+    /// What a user interface calls the parameter; here the schema's name. The library never asks.
+    virtual std::string GetDisplayName() const;
+    /// A sentence about the parameter; here empty. The library never asks.
+    virtual std::string GetDescription() const;
+    /// The unit of the values, such as "ms"; here empty. The library never asks.
+    virtual std::string GetUnit() const;
+
+    /// A new holder of the same class round a copy of the schema. The caller owns it: count 0.
+    virtual InfoHolder* DeepCopy() const;
+
+    boost::intrusive_ptr<InfoBase> const& GetInfo() const noexcept { return m_info; }
+
+private:
+    boost::intrusive_ptr<InfoBase> m_info;
+};
+
+/// An envelope round one value, for the same ends and under the same rules as #InfoHolder.
+class LEGACY_IF_API ItemHolder : public Orlek::IntrusiveBaseMT
+{
+public:
+    /// Shares the value. A holder of null may exist, but no container and no directory takes it.
+    explicit ItemHolder(boost::intrusive_ptr<ItemBase> const& item);
+    /// A holder of its own, with the count 0, that shares the value.
+    ItemHolder(ItemHolder const&) = default;
+    ItemHolder& operator=(ItemHolder const&) = default;
+    ~ItemHolder() override;
+
+    /// What a user interface shows for the value; here its text. The library never asks.
+    virtual std::string GetDisplayText() const;
+
+    /// A new holder of the same class round a copy of the value. The caller owns it: count 0.
+    virtual ItemHolder* DeepCopy() const;
+
+    boost::intrusive_ptr<ItemBase> const& GetItem() const noexcept { return m_item; }
+
+private:
+    boost::intrusive_ptr<ItemBase> m_item;
+};
+
+/// One parameter of a directory: its schema and, once one is set, its value.
+///
+/// Made with `new` with the count 0: wrap it at once. It may be shared between threads as long as nobody calls
+/// #SetInfo or #SetItem.
+class LEGACY_IF_API InfoItemHolder : public Orlek::IntrusiveBaseMT
+{
+public:
+    /// Takes the schema; there is no value yet.
+    /// @throws Orlek::LogicError with #IfErrNullArgument for a null pointer and for a holder of nothing.
+    explicit InfoItemHolder(boost::intrusive_ptr<InfoHolder const> const& info);
+    ~InfoItemHolder() override;
+
+    /// Takes another schema of the same parameter: id, name, type and element type must agree, while bounds, default
+    /// and permission may differ.
+    /// @return whether it was taken; otherwise, as for null, the former one stays.
+    bool SetInfo(boost::intrusive_ptr<InfoHolder const> const& info);
+    /// Takes a value whose id, type and element type are those of the schema. The value is not validated.
+    /// @return whether it was taken; otherwise, as for null, the former one stays.
+    bool SetItem(boost::intrusive_ptr<ItemHolder const> const& item);
+
+    /// Never null.
+    boost::intrusive_ptr<InfoHolder const> const& GetInfo() const noexcept { return m_info; }
+    /// Null until a value is set.
+    boost::intrusive_ptr<ItemHolder const> const& GetItem() const noexcept { return m_item; }
+
+private:
+    boost::intrusive_ptr<InfoHolder const> m_info;
+    boost::intrusive_ptr<ItemHolder const> m_item; // released before the schema that it was set under
+};
+
+} // namespace Legacy::If
