@@ -9,13 +9,22 @@ namespace Net {
 
 namespace {
 
-/// The inside of bracketed IPv6; any other text as it is.
-std::string_view WithoutBrackets(std::string_view text)
+/// Whether an address stands in brackets ahead of its port: IPv6 does, and so does what the port would complete to
+/// IPv6.
+bool NeedsBrackets(std::string_view address, std::uint16_t port)
+{
+    if (address.find(':') == address.npos)
+        return false;
+    return Detail::IsIpv6Text(address) || Detail::IsIpv6Text(std::string(address) + ':' + std::to_string(port));
+}
+
+/// The inside of brackets that are needed; any other text as it is.
+std::string_view WithoutBrackets(std::string_view text, std::uint16_t port)
 {
     if (text.size() < 2 || text.front() != '[' || text.back() != ']')
         return text;
     auto const inside = text.substr(1, text.size() - 2);
-    return Detail::IsIpv6Text(inside) ? inside : text;
+    return NeedsBrackets(inside, port) ? inside : text;
 }
 
 } // namespace
@@ -31,14 +40,14 @@ Endpoint<Addr> Endpoint<Addr>::FromString(std::string const& text)
             address = address.substr(0, colon);
         }
     }
-    return Endpoint(Addr(std::string(WithoutBrackets(address))), port);
+    return Endpoint(Addr(std::string(WithoutBrackets(address, port))), port);
 }
 
 template<class Addr>
 std::string Endpoint<Addr>::ToString() const
 {
     std::string text = m_addr.ToString();
-    if (Detail::IsIpv6Text(text))
+    if (NeedsBrackets(text, m_port))
         text = '[' + text + ']';
     return text += ':' + std::to_string(m_port);
 }

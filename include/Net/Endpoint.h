@@ -34,12 +34,13 @@ public:
     ///
     /// A numeric endpoint turns an address that is not numeric into the unspecified one; the port stays.
     ///
-    /// `FromString(e.ToString()) == e`, except for a text address that is bracketed IPv6 itself (it loses the brackets)
-    /// or broken IPv6 that the port would complete (`1:` and 2).
+    /// `FromString(e.ToString()) == e` for every endpoint but one whose text address is IPv6 in brackets already, which
+    /// no text gives: it loses them.
     static Endpoint FromString(std::string const& text);
 
-    /// The address, a colon and the port, also port 0. An IPv6 address, with or without zone, stands in brackets; any
-    /// other text, also one with colons such as a URL, stands as it is.
+    /// The address, a colon and the port, also port 0. An IPv6 address, with or without zone, stands in brackets, as
+    /// does a text that would be one together with the port; any other, also one with colons such as a URL, stands as
+    /// it is.
     std::string ToString() const;
 
     Addr const& GetAddr() const noexcept { return m_addr; }

@@ -86,6 +86,8 @@ TEST(Endpoint, ReadsAnyText)
                            {"fe80::1%eth0:80", "fe80::1%eth0", 80},
                            {"[::1]:70000", "[::1]:70000", 0},
                            {"[::1]x", "[::1]x", 0},
+                           {"::09999", ":", 9999},
+                           {"1:2:3:4:5:6:a", "1:2:3:4:5:6:a", 0},
                            {"[cam]:80", "[cam]", 80},
                            {"[:80", "[", 80},
                            // a URL keeps its path; only a number at its end is a port
@@ -114,9 +116,10 @@ TEST(Endpoint, PrintsThePortBehindTheLastColon)
     EXPECT_EQ(EndpointStr("fe80::1%eth0").ToString(), "[fe80::1%eth0]:0");
     EXPECT_EQ(EndpointStr("rtsp://cam:554").ToString(), "rtsp://cam:554:0");
     EXPECT_EQ(EndpointStr::FromString("rtsp://cam:554:0"), EndpointStr("rtsp://cam:554"));
-    // The two texts that do not come back as they went.
+    // A broken address that the port would complete to IPv6, and the one text that does not come back as it went.
+    EXPECT_EQ(EndpointStr("1:", 2).ToString(), "[1:]:2");
+    EXPECT_EQ(EndpointStr::FromString("[1:]:2"), EndpointStr("1:", 2));
     EXPECT_EQ(EndpointStr::FromString(EndpointStr("[::1]", 80).ToString()), EndpointStr("::1", 80));
-    EXPECT_EQ(EndpointStr::FromString(EndpointStr("1:", 2).ToString()), EndpointStr("1::2"));
 }
 
 TEST(Endpoint, NeedsAnAddressAndAPortToBeFullySpecified)
