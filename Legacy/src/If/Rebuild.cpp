@@ -10,6 +10,7 @@
 #include <Legacy/If/Orientation.h>
 #include <Legacy/If/String.h>
 #include <Legacy/If/StringArray.h>
+#include <Legacy/If/StringSparse.h>
 
 #include <algorithm>
 #include <array>
@@ -68,6 +69,7 @@ constexpr auto Join(std::array<Row, Sizes> const&... parts)
 constexpr auto k_plainRows = std::to_array<Row>({
     RowOf<StringItem>(IfType_t::String),
     RowOf<StringArrayItem>(IfType_t::StringArray),
+    RowOf<StringSparseItem>(IfType_t::StringSparse),
     RowOf<AddrItem>(IfType_t::Addr),
     RowOf<EndpointItem>(IfType_t::Endpoint),
     RowOf<AppEndpointItem>(IfType_t::AppEndpoint),

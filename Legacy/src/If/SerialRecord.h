@@ -14,6 +14,7 @@
 #include <limits>
 #include <memory>
 #include <span>
+#include <string>
 #include <string_view>
 
 namespace Legacy::If::Detail {
@@ -225,6 +226,18 @@ int ReadNumberRecord(ItemBase const& item, ItemBase::ConstSerialStruct_t const* 
     if (payload.Left() != sizeof(value))
         return IfErrInvalidArgument;
     value = payload.Get<Number>();
+    return 0;
+}
+
+/// Reads the record of a value whose payload is one text: up to the first zero byte, of which the last byte is one.
+inline int ReadTextRecord(ItemBase const& item, ItemBase::ConstSerialStruct_t const* record, std::string& text)
+{
+    PayloadReader payload;
+    if (int const code = OpenRecord(item, record, payload))
+        return code;
+    if (!payload.EndsInZero())
+        return IfErrInvalidArgument;
+    text = payload.GetText();
     return 0;
 }
 

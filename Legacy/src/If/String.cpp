@@ -139,13 +139,7 @@ int StringItem::Serialize(SerialStruct_t* record) const
 
 int StringItem::Deserialize(ConstSerialStruct_t const* record)
 {
-    Detail::PayloadReader payload;
-    if (int const code = Detail::OpenRecord(*this, record, payload))
-        return code;
-    if (!payload.EndsInZero())
-        return IfErrInvalidArgument;
-    m_value = payload.GetText();
-    return 0;
+    return Detail::ReadTextRecord(*this, record, m_value);
 }
 
 std::shared_ptr<ResultElem const> StringItem::Validate(boost::intrusive_ptr<InfoBase const> const& info)

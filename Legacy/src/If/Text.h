@@ -70,6 +70,15 @@ void PrintList(std::ostream& os, List const& list, Print&& print)
     }
 }
 
+/// The allowed values of a sparse schema and its default in their compact form; `print` takes the stream and a value.
+template<typename Allowed, typename Print>
+void PrintAllowed(std::ostream& os, Allowed const& allowed, Print&& print)
+{
+    PrintList(os, allowed.Table(), print);
+    os << "; default=";
+    print(os, allowed.Default());
+}
+
 /// The bounds of a list schema in their compact form.
 inline std::ostream& PrintSizes(std::ostream& os, unsigned int min, std::size_t size, unsigned int max)
 {
