@@ -11,8 +11,8 @@ public:
     void Note(bool changed = true) noexcept { m_changed = m_changed || changed; }
 
     /// Stores `source` in `target` if they differ, and notes that.
-    template<typename Value>
-    void Assign(Value& target, Value const& source)
+    template<typename Value, typename Source = Value>
+    void Assign(Value& target, Source const& source)
     {
         if (target == source)
             return;

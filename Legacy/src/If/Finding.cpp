@@ -47,4 +47,12 @@ Finding IllegalValidation(InfoPtr const& info, ItemBase const& item)
     return MakeFinding("TypesSystemIllegalValidatationError", info, item, {CombinedTypeText(item)});
 }
 
+Finding SizeFinding(SizeBounds const& bounds, std::size_t size, char const* below, char const* above,
+                    InfoPtr const& info, ItemBase const& item)
+{
+    if (size < bounds.Min())
+        return MakeFinding(below, info, item, {DefaultText(bounds.Min())});
+    return MakeFinding(above, info, item, {DefaultText(bounds.Max())});
+}
+
 } // namespace Legacy::If::Detail

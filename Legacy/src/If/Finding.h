@@ -2,11 +2,13 @@
 
 #include <Legacy/If/InfoBase.h>
 #include <Legacy/If/ItemBase.h>
+#include <Legacy/If/SizeBounds.h>
 
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 
 #include <charconv>
 #include <concepts>
+#include <cstddef>
 #include <initializer_list>
 #include <memory>
 #include <string>
@@ -33,6 +35,18 @@ Finding TypeMismatch(InfoPtr const& info, ItemBase const& item);
 
 /// The value's family has no such validation at all.
 Finding IllegalValidation(InfoPtr const& info, ItemBase const& item);
+
+/// The number of elements of a list is outside its bounds: `below` and `above` are the keys of the two ends, and the
+/// end is the argument.
+Finding SizeFinding(SizeBounds const& bounds, std::size_t size, char const* below, char const* above,
+                    InfoPtr const& info, ItemBase const& item);
+
+/// Tests the number of elements of a list; empty for a pass.
+inline Finding CheckSize(SizeBounds const& bounds, std::size_t size, char const* below, char const* above,
+                         InfoPtr const& info, ItemBase const& item)
+{
+    return bounds.Contains(size) ? Finding() : SizeFinding(bounds, size, below, above, info, item);
+}
 
 /// A number as a default-formatted stream prints it; 8-bit numbers as the single character that a stream makes of them.
 template<typename Number>

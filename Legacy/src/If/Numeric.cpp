@@ -161,12 +161,13 @@ bool NumericItem<T>::IsEqualValue(boost::intrusive_ptr<ItemBase const> const& ot
 }
 
 template<typename T>
-int NumericItem<T>::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int, bool* changed)
+int NumericItem<T>::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index,
+                                     bool* changed)
 {
     if (!source)
         return IfErrNullSource;
     Element value{};
-    if (int const code = Detail::ReadScalar(*source, value))
+    if (int const code = Detail::ReadNumber(*source, index, value))
         return code;
     Detail::Change change;
     change.Store(m_value, value);

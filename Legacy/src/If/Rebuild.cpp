@@ -3,10 +3,15 @@
 #include <Legacy/If/Addr.h>
 #include <Legacy/If/AppEndpoint.h>
 #include <Legacy/If/AppEndpointArray.h>
+#include <Legacy/If/Bool.h>
+#include <Legacy/If/BoolArray.h>
 #include <Legacy/If/Colour.h>
 #include <Legacy/If/Endpoint.h>
+#include <Legacy/If/Enum.h>
 #include <Legacy/If/ItemBase.h>
 #include <Legacy/If/Numeric.h>
+#include <Legacy/If/NumericArray.h>
+#include <Legacy/If/NumericSparse.h>
 #include <Legacy/If/Orientation.h>
 #include <Legacy/If/String.h>
 #include <Legacy/If/StringArray.h>
@@ -67,8 +72,11 @@ constexpr auto Join(std::array<Row, Sizes> const&... parts)
 }
 
 constexpr auto k_plainRows = std::to_array<Row>({
+    RowOf<BoolItem>(IfType_t::Bool),
+    RowOf<EnumItem>(IfType_t::Enum),
     RowOf<StringItem>(IfType_t::String),
     RowOf<StringArrayItem>(IfType_t::StringArray),
+    RowOf<BoolArrayItem>(IfType_t::BoolArray),
     RowOf<StringSparseItem>(IfType_t::StringSparse),
     RowOf<AddrItem>(IfType_t::Addr),
     RowOf<EndpointItem>(IfType_t::Endpoint),
@@ -78,8 +86,9 @@ constexpr auto k_plainRows = std::to_array<Row>({
     RowOf<OrientationItem>(IfType_t::Orientation),
 });
 
-constexpr auto k_rows = Join(k_plainRows, //
-                             AllRowsOf<NumericItem>(IfType_t::Numeric));
+constexpr auto k_rows =
+    Join(k_plainRows, AllRowsOf<NumericItem>(IfType_t::Numeric), AllRowsOf<NumericArrayItem>(IfType_t::NumericArray),
+         AllRowsOf<NumericSparseItem>(IfType_t::NumericSparse));
 
 constexpr std::size_t k_numericTypes = static_cast<std::size_t>(NumericType_t::Double) + 1;
 

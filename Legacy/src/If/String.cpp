@@ -4,6 +4,7 @@
 #include "SerialRecord.h"
 #include "Text.h"
 
+#include <Legacy/If/Bool.h>
 #include <Legacy/If/String.h>
 #include <Legacy/If/StringArray.h>
 
@@ -117,7 +118,9 @@ int StringItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& sou
     if (!source)
         return IfErrNullSource;
     Detail::Change change;
-    if (auto const* const text = Detail::CastTo<StringItem>(source)) {
+    if (auto const* const truth = Detail::CastTo<BoolItem>(source)) {
+        change.Assign(m_value, Detail::BoolText(truth->GetVal()));
+    } else if (auto const* const text = Detail::CastTo<StringItem>(source)) {
         change.Assign(m_value, text->m_value);
     } else if (auto const* const list = Detail::CastTo<StringArrayItem>(source)) {
         if (index >= list->Val().size())

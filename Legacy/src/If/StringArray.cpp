@@ -4,6 +4,7 @@
 #include "SerialRecord.h"
 #include "Text.h"
 
+#include <Legacy/If/Bool.h>
 #include <Legacy/If/String.h>
 #include <Legacy/If/StringArray.h>
 
@@ -67,14 +68,12 @@ int StringArrayInfo::AssignValue(boost::intrusive_ptr<InfoBase const> const& sou
 void StringArrayInfo::DumpVal(std::ostream& os) const
 {
     Detail::DumpHead(os, *this);
-    Detail::DumpLine(os, "minSize: ", m_size.Min());
-    Detail::DumpLine(os, "maxSize: ", m_size.Max());
-    Detail::DumpLine(os, "defaultSize: ", GetDefaultSize());
+    Detail::DumpSizes(os, m_size, m_default.size());
 }
 
 std::ostream& StringArrayInfo::operator<<(std::ostream& os) const
 {
-    return Detail::PrintSizes(os, m_size.Min(), m_default.size(), m_size.Max());
+    return Detail::PrintSizes(os, m_size, m_default.size());
 }
 
 StringArrayItem::StringArrayItem(unsigned int id) : ItemFamily(id) {}
@@ -107,7 +106,10 @@ int StringArrayItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const
     if (!source)
         return IfErrNullSource;
     Detail::Change change;
-    if (auto const* const text = Detail::CastTo<StringItem>(source)) {
+    if (auto const* const truth = Detail::CastTo<BoolItem>(source)) {
+        change.GrowTo(m_value, index);
+        change.Assign(m_value[index], Detail::BoolText(truth->GetVal()));
+    } else if (auto const* const text = Detail::CastTo<StringItem>(source)) {
         change.GrowTo(m_value, index);
         change.Assign(m_value[index], text->Val());
     } else if (auto const* const list = Detail::CastTo<StringArrayItem>(source)) {
@@ -151,13 +153,8 @@ std::shared_ptr<ResultElem const> StringArrayItem::Validate(boost::intrusive_ptr
     auto const* const schema = Detail::CastTo<StringArrayInfo>(info);
     if (!schema)
         return Detail::TypeMismatch(info, *this);
-    if (m_value.size() < schema->GetMinSize())
-        return Detail::MakeFinding("TypesSystemStringArrayValidationMinSize", info, *this,
-                                   {Detail::DefaultText(schema->GetMinSize())});
-    if (m_value.size() > schema->GetMaxSize())
-        return Detail::MakeFinding("TypesSystemStringArrayValidationMaxSize", info, *this,
-                                   {Detail::DefaultText(schema->GetMaxSize())});
-    return {};
+    return Detail::CheckSize(schema->m_size, m_value.size(), "TypesSystemStringArrayValidationMinSize",
+                             "TypesSystemStringArrayValidationMaxSize", info, *this);
 }
 
 bool StringArrayItem::SetValFromStream(std::istream& in, std::ostream& out, boost::intrusive_ptr<InfoBase const> const&)

@@ -5,6 +5,7 @@
 
 #include <Legacy/If/InfoBase.h>
 #include <Legacy/If/ItemBase.h>
+#include <Legacy/If/SizeBounds.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -79,10 +80,19 @@ void PrintAllowed(std::ostream& os, Allowed const& allowed, Print&& print)
     print(os, allowed.Default());
 }
 
-/// The bounds of a list schema in their compact form.
-inline std::ostream& PrintSizes(std::ostream& os, unsigned int min, std::size_t size, unsigned int max)
+/// The bounds of a list schema and the size of its default in their compact form.
+inline std::ostream& PrintSizes(std::ostream& os, SizeBounds const& bounds, std::size_t defaultSize)
 {
-    return os << "array size: " << min << " <= " << static_cast<unsigned int>(size) << " <= " << max;
+    return os << "array size: " << bounds.Min() << " <= " << static_cast<unsigned int>(defaultSize)
+              << " <= " << bounds.Max();
+}
+
+/// The same as the lines of a dump.
+inline void DumpSizes(std::ostream& os, SizeBounds const& bounds, std::size_t defaultSize)
+{
+    DumpLine(os, "minSize: ", bounds.Min());
+    DumpLine(os, "maxSize: ", bounds.Max());
+    DumpLine(os, "defaultSize: ", static_cast<unsigned int>(defaultSize));
 }
 
 /// Reports a value that could not be read; returns false for the caller to pass on.

@@ -31,10 +31,12 @@ public:
     using InfoBase::DeepCopy;
 
 protected:
-    /// A new object of the family's class under the given identity that takes over all that the family declares.
-    Self* CopyAs_(unsigned int id, std::string const& name, Permission_t const& permission) const
+    /// A new object of the family's class under the given identity that takes over all that the family declares. `more`
+    /// is what its constructor takes beside the identity.
+    template<typename... More>
+    Self* CopyAs_(unsigned int id, std::string const& name, Permission_t const& permission, More const&... more) const
     {
-        auto copy = std::make_unique<Self>(id, name, permission);
+        auto copy = std::make_unique<Self>(id, name, permission, more...);
         *copy = Derived_();
         return copy.release();
     }

@@ -1,0 +1,315 @@
+#include "Cast.h"
+#include "Change.h"
+#include "Finding.h"
+#include "NumericList.h"
+#include "SerialRecord.h"
+#include "Source.h"
+#include "Text.h"
+#include "Visit.h"
+
+#include <Legacy/If/NumericArray.h>
+
+#include <algorithm>
+#include <span>
+
+namespace Legacy::If {
+
+namespace {
+
+constexpr unsigned int k_initialMinSize = 1;
+constexpr unsigned int k_initialMaxSize = 0x7FFFFFFF;
+
+/// Whether a number is outside its bounds; a NaN is not.
+template<typename Element>
+bool IsOutside(Element value, Element min, Element max) noexcept
+{
+    return static_cast<bool>(static_cast<int>(min > value) | static_cast<int>(value > max));
+}
+
+/// The same for any of many, in one pass without a branch.
+template<typename Element>
+bool AnyOutside(std::vector<Element> const& list, Element min, Element max) noexcept
+{
+    bool outside = false;
+    for (Element const value : list)
+        outside |= IsOutside(value, min, max);
+    return outside;
+}
+
+} // namespace
+
+template<typename T>
+NumericArrayInfo<T>::NumericArrayInfo(unsigned int const& id, std::string const& name, Permission_t const& permission)
+    : Family(id, name, permission), m_size(k_initialMinSize, k_initialMaxSize), m_max(T::k_defaultMax),
+      m_min(T::k_defaultMin)
+{}
+
+template<typename T>
+NumericArrayInfo<T>* NumericArrayInfo<T>::DeepCopy(unsigned int id, std::string const& name,
+                                                   Permission_t const& permission) const
+{
+    auto copy = std::make_unique<NumericArrayInfo>(id, name, permission);
+    copy->m_size = m_size;
+    copy->m_default = m_default;
+    return copy.release();
+}
+
+template<typename T>
+ItemBase* NumericArrayInfo<T>::CreateItem() const
+{
+    auto item = std::make_unique<NumericArrayItem<T>>(this->GetId());
+    item->SetVal(m_default);
+    return item.release();
+}
+
+template<typename T>
+void NumericArrayInfo<T>::SetMin(Element value) noexcept
+{
+    m_min = value;
+    if (m_max < value)
+        m_max = value;
+}
+
+template<typename T>
+void NumericArrayInfo<T>::SetMax(Element value) noexcept
+{
+    m_max = value;
+    if (value < m_min)
+        m_min = value;
+}
+
+template<typename T>
+int NumericArrayInfo<T>::SetMinSize(unsigned int n)
+{
+    m_size.SetMin(n, m_default);
+    return 0;
+}
+
+template<typename T>
+int NumericArrayInfo<T>::SetMaxSize(unsigned int n)
+{
+    m_size.SetMax(n, m_default);
+    return 0;
+}
+
+template<typename T>
+int NumericArrayInfo<T>::SetDefault(std::vector<Element> const& list)
+{
+    return m_size.Store(list, m_default);
+}
+
+template<typename T>
+bool NumericArrayInfo<T>::IsEqualBounds(boost::intrusive_ptr<InfoBase const> const& other) const
+{
+    auto const* const schema = Detail::CastTo<NumericArrayInfo>(other);
+    return schema && this->IsEqualType(other) && m_size == schema->m_size;
+}
+
+template<typename T>
+int NumericArrayInfo<T>::MergeBounds(boost::intrusive_ptr<InfoBase const> const& other)
+{
+    auto const* const schema = Detail::CastTo<NumericArrayInfo>(other);
+    if (!schema || !this->IsEqualType(other))
+        return IfErrBoundsTypeMismatch;
+    return m_size.Merge(schema->m_size);
+}
+
+template<typename T>
+int NumericArrayInfo<T>::AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed)
+{
+    if (!source)
+        return IfErrNullSource;
+    if (source->GetType() != IfType_t::NumericArray)
+        return IfErrTypeNotAssignable;
+    return Detail::VisitFamily<If::NumericArrayInfo>(*source, [this, changed](auto const& schema) {
+        Detail::Change change;
+        Detail::AssignByBytes(
+            change, m_default, schema.GetDefault(),
+            [](auto* to, auto const* from, std::size_t count) { return Detail::StoreAll(to, from, count); });
+        change.Assign(m_size, SizeBounds(schema.GetMinSize(), schema.GetMaxSize()));
+        change.Store(m_max, Detail::ConvertTo<Element>(schema.GetMax()));
+        change.Store(m_min, Detail::ConvertTo<Element>(schema.GetMin()));
+        return change.Report(changed);
+    });
+}
+
+template<typename T>
+void NumericArrayInfo<T>::DumpVal(std::ostream& os) const
+{
+    Detail::DumpNumericHead(os, *this);
+    Detail::DumpSizes(os, m_size, m_default.size());
+}
+
+template<typename T>
+std::ostream& NumericArrayInfo<T>::operator<<(std::ostream& os) const
+{
+    return Detail::PrintSizes(os, m_size, m_default.size());
+}
+
+template<typename T>
+NumericArrayItem<T>::NumericArrayItem(unsigned int id) : Family(id)
+{}
+
+template<typename T>
+NumericArrayItem<T>* NumericArrayItem<T>::DeepCopy(unsigned int id) const
+{
+    return this->CopyAs_(id);
+}
+
+template<typename T>
+int NumericArrayItem<T>::SetVal(std::vector<Element> const& value, NumericArrayInfo<T> const& info)
+{
+    return info.m_size.Store(value, m_value);
+}
+
+template<typename T>
+bool NumericArrayItem<T>::IsEmpty() const
+{
+    return m_value.empty();
+}
+
+template<typename T>
+bool NumericArrayItem<T>::IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const
+{
+    auto const* const item = Detail::CastTo<NumericArrayItem>(other);
+    return item && this->IsEqualType(other) && std::ranges::equal(m_value, item->m_value, T::Equal);
+}
+
+template<typename T>
+int NumericArrayItem<T>::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index,
+                                          bool* changed)
+{
+    if (!source)
+        return IfErrNullSource;
+    Detail::Change change;
+    int code = 0;
+    switch (source->GetType()) {
+    case IfType_t::NumericArray:
+        code = Detail::VisitFamily<If::NumericArrayItem>(*source, [this, &change](auto const& list) {
+            Detail::AssignByBytes(change, m_value, list.Val(), [](auto* to, auto const* from, std::size_t count) {
+                return Detail::StoreUnequal<T>(to, from, count);
+            });
+            return 0;
+        });
+        break;
+    default: {
+        Element value{};
+        code = Detail::ReadScalar(*source, value);
+        if (code != 0)
+            break;
+        change.GrowTo(m_value, index);
+        if (!IsEqualVal_(index, value)) {
+            m_value[index] = value;
+            change.Note();
+        }
+    }
+    }
+    return code != 0 ? code : change.Report(changed);
+}
+
+/// Stores the corners of a rectangle in four elements from `index` on, which exist, and tells whether any was another.
+/// The comparison is exact.
+template<typename T>
+bool NumericArrayItem<T>::AssignValueFromRectangle_(std::size_t index, Element left, Element top, Element right,
+                                                    Element bottom) noexcept
+{
+    bool changed = false;
+    for (Element const value : {left, top, right, bottom}) {
+        changed |= m_value[index] != value;
+        m_value[index++] = value;
+    }
+    return changed;
+}
+
+template<typename T>
+unsigned int NumericArrayItem<T>::GetSerialDataSize() const
+{
+    return Detail::ClampSize(std::uint64_t{m_value.size()} * sizeof(Element));
+}
+
+template<typename T>
+int NumericArrayItem<T>::Serialize(ItemBase::SerialStruct_t* record) const
+{
+    return Detail::WriteRecord(*this, record, GetSerialDataSize(), [this](Detail::PayloadWriter payload) {
+        payload.PutAll(std::span<Element const>(m_value));
+    });
+}
+
+template<typename T>
+int NumericArrayItem<T>::Deserialize(ItemBase::ConstSerialStruct_t const* record)
+{
+    Detail::PayloadReader payload;
+    if (int const code = Detail::OpenRecord(*this, record, payload))
+        return code;
+    if (payload.Left() % sizeof(Element) != 0)
+        return IfErrInvalidArgument;
+    m_value.resize(payload.Left() / sizeof(Element));
+    payload.GetAll(std::span<Element>(m_value));
+    return 0;
+}
+
+template<typename T>
+std::shared_ptr<ResultElem const> NumericArrayItem<T>::Validate(boost::intrusive_ptr<InfoBase const> const& info)
+{
+    auto const* const schema = Detail::CastTo<NumericArrayInfo<T>>(info);
+    if (!schema)
+        return Detail::TypeMismatch(info, *this);
+    if (auto finding = Detail::CheckSize(schema->m_size, m_value.size(), "TypesSystemNumericArrayValidationMinSize",
+                                         "TypesSystemNumericArrayValidationMaxSize", info, *this))
+        return finding;
+    Element const min = schema->m_min;
+    Element const max = schema->m_max;
+    if (!AnyOutside(m_value, min, max))
+        return {};
+    auto const first = std::ranges::find_if(m_value, [min, max](Element value) { return IsOutside(value, min, max); });
+    if (min > *first)
+        return Detail::MakeFinding("TypesSystemNumericValidationMin", info, *this, {Detail::DefaultText(min)});
+    return Detail::MakeFinding("TypesSystemNumericValidationMax", info, *this, {Detail::DefaultText(max)});
+}
+
+template<typename T>
+bool NumericArrayItem<T>::SetValFromStream(std::istream& in, std::ostream& out,
+                                           boost::intrusive_ptr<InfoBase const> const&)
+{
+    return Detail::ReadList(in, out, m_value, [&in, &out](char const* word, Element& value) {
+        return Detail::ReadNumber(in, out, word, value);
+    });
+}
+
+template<typename T>
+void NumericArrayItem<T>::DumpVal(std::ostream& os) const
+{
+    Detail::DumpValue(os, *this);
+}
+
+template<typename T>
+std::ostream& NumericArrayItem<T>::operator<<(std::ostream& os) const
+{
+    os << '(';
+    Detail::PrintList(os, m_value, [](std::ostream& to, Element value) { to << Detail::TextForm<Element>{value}; });
+    return os << ')';
+}
+
+template class NumericArrayInfo<U8Traits>;
+template class NumericArrayInfo<S8Traits>;
+template class NumericArrayInfo<U16Traits>;
+template class NumericArrayInfo<S16Traits>;
+template class NumericArrayInfo<U32Traits>;
+template class NumericArrayInfo<S32Traits>;
+template class NumericArrayInfo<U64Traits>;
+template class NumericArrayInfo<S64Traits>;
+template class NumericArrayInfo<FloatTraits>;
+template class NumericArrayInfo<DoubleTraits>;
+
+template class NumericArrayItem<U8Traits>;
+template class NumericArrayItem<S8Traits>;
+template class NumericArrayItem<U16Traits>;
+template class NumericArrayItem<S16Traits>;
+template class NumericArrayItem<U32Traits>;
+template class NumericArrayItem<S32Traits>;
+template class NumericArrayItem<U64Traits>;
+template class NumericArrayItem<S64Traits>;
+template class NumericArrayItem<FloatTraits>;
+template class NumericArrayItem<DoubleTraits>;
+
+} // namespace Legacy::If
