@@ -90,7 +90,7 @@ public:
     /// Contract: the list is emptied for any record but a null one, also for one that is then refused.
     int Deserialize(ConstSerialStruct_t const* record) override;
 
-    /// Always passes: the schema's sizes are not enforced.
+    /// Contract: always passes. The schema's sizes are carried for callers, which accept lists of any size.
     std::shared_ptr<ResultElem const> Validate(boost::intrusive_ptr<InfoBase const> const& info) override;
     /// A list cannot be read: writes "Impl. me" to `out` and returns false.
     bool SetValFromStream(std::istream& in, std::ostream& out,

@@ -94,8 +94,10 @@ public:
 
     /// Always passes, whatever the schema, also null.
     std::shared_ptr<ResultElem const> Validate(boost::intrusive_ptr<InfoBase const> const& info) override;
-    /// Reads one word and stores what the networking library makes of it. True also at the end of input, where nothing
-    /// is read, and for a failed read, which counts as an empty word. Nothing is written to `out`.
+    /// Reads one word and stores what the networking library makes of it. Nothing is written to `out`.
+    ///
+    /// Contract: true also at the end of input, where nothing is read, and for a failed read, which counts as an empty
+    /// word; callers clear a value by an empty line and take false for a wrong schema.
     ///
     /// An application endpoint needs its schema: the word is an endpoint and no URI, the protocol is that of the
     /// schema's default, and the address group becomes 0. Without an #AppEndpointInfo it returns false and stays.
