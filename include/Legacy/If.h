@@ -10,12 +10,16 @@
 #include <Legacy/If/Export.h>
 #include <Legacy/If/Extended.h>
 #include <Legacy/If/Family.h>
+#include <Legacy/If/FormattedInfoItemDump.h>
 #include <Legacy/If/GenericContainer.h>
 #include <Legacy/If/IfType.h>
 #include <Legacy/If/InfoBase.h>
 #include <Legacy/If/InfoItemContainer.h>
+#include <Legacy/If/InfoItemDirectory.h>
+#include <Legacy/If/InfoItemDirectoryDelta.h>
 #include <Legacy/If/InfoItemHolderContainer.h>
 #include <Legacy/If/InfoItemHolderDefs.h>
+#include <Legacy/If/InfoItemHolderMap.h>
 #include <Legacy/If/InfoItemSectionId.h>
 #include <Legacy/If/ItemBase.h>
 #include <Legacy/If/LocalizedString.h>
@@ -29,6 +33,8 @@
 #include <Legacy/If/ReturnCodes.h>
 #include <Legacy/If/Section.h>
 #include <Legacy/If/SectionId.h>
+#include <Legacy/If/SectionMap.h>
+#include <Legacy/If/SectionMapElement.h>
 #include <Legacy/If/Set.h>
 #include <Legacy/If/SizeBounds.h>
 #include <Legacy/If/String.h>

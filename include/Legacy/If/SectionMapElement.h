@@ -1,0 +1,79 @@
+#pragma once
+
+#include <Legacy/If/Export.h>
+#include <Legacy/If/InfoItemSectionId.h>
+#include <Legacy/If/ReturnCodes.h>
+#include <Legacy/If/SectionId.h>
+
+#include <functional>
+#include <list>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Legacy::If {
+
+/// One node of the section tree: a section, its subsections and the names and ids of its parameters, or the root, which
+/// is no section and holds no parameters. The operations are those of #SectionMap, seen from this node; they lead down
+/// at most four levels.
+///
+/// Each child and each parameter is entered by name and by id. One thread at a time.
+class LEGACY_IF_API SectionMapElement
+{
+public:
+    /// A section without children and parameters.
+    explicit SectionMapElement(SectionId const& sectionId);
+    /// Copies the whole subtree.
+    ///
+    /// Contract: the copy has two separate copies of each child, one found by name and one by id, and refuses to add a
+    /// section that exists. Applications keep such copies as snapshots and rely on their refusing changes.
+    SectionMapElement(SectionMapElement const& other);
+    SectionMapElement& operator=(SectionMapElement const&) = delete;
+    virtual ~SectionMapElement();
+
+    SectionId const& GetSectionId() const noexcept { return m_sectionId; }
+
+protected:
+    /// The root.
+    SectionMapElement();
+
+    int AddSection_(SectionId const& id);
+    int AddSection_(std::string_view path, SectionId& section);
+    int FindSection_(std::string_view path, SectionId& section) const;
+    int FindSection_(InfoItemSectionId const& id, SectionId& section) const;
+    void GetTopLevelSections_(std::vector<SectionId>& sections) const;
+    int GetSubsections_(InfoItemSectionId const& id, std::vector<SectionId>& sections) const;
+    void GetLeafSections_(std::list<SectionId>& sections) const;
+    int AddInfo_(InfoItemSectionId const& id, std::string const& name);
+    int AddInfo_(std::string_view path, std::string const& name, InfoItemSectionId& id);
+    int FindInfo_(std::string_view path, std::string_view name, InfoItemSectionId& id) const;
+    int FindInfo_(InfoItemSectionId const& id, std::string& path, std::string& name) const;
+    int GetInfos_(InfoItemSectionId const& id, std::vector<unsigned int>& infos) const;
+
+private:
+    friend class SectionMap;
+
+    using Child = std::shared_ptr<SectionMapElement>;
+
+    unsigned int Depth_() const noexcept { return m_sectionId.GetSectionDepth(); }
+    int AddNewSectionMapElement_(SectionId const& child, Child& element);
+    int AddNewInfo_(InfoItemSectionId const& id, std::string const& name, InfoItemSectionId& stored);
+    int AllocateSubsectionId_(unsigned char& sub) const;
+    int AllocateInfoNumber_(unsigned int& number) const;
+    int FindNextSectionMapElement_(std::string_view path, std::string_view& rest, SectionMapElement*& next) const;
+    int FindNextSectionMapElement_(InfoItemSectionId const& id, SectionMapElement*& next) const;
+    static void ParseSectionName_(std::string_view path, std::string_view& first, std::string_view& rest);
+    template<typename Self>
+    static int Descend_(Self& self, InfoItemSectionId const& id, int mismatch, Self*& element);
+
+    SectionId m_sectionId;
+    std::map<std::string, Child, std::less<>> m_subsectionsByName;
+    std::map<unsigned char, Child> m_subsectionsById;
+    std::map<std::string, InfoItemSectionId, std::less<>> m_infosByName;
+    std::map<InfoItemSectionId, std::string> m_infosById;
+    bool m_isRoot;
+};
+
+} // namespace Legacy::If

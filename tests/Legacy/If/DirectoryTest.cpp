@@ -1,0 +1,498 @@
+#include "TestSupport.h"
+
+#include <Legacy/If/InfoItemDirectory.h>
+#include <Legacy/If/InfoItemDirectoryDelta.h>
+#include <Legacy/If/InfoItemHolderMap.h>
+#include <Legacy/If/String.h>
+#include <Legacy/If/StringArray.h>
+
+#include <list>
+#include <new>
+
+namespace Legacy::If::Test {
+namespace {
+
+using Id = InfoItemSectionId;
+using InfoHolderPtr = boost::intrusive_ptr<InfoHolder>;
+using ItemHolderPtr = boost::intrusive_ptr<ItemHolder>;
+using Infos = std::vector<boost::intrusive_ptr<InfoHolder const>>;
+using Items = std::vector<boost::intrusive_ptr<ItemHolder const>>;
+using InfoItems = std::vector<boost::intrusive_ptr<InfoItemHolder const>>;
+
+template<typename Info = StringInfo>
+InfoHolderPtr Schema(unsigned int id, std::string const& name)
+{
+    return Make<InfoHolder>(Make<Info>(id, name, Permission_t{}));
+}
+
+ItemHolderPtr Value(unsigned int id, std::string const& text = "v")
+{
+    return Make<ItemHolder>(Hold(StringItem::Create(id, text)));
+}
+
+TEST(InfoItemHolderMap, KeepsHoldersByIdAndByName)
+{
+    InfoItemHolderMap map;
+    auto const holder = [](unsigned int id, std::string const& name) { return Make<InfoItemHolder>(Schema(id, name)); };
+    auto const count = [&](std::string const& name) {
+        auto const [first, last] = map.Find(name);
+        return std::distance(first, last);
+    };
+    EXPECT_TRUE(map.Empty());
+    EXPECT_EQ(map.IterBegin(), map.IterEnd());
+    EXPECT_EQ(map.Insert(nullptr), IfErrNullArgument);
+    auto const five = holder(5, "twin");
+    EXPECT_EQ(map.Insert(five), 0);
+    EXPECT_EQ(map.Insert(holder(9, "twin")), 0);
+    EXPECT_EQ(map.Insert(holder(0xFFFFFFFF, "last")), 0);
+    EXPECT_EQ(map.Insert(holder(7, "twin")), 0);
+    EXPECT_EQ(map.Insert(holder(5, "twin")), IfErrAlreadyExists);
+    EXPECT_EQ(count("twin"), 3);
+    EXPECT_EQ(count("other"), 0);
+    EXPECT_EQ(count(""), 0);
+    EXPECT_TRUE(map.Find(5).first);
+    EXPECT_EQ(map.Find(5).second->second, five);
+    EXPECT_FALSE(map.Find(6).first);
+
+    EXPECT_EQ(map.Erase(6), IfErrNotFound);
+    EXPECT_EQ(map.Erase(9), 0);
+    EXPECT_EQ(map.Erase(9), IfErrNotFound);
+    auto const [first, last] = map.Find("twin");
+    std::vector<unsigned int> twins;
+    for (auto it = first; it != last; ++it)
+        twins.push_back(it->second->GetInfo()->GetInfo()->GetId());
+    std::sort(twins.begin(), twins.end());
+    EXPECT_EQ(twins, (std::vector<unsigned int>{5, 7}));
+
+    std::vector<unsigned int> ids;
+    for (auto it = map.IterBegin(); it != map.IterEnd(); ++it) {
+        EXPECT_EQ(it->second->GetInfo()->GetInfo()->GetId(), it->first);
+        ids.push_back(it->first);
+    }
+    EXPECT_EQ(ids, (std::vector<unsigned int>{5, 7, 0xFFFFFFFF}));
+    EXPECT_EQ(map.Size(), 3U);
+    map.Clear();
+    EXPECT_TRUE(map.Empty());
+    EXPECT_EQ(map.Size(), 0U);
+    EXPECT_EQ(map.IterBegin(), map.IterEnd());
+    EXPECT_EQ(count("twin"), 0);
+    EXPECT_FALSE(map.Find(5).first);
+    EXPECT_EQ(five->GetRefCount(), 1);
+}
+
+// Lookups stay right while names and ids come and go in every order.
+TEST(InfoItemHolderMap, AgreesWithAModel)
+{
+    InfoItemHolderMap map;
+    std::map<unsigned int, std::string> model;
+    std::uint32_t state = 1;
+    auto const random = [&](std::uint32_t below) {
+        state = state * 1664525 + 1013904223;
+        return (state >> 8) % below;
+    };
+    for (int step = 0; step < 20000; ++step) {
+        unsigned int const id = random(300) * 0x01000001U;
+        std::string const name(random(3) + 1, static_cast<char>('a' + random(4)));
+        switch (random(4)) {
+        case 0:
+            ASSERT_EQ(map.Erase(id), model.erase(id) ? 0 : IfErrNotFound);
+            break;
+        case 1: {
+            auto const [first, last] = map.Find(name);
+            ASSERT_EQ(std::distance(first, last), std::count_if(model.begin(), model.end(), [&](auto const& entry) {
+                          return entry.second == name;
+                      }));
+            for (auto it = first; it != last; ++it)
+                ASSERT_EQ(model.at(it->second->GetInfo()->GetInfo()->GetId()), name);
+            break;
+        }
+        default:
+            ASSERT_EQ(map.Insert(Make<InfoItemHolder>(Schema(id, name))),
+                      model.emplace(id, name).second ? 0 : IfErrAlreadyExists);
+        }
+        ASSERT_EQ(map.Size(), model.size());
+        ASSERT_EQ(map.Find(id).first, model.contains(id));
+        if (step % 5000 == 4999) {
+            map.Clear();
+            model.clear();
+        }
+    }
+}
+
+/// Notes what the hooks are told.
+struct Directory : InfoItemDirectory
+{
+    struct Call
+    {
+        unsigned int id;
+        bool isItem;
+        void const* former;
+    };
+    std::vector<Call> calls;
+    bool throws = false;
+
+    Texts Log() const
+    {
+        Texts log;
+        for (auto const& call : calls)
+            log.push_back(std::to_string(call.id & 0xFF) + (call.isItem ? " item" : " info") +
+                          (call.former ? " set" : ""));
+        return log;
+    }
+
+protected:
+    void InfoChanged_(boost::intrusive_ptr<InfoHolder const> const& former,
+                      boost::intrusive_ptr<InfoItemHolder const> const& infoItem) override
+    {
+        Note(false, former.get(), *infoItem);
+    }
+    void ItemChanged_(boost::intrusive_ptr<ItemHolder const> const& former,
+                      boost::intrusive_ptr<InfoItemHolder const> const& infoItem) override
+    {
+        EXPECT_NE(infoItem->GetItem(), former);
+        Note(true, former.get(), *infoItem);
+    }
+
+private:
+    void Note(bool isItem, void const* former, InfoItemHolder const& infoItem)
+    {
+        unsigned int const id = infoItem.GetInfo()->GetInfo()->GetId();
+        EXPECT_EQ(FindInfoItem(id).get(), &infoItem); // the directory is in order
+        calls.push_back({id, isItem, former});
+        if (throws)
+            throw std::bad_alloc();
+    }
+};
+
+SectionId Added(InfoItemDirectory& directory, std::string const& path)
+{
+    SectionId section;
+    directory.AddSection(path, section);
+    return section;
+}
+
+TEST(Directory, FollowsAParametersLife)
+{
+    Directory directory;
+    EXPECT_TRUE(directory.Empty());
+    Id const section = Added(directory, "a/b").GetInfoItemSectionId();
+    Id const id = section.CreateInfoItemId(3);
+    EXPECT_TRUE(directory.Empty());
+
+    auto const schema = Schema(id, "speed");
+    EXPECT_EQ(directory.SetInfo(schema), IfErrNotFound);
+    EXPECT_EQ(directory.SetItem(Value(id)), IfErrNotFound);
+    EXPECT_EQ(directory.AddInfo(nullptr), IfErrNullArgument);
+    EXPECT_EQ(directory.AddInfo(Make<InfoHolder>(nullptr)), IfErrNullArgument);
+    EXPECT_EQ(directory.AddInfo(schema), 0);
+    EXPECT_EQ(directory.AddInfo(schema), IfErrAlreadyExists);
+    EXPECT_EQ(directory.AddInfo(Schema(section.CreateInfoItemId(4), "speed")), IfErrAlreadyExists);
+    EXPECT_EQ(directory.AddInfo(Schema(section.CreateSectionId(0).CreateInfoItemId(4), "x")), IfErrNotFound);
+    EXPECT_EQ(directory.AddInfo(Schema(0xFFFFFFFF, "x")), IfErrInvalidArgument);
+    for (unsigned int const refused :
+         {unsigned(section.CreateInfoItemId(4)), unsigned(section.CreateSectionId(0).CreateInfoItemId(4)), 0xFFFFFFFFU})
+        EXPECT_EQ(directory.FindInfoItem(refused), nullptr); // taken out again
+    EXPECT_FALSE(directory.Empty());
+    EXPECT_EQ(directory.FindInfo(id), schema);
+    EXPECT_EQ(directory.FindItem(id), nullptr);
+    EXPECT_NE(directory.FindInfoItem(id), nullptr);
+
+    auto const value = Value(id);
+    EXPECT_EQ(directory.SetItem(nullptr), IfErrNullArgument);
+    EXPECT_EQ(directory.SetItem(Make<ItemHolder>(nullptr)), IfErrNullArgument);
+    EXPECT_EQ(directory.SetItem(Make<ItemHolder>(Hold(StringArrayItem::Create(id, {})))), IfErrInvalidArgument);
+    EXPECT_EQ(directory.SetItem(value), 0);
+    EXPECT_EQ(directory.FindItem(id), value);
+    EXPECT_EQ(directory.SetItem(Value(id, "w")), 0);
+    EXPECT_EQ(directory.SetInfo(nullptr), IfErrNullArgument);
+    EXPECT_EQ(directory.SetInfo(Make<InfoHolder>(nullptr)), IfErrNullArgument);
+    EXPECT_EQ(directory.SetInfo(Schema(id, "renamed")), IfErrInvalidArgument);
+    EXPECT_EQ(directory.SetInfo(Schema<StringArrayInfo>(id, "speed")), IfErrInvalidArgument);
+    EXPECT_EQ(directory.FindInfo(id), schema);
+    EXPECT_EQ(directory.SetInfo(Schema(id, "speed")), 0);
+    EXPECT_NE(directory.FindInfo(id), schema);
+
+    EXPECT_EQ(directory.Log(), (Texts{"3 info", "3 item", "3 item set", "3 info set"}));
+    EXPECT_EQ(directory.calls[2].former, value.get());
+    EXPECT_EQ(directory.calls[3].former, schema.get());
+
+    directory.Clear();
+    EXPECT_TRUE(directory.Empty());
+    EXPECT_FALSE(directory.FindSection("a").IsValid());
+    EXPECT_EQ(directory.calls.size(), 4U);
+}
+
+TEST(Directory, KeepsAChangeWhoseHookThrows)
+{
+    Directory directory;
+    Id const id = Added(directory, "a").GetInfoItemSectionId().CreateInfoItemId(1);
+    directory.throws = true;
+    EXPECT_THROW(directory.AddInfo(Schema(id, "x")), std::bad_alloc);
+    EXPECT_THROW(directory.SetItem(Value(id)), std::bad_alloc);
+    EXPECT_NE(directory.FindItem("a", "x"), nullptr);
+}
+
+TEST(Directory, FindsByPath)
+{
+    InfoItemDirectory directory;
+    Id const b = Added(directory, "a/b").GetInfoItemSectionId();
+    Id const speed = Added(directory, "speed").GetInfoItemSectionId();
+    Id const id = b.CreateInfoItemId(0);
+    directory.AddInfo(Schema(id, "speed"));
+    directory.SetItem(Value(id));
+    EXPECT_EQ(directory.FindInfo("a/b", "speed"), directory.FindInfo(id));
+    EXPECT_EQ(directory.FindItem("/a/b", "speed"), directory.FindItem(id));
+    EXPECT_EQ(directory.FindInfoItem("a/b/speed"), directory.FindInfoItem(id));
+    for (auto const& [path, name] : {std::pair{"", "speed"}, {"a/b", ""}, {"a/b", "x"}, {"a", "speed"}, {"x", "y"}}) {
+        EXPECT_EQ(directory.FindInfo(path, name), nullptr);
+        EXPECT_EQ(directory.FindItem(path, name), nullptr);
+        EXPECT_EQ(directory.FindInfoItem(path, name), nullptr);
+    }
+    for (auto const* const path : {"", "speed", "/speed", "a/b/", "a/b/x", "/"}) {
+        EXPECT_EQ(directory.FindInfoItem(path), nullptr) << path;
+        EXPECT_EQ(directory.FindItem(path), nullptr) << path;
+    }
+
+    // The search for a value takes the halves the other way round.
+    EXPECT_EQ(directory.FindItem("a/b/speed"), nullptr);
+    Id const reversed = speed.CreateInfoItemId(0);
+    directory.AddInfo(Schema(reversed, "a/b"));
+    directory.SetItem(Value(reversed));
+    EXPECT_EQ(directory.FindItem("a/b/speed"), directory.FindItem(reversed));
+    EXPECT_NE(directory.FindItem("a/b/speed"), directory.FindItem(id));
+}
+
+TEST(Directory, AnswersForSections)
+{
+    InfoItemDirectory directory;
+    SectionId section;
+    EXPECT_EQ(directory.AddSection("b/c", section), 0);
+    EXPECT_EQ(directory.AddSection("b/c", section), IfErrAlreadyExists);
+    EXPECT_EQ(section.GetSectionName(), "b/c");
+    EXPECT_EQ(directory.AddSection(section), 0);
+    EXPECT_EQ(directory.AddSection("", section), IfErrInvalidArgument);
+    EXPECT_EQ(directory.AddSection(SectionId()), IfErrInvalidArgument);
+    Added(directory, "a");
+    EXPECT_EQ(directory.FindSection("b/c"), section);
+    EXPECT_EQ(directory.FindSection(section.GetInfoItemSectionId().CreateInfoItemId(3)), section);
+    EXPECT_FALSE(directory.FindSection("b/x").IsValid());
+    EXPECT_FALSE(directory.FindSection(Id(0x09FFFFFF)).IsValid());
+
+    std::vector<SectionId> sections(3);
+    directory.GetTopLevelSections(sections);
+    ASSERT_EQ(sections.size(), 2U);
+    EXPECT_EQ(sections[0].GetSectionName(), "b"); // by id
+    EXPECT_EQ(directory.GetSubsections(section.GetInfoItemSectionId(1), sections), 0);
+    EXPECT_EQ(sections, std::vector{section});
+    EXPECT_EQ(directory.GetSubsections(Id(0x09FFFFFF), sections), IfErrNotFound);
+    EXPECT_TRUE(sections.empty());
+    std::list<SectionId> leaves(1);
+    directory.GetLeafSections(leaves);
+    ASSERT_EQ(leaves.size(), 3U); // appended
+    EXPECT_EQ(leaves.back(), section);
+}
+
+TEST(Directory, CollectsWhatLiesInASection)
+{
+    InfoItemDirectory directory;
+    Id const a = Added(directory, "a").GetInfoItemSectionId();
+    Id const b = Added(directory, "a/b").GetInfoItemSectionId();
+    unsigned int const ids[] = {a.CreateInfoItemId(1), a.CreateInfoItemId(0), b.CreateInfoItemId(0)};
+    for (std::size_t i = 0; i < 3; ++i)
+        EXPECT_EQ(directory.AddInfo(Schema(ids[i], std::string(1, static_cast<char>('x' + i)))), 0);
+    directory.SetItem(Value(ids[1]));
+
+    Infos infos(1);
+    Items items(1);
+    InfoItems infoItems(1);
+    EXPECT_EQ(directory.FindInfos(a, infos), 0);
+    EXPECT_EQ(directory.FindItems(a, items), 0);
+    EXPECT_EQ(directory.FindInfoItems(a, infoItems), 0);
+    EXPECT_EQ(infos,
+              (Infos{nullptr, directory.FindInfo(ids[0]), directory.FindInfo(ids[1]), directory.FindInfo(ids[2])}));
+    EXPECT_EQ(items, (Items{nullptr, directory.FindItem(ids[1])}));
+    EXPECT_EQ(infoItems.size(), 4U);
+    for (auto const& [id, code] :
+         {std::pair{ids[0], IfErrNotFound}, {0x09FFFFFFU, IfErrNotFound}, {0xFFFFFFFFU, IfErrInvalidArgument}})
+    {
+        EXPECT_EQ(directory.FindInfos(Id(id), infos), code);
+        EXPECT_EQ(directory.FindItems(Id(id), items), code);
+        EXPECT_EQ(directory.FindInfoItems(Id(id), infoItems), code);
+    }
+    EXPECT_EQ(infos.size() + items.size() + infoItems.size(), 10U);
+    directory.GetAllInfoItems(infoItems);
+    EXPECT_EQ(infoItems, (InfoItems{directory.FindInfoItem(ids[1]), directory.FindInfoItem(ids[0]),
+                                    directory.FindInfoItem(ids[2])})); // by id
+}
+
+TEST(Directory, SharesItsContentWithCopies)
+{
+    Directory first;
+    Directory second(first);
+    Directory third;
+    third = first;
+    Id const id = Added(first, "a").GetInfoItemSectionId().CreateInfoItemId(1);
+    EXPECT_EQ(second.AddInfo(Schema(id, "x")), 0);
+    EXPECT_NE(third.FindInfo("a", "x"), nullptr);
+    EXPECT_EQ(first.FindInfo(id), third.FindInfo(id));
+    EXPECT_EQ(first.calls.size() + third.calls.size(), 0U);
+    EXPECT_EQ(second.calls.size(), 1U);
+    third.Clear();
+    EXPECT_TRUE(first.Empty());
+    EXPECT_EQ(Added(second, "b").GetInfoItemSectionId(), Added(first, "b").GetInfoItemSectionId());
+}
+
+TEST(Delta, KeepsFirstEntriesAndSharesHolders)
+{
+    InfoItemDirectoryDelta delta;
+    EXPECT_TRUE(delta.Empty());
+    EXPECT_EQ(delta.AddInfo(nullptr), IfErrNullArgument);
+    EXPECT_EQ(delta.AddInfo(Make<InfoHolder>(nullptr)), IfErrNullArgument);
+    EXPECT_EQ(delta.AddItem(nullptr), IfErrNullArgument);
+    EXPECT_EQ(delta.AddItem(Make<ItemHolder>(nullptr)), IfErrNullArgument);
+    EXPECT_TRUE(delta.Empty());
+
+    auto const info = Schema(7, "a");
+    auto const item = Value(7);
+    SectionId const section("a", 0x01FFFFFF);
+    EXPECT_EQ(delta.AddSection(section), 0);
+    EXPECT_EQ(delta.AddSection(SectionId("b", 0x01FFFFFF)), IfErrAlreadyExists);
+    EXPECT_EQ(delta.AddSection(SectionId()), 0); // for the directory to refuse
+    EXPECT_EQ(delta.AddInfo(info), 0);
+    EXPECT_EQ(delta.AddInfo(Schema(7, "b")), IfErrAlreadyExists);
+    EXPECT_EQ(delta.AddItem(item), 0);
+    EXPECT_EQ(delta.AddItem(Value(7)), IfErrAlreadyExists);
+    EXPECT_EQ(delta.AddInfo(Schema(3, "b")), 0);
+    EXPECT_FALSE(delta.Empty());
+
+    InfoItemDirectoryDelta const copy(delta);
+    InfoItemDirectoryDelta assigned;
+    EXPECT_EQ(assigned.AddItem(Value(1)), 0);
+    EXPECT_FALSE(assigned.Empty());
+    assigned = copy;
+    auto const& same = assigned;
+    assigned = same;
+    for (InfoItemDirectoryDelta const* const each :
+         std::initializer_list<InfoItemDirectoryDelta const*>{&delta, &copy, &assigned})
+    {
+        EXPECT_EQ(each->GetSectionIdMap_addMod().size(), 2U);
+        EXPECT_EQ(each->GetSectionIdMap_addMod().begin()->second, section);
+        EXPECT_EQ(each->GetInfoHolderPtrMap_addMod().size(), 2U);
+        EXPECT_EQ(each->GetInfoHolderPtrMap_addMod().begin()->first, 3U);
+        EXPECT_EQ(each->GetInfoHolderPtrMap_addMod().at(7), info);
+        EXPECT_EQ(each->GetItemHolderPtrMap_addMod().size(), 1U);
+        EXPECT_EQ(each->GetItemHolderPtrMap_addMod().at(7), item);
+    }
+}
+
+struct DeltaTest : testing::Test
+{
+    DeltaTest()
+    {
+        delta->AddSection(SectionId("a", 0x00FFFFFF));
+        delta->AddSection(SectionId("a/b", 0x4003FFFF));
+    }
+
+    Directory directory;
+    std::shared_ptr<InfoItemDirectoryDelta> delta = std::make_shared<InfoItemDirectoryDelta>();
+};
+
+TEST_F(DeltaTest, AppliesWhatIsAskedForInOrder)
+{
+    EXPECT_EQ(directory.UpdateFromDelta(nullptr, true, true), IfErrNullArgument);
+    for (unsigned int const id : {2U, 1U}) {
+        delta->AddInfo(Schema(id, std::to_string(id)));
+        delta->AddItem(Value(id));
+    }
+    EXPECT_EQ(directory.UpdateFromDelta(delta, false, false), 0);
+    EXPECT_TRUE(directory.FindSection("a/b").IsValid());
+    EXPECT_TRUE(directory.Empty());
+    EXPECT_EQ(directory.UpdateFromDelta(delta, false, true), IfErrNotFound);
+    EXPECT_EQ(directory.UpdateFromDelta(delta, true, false), 0);
+    EXPECT_EQ(directory.FindItem(1U), nullptr);
+    EXPECT_EQ(directory.UpdateFromDelta(delta, true, true), 0);
+    EXPECT_EQ(directory.UpdateFromDelta(std::make_shared<InfoItemDirectoryDelta>(), true, true), 0);
+    EXPECT_EQ(directory.Log(), (Texts{"1 info", "2 info", "1 info set", "2 info set", "1 item", "2 item"}));
+    EXPECT_EQ(directory.FindInfo(2U), delta->GetInfoHolderPtrMap_addMod().at(2));
+}
+
+TEST_F(DeltaTest, StopsAtABadSectionWithTheEarlierOnesApplied)
+{
+    delta->AddSection(SectionId("a/c", 0x4007FFFF));
+    delta->AddSection(SectionId());
+    delta->AddInfo(Schema(1, "x"));
+    SectionId section;
+    EXPECT_EQ(directory.AddSection(SectionId("a/z", 0x4007FFFF)), 0);
+    EXPECT_EQ(directory.UpdateFromDelta(delta, true, true), IfErrAlreadyExists);
+    EXPECT_TRUE(directory.FindSection("a/b").IsValid());
+    directory.Clear();
+    EXPECT_EQ(directory.UpdateFromDelta(delta, true, true), IfErrInvalidArgument);
+    EXPECT_TRUE(directory.FindSection("a/c").IsValid());
+    EXPECT_TRUE(directory.Empty());
+}
+
+TEST_F(DeltaTest, StopsAtABadSchemaWithTheEarlierOnesApplied)
+{
+    EXPECT_EQ(directory.UpdateFromDelta(delta, true, true), 0);
+    EXPECT_EQ(directory.AddInfo(Schema(2, "two")), 0);
+    delta->AddInfo(Schema(1, "one"));
+    delta->AddInfo(Schema(2, "renamed"));
+    delta->AddInfo(Schema(3, "three"));
+    delta->AddItem(Value(1));
+    EXPECT_EQ(directory.UpdateFromDelta(delta, true, true), IfErrInvalidArgument);
+    EXPECT_NE(directory.FindInfo(1U), nullptr);
+    EXPECT_EQ(directory.FindInfo("a", "two"), directory.FindInfo(2U));
+    EXPECT_EQ(directory.FindInfo(3U), nullptr);
+    EXPECT_EQ(directory.FindItem(1U), nullptr);
+    EXPECT_EQ(directory.Log(), (Texts{"2 info", "1 info"}));
+}
+
+TEST_F(DeltaTest, StopsAtABadValueWithTheEarlierOnesApplied)
+{
+    for (unsigned int const id : {1U, 2U, 3U})
+        delta->AddInfo(Schema(id, std::to_string(id)));
+    delta->AddItem(Value(1));
+    delta->AddItem(Make<ItemHolder>(Hold(StringArrayItem::Create(2, {}))));
+    delta->AddItem(Value(3));
+    EXPECT_EQ(directory.UpdateFromDelta(delta, true, true), IfErrInvalidArgument);
+    EXPECT_NE(directory.FindItem(1U), nullptr);
+    EXPECT_NE(directory.FindInfo(3U), nullptr);
+    EXPECT_EQ(directory.FindItem(3U), nullptr);
+}
+
+TEST(WideDirectory, HoldsManyParametersUnderEqualNames)
+{
+    InfoItemDirectory directory;
+    auto const delta = std::make_shared<InfoItemDirectoryDelta>();
+    constexpr unsigned int k_wide = 63;
+    constexpr unsigned int k_infos = 26;
+    std::vector<SectionId> all;
+    for (unsigned int i = 0; i < k_wide; ++i)
+        for (unsigned int k = 0; k < k_wide; ++k) {
+            SectionId const section = Added(directory, "s" + std::to_string(i) + "/t" + std::to_string(k));
+            ASSERT_TRUE(section.IsValid());
+            all.push_back(section);
+            for (unsigned int n = 0; n < k_infos; ++n) {
+                unsigned int const id = section.GetInfoItemSectionId().CreateInfoItemId(n);
+                ASSERT_EQ(delta->AddInfo(Schema(id, std::string(1, static_cast<char>('a' + n)))), 0);
+                ASSERT_EQ(delta->AddItem(Value(id)), 0);
+            }
+        }
+    EXPECT_EQ(directory.UpdateFromDelta(delta, true, true), 0);
+    // Each refusal takes the holder out of a long range of equal names again.
+    for (unsigned int n = 0; n < 20000; ++n)
+        ASSERT_EQ(directory.AddInfo(Schema(Id(0x80000000).CreateInfoItemId(n % 4095), "a")), IfErrNotFound);
+    std::vector<SectionId> sections;
+    directory.GetTopLevelSections(sections);
+    EXPECT_EQ(sections.size(), k_wide);
+    Items items;
+    for (auto const& section : sections)
+        ASSERT_EQ(directory.FindItems(section.GetInfoItemSectionId(), items), 0);
+    EXPECT_EQ(items.size(), k_wide * k_wide * k_infos);
+    for (auto const& section : all)
+        ASSERT_EQ(directory.FindInfoItem(section.GetSectionName() + "/c"),
+                  directory.FindInfoItem(section.GetInfoItemSectionId().CreateInfoItemId(2)));
+}
+
+} // namespace
+} // namespace Legacy::If::Test
