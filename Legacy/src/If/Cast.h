@@ -4,6 +4,14 @@
 
 namespace Legacy::If::Detail {
 
+/// Whether an object is of that very class and not of one derived from it. The library's classes have one type
+/// information each, so its address decides; comparing names would cost more for each object that is of another class.
+template<typename Class, typename Root>
+bool IsExactly(Root const& object) noexcept
+{
+    return &typeid(object) == &typeid(Class);
+}
+
 /// The object as a `Target`, or null if it is null or of another class. `Target` is the family's own class: the exact
 /// type, which is nearly always the answer, is tested first, by the address of its identity alone; a class derived from
 /// it, or an identity that stands twice, takes the run-time cast.

@@ -5,7 +5,9 @@
 #include <Legacy/If/AppEndpointArray.h>
 #include <Legacy/If/Bool.h>
 #include <Legacy/If/BoolArray.h>
+#include <Legacy/If/Collection.h>
 #include <Legacy/If/Colour.h>
+#include <Legacy/If/Composite.h>
 #include <Legacy/If/Endpoint.h>
 #include <Legacy/If/Enum.h>
 #include <Legacy/If/ItemBase.h>
@@ -84,6 +86,8 @@ constexpr auto k_plainRows = std::to_array<Row>({
     RowOf<AppEndpointArrayItem>(IfType_t::AppEndpointArray),
     RowOf<ColourItem>(IfType_t::Colour),
     RowOf<OrientationItem>(IfType_t::Orientation),
+    RowOf<CompositeItem>(IfType_t::Composite),
+    RowOf<CollectionItem>(IfType_t::Collection),
 });
 
 constexpr auto k_rows =

@@ -165,6 +165,15 @@ inline unsigned int ClampSize(std::uint64_t size) noexcept
     return size < max ? static_cast<unsigned int>(size) : max;
 }
 
+/// Names the item and the size of its payload in a record.
+inline void WriteHeader(ItemBase const& item, std::uint32_t size, ItemBase::SerialStruct_t& record)
+{
+    record.id = boost::endian::native_to_big(static_cast<std::uint32_t>(item.GetId()));
+    record.size = boost::endian::native_to_big(size);
+    record.type = static_cast<unsigned char>(item.GetType());
+    record.numericType = static_cast<unsigned char>(item.GetNumericType());
+}
+
 /// Writes a record whose `size` word and allocation are given apart; `fill` takes a `PayloadWriter`.
 template<typename Fill>
 int WriteRecord(ItemBase const& item, ItemBase::SerialStruct_t* record, std::uint64_t sizeWord, std::uint64_t allocate,
@@ -176,10 +185,7 @@ int WriteRecord(ItemBase const& item, ItemBase::SerialStruct_t* record, std::uin
         return IfErrInvalidArgument;
     std::unique_ptr<unsigned char[]> payload(new unsigned char[static_cast<std::size_t>(allocate)]);
     fill(PayloadWriter(payload.get()));
-    record->id = boost::endian::native_to_big(static_cast<std::uint32_t>(item.GetId()));
-    record->size = boost::endian::native_to_big(static_cast<std::uint32_t>(sizeWord));
-    record->type = static_cast<unsigned char>(item.GetType());
-    record->numericType = static_cast<unsigned char>(item.GetNumericType());
+    WriteHeader(item, static_cast<std::uint32_t>(sizeWord), *record);
     record->data = payload.release();
     return 0;
 }
