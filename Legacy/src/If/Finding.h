@@ -68,7 +68,7 @@ std::string DefaultText(Number value)
 /// Sees the message of each finding on this thread before it is dropped. A finding carries no message, so this is how
 /// tests look at keys and arguments; null, as it stands outside tests, is nobody.
 using MessageObserver = void (*)(LocalizedString const& message);
-extern thread_local MessageObserver t_messageObserver;
+extern constinit thread_local MessageObserver t_messageObserver;
 
 } // namespace Detail
 
