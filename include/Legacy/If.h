@@ -3,10 +3,16 @@
 // Everything of the library but the storage of the containers and the message conversions, which cost the most to
 // include.
 #include <Legacy/If/Addr.h>
+#include <Legacy/If/AllowedValues.h>
 #include <Legacy/If/AppEndpoint.h>
 #include <Legacy/If/AppEndpointArray.h>
+#include <Legacy/If/Bool.h>
+#include <Legacy/If/BoolArray.h>
+#include <Legacy/If/Collection.h>
 #include <Legacy/If/Colour.h>
+#include <Legacy/If/Composite.h>
 #include <Legacy/If/Endpoint.h>
+#include <Legacy/If/Enum.h>
 #include <Legacy/If/Export.h>
 #include <Legacy/If/Extended.h>
 #include <Legacy/If/Family.h>
@@ -23,8 +29,11 @@
 #include <Legacy/If/InfoItemSectionId.h>
 #include <Legacy/If/ItemBase.h>
 #include <Legacy/If/LocalizedString.h>
+#include <Legacy/If/MemberList.h>
 #include <Legacy/If/NetValue.h>
 #include <Legacy/If/Numeric.h>
+#include <Legacy/If/NumericArray.h>
+#include <Legacy/If/NumericSparse.h>
 #include <Legacy/If/NumericTraits.h>
 #include <Legacy/If/Orientation.h>
 #include <Legacy/If/Permission.h>
@@ -39,3 +48,4 @@
 #include <Legacy/If/SizeBounds.h>
 #include <Legacy/If/String.h>
 #include <Legacy/If/StringArray.h>
+#include <Legacy/If/StringSparse.h>
