@@ -48,9 +48,14 @@ bool IsIpv6Text(std::string_view text)
 
 std::optional<std::uint16_t> ParsePort(std::string_view text)
 {
+    // More digits than a port has are no port: a text could otherwise be far longer than what it prints as, and readers
+    // that step by the printed length would read such texts over and over.
+    constexpr std::size_t maxDigits = 5;
     std::uint16_t port = 0;
     if (text.empty())
         return port;
+    if (text.size() > maxDigits)
+        return {};
     auto const* const end = text.data() + text.size();
     auto const [stop, error] = std::from_chars(text.data(), end, port);
     if (error != std::errc{} || stop != end)

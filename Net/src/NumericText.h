@@ -16,7 +16,8 @@ std::optional<boost::asio::ip::address> ParseIp(std::string_view text);
 /// colon.
 bool IsIpv6Text(std::string_view text);
 
-/// The port that the whole text spells: decimal digits up to 65535, 0 for no text at all. Nothing for anything else.
+/// The port that the whole text spells: one to five decimal digits up to 65535, 0 for no text at all. Nothing for
+/// anything else.
 std::optional<std::uint16_t> ParsePort(std::string_view text);
 
 /// Neither `0.0.0.0` nor `::`, nor the former mapped into IPv6.

@@ -27,7 +27,7 @@ public:
 
     /// Reads the text of an address and a port. Every text gives an endpoint; nothing is refused.
     ///
-    /// - The port stands behind the last colon: decimal digits up to 65535, or nothing for port 0.
+    /// - The port stands behind the last colon: one to five decimal digits up to 65535, or nothing for port 0.
     /// - IPv6 with a port stands in brackets, `[::1]:80`. Without brackets such a text is all address, port 0.
     /// - If what follows the last colon is no port (a sign, a blank, another byte, a larger number, the path of a URL)
     ///   or if there is no colon, the whole text is the address and the port is 0: nothing is guessed or dropped.

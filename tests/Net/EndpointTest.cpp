@@ -74,6 +74,8 @@ TEST(Endpoint, ReadsAnyText)
                            {"cam:-1", "cam:-1", 0},
                            {"cam:+80", "cam:+80", 0},
                            {"cam: 80", "cam: 80", 0},
+                           {"cam:00080", "cam", 80},
+                           {"cam:000080", "cam:000080", 0},
                            {"cam:80\0"s, "cam:80\0"s, 0},
                            {"cam\0x:80"s, "cam\0x"s, 80},
                            // IPv6
