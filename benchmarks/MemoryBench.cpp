@@ -1,0 +1,103 @@
+// How much memory parameters take: bytes of the heap for each, the allocator's own share included.
+#include "Rows.h"
+
+#include <Legacy/If/Numeric.h>
+#include <Legacy/If/String.h>
+
+#include <memory>
+
+#ifdef BENCH_HAS_GLIB
+#include <glib-object.h>
+#endif
+
+namespace {
+
+using namespace Legacy::If;
+using namespace Bench;
+
+constexpr std::size_t k_count = 100'000;
+
+/// Makes many objects and keeps them all; `make` takes a number. What holds them is not counted.
+template<typename Make>
+void Hold(benchmark::State& state, Make const& make)
+{
+    double bytes = 0;
+    for (auto _ : state) {
+        std::vector<decltype(make(0U))> objects;
+        objects.reserve(k_count);
+        std::size_t const before = HeapBytesInUse();
+        for (unsigned int i = 0; i < k_count; ++i)
+            objects.push_back(make(i));
+        bytes = static_cast<double>(HeapBytesInUse()) - static_cast<double>(before);
+        benchmark::DoNotOptimize(objects.data());
+    }
+    state.counters["bytes/object"] = bytes / static_cast<double>(k_count);
+    state.SetItemsProcessed(state.iterations() * static_cast<benchmark::IterationCount>(k_count));
+}
+
+/// The name of a parameter, of 22 letters.
+std::string NameOf(unsigned int id)
+{
+    std::string name = k_name;
+    std::string const number = std::to_string(id);
+    return name.replace(name.size() - number.size(), number.size(), number);
+}
+
+/// A schema of one's own.
+struct OwnSchema
+{
+    unsigned int id;
+    unsigned short permission;
+    std::string name;
+    unsigned int min;
+    unsigned int max;
+    unsigned int value;
+};
+
+struct Rows
+{
+    Rows()
+    {
+        AddRow("memory", "u32-schema", k_ours, [](benchmark::State& state) {
+            Hold(state, [](unsigned int id) {
+                return boost::intrusive_ptr<InfoBase>(new NumericInfo<U32Traits>(id, NameOf(id), Permission_t{}));
+            });
+        });
+        AddRow("memory", "u32-schema", "std-shared", [](benchmark::State& state) {
+            Hold(state, [](unsigned int id) {
+                return std::make_shared<OwnSchema>(OwnSchema{id, 0, NameOf(id), 0, 100, 7});
+            });
+        });
+        AddRow("memory", "u32-value", k_ours, [](benchmark::State& state) {
+            Hold(state, [](unsigned int id) {
+                return boost::intrusive_ptr<ItemBase>(NumericItem<U32Traits>::Create(id, id));
+            });
+        });
+        AddRow("memory", "u32-value", "std-shared", [](benchmark::State& state) {
+            Hold(state, [](unsigned int id) { return std::make_shared<std::pair<unsigned, unsigned>>(id, id); });
+        });
+        AddRow("memory", "text-value", k_ours, [](benchmark::State& state) {
+            Hold(state,
+                 [](unsigned int id) { return boost::intrusive_ptr<ItemBase>(StringItem::Create(id, NameOf(id))); });
+        });
+        AddRow("memory", "text-value", "std-shared", [](benchmark::State& state) {
+            Hold(state,
+                 [](unsigned int id) { return std::make_shared<std::pair<unsigned, std::string>>(id, NameOf(id)); });
+        });
+#ifdef BENCH_HAS_GLIB
+        AddRow("memory", "u32-schema", "glib", [](benchmark::State& state) {
+            struct Unref
+            {
+                void operator()(GParamSpec* spec) const { g_param_spec_unref(spec); }
+            };
+            Hold(state, [](unsigned int id) {
+                auto* const spec =
+                    g_param_spec_uint(NameOf(id).c_str(), nullptr, nullptr, 0, 100, 7, G_PARAM_READWRITE);
+                return std::unique_ptr<GParamSpec, Unref>(g_param_spec_ref_sink(spec));
+            });
+        });
+#endif
+    }
+} const k_rows;
+
+} // namespace
