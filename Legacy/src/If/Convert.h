@@ -71,7 +71,7 @@ template<typename Value>
 constexpr bool Differs(Value a, Value b) noexcept
 {
     if constexpr (std::floating_point<Value>)
-        return (a > b ? a - b : b - a) > static_cast<Value>(k_floatTolerance);
+        return Distance(a, b) > static_cast<Value>(k_floatTolerance);
     else
         return a != b;
 }

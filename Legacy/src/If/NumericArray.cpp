@@ -19,23 +19,6 @@ namespace {
 constexpr unsigned int k_initialMinSize = 1;
 constexpr unsigned int k_initialMaxSize = 0x7FFFFFFF;
 
-/// Whether a number is outside its bounds; a NaN is not.
-template<typename Element>
-bool IsOutside(Element value, Element min, Element max) noexcept
-{
-    return static_cast<bool>(static_cast<int>(min > value) | static_cast<int>(value > max));
-}
-
-/// The same for any of many, in one pass without a branch.
-template<typename Element>
-bool AnyOutside(std::vector<Element> const& list, Element min, Element max) noexcept
-{
-    bool outside = false;
-    for (Element const value : list)
-        outside |= IsOutside(value, min, max);
-    return outside;
-}
-
 } // namespace
 
 template<typename T>
@@ -123,9 +106,9 @@ int NumericArrayInfo<T>::AssignValue(boost::intrusive_ptr<InfoBase const> const&
         return IfErrTypeNotAssignable;
     return Detail::VisitFamily<If::NumericArrayInfo>(*source, [this, changed](auto const& schema) {
         Detail::Change change;
-        Detail::AssignByBytes(
-            change, m_default, schema.GetDefault(),
-            [](auto* to, auto const* from, std::size_t count) { return Detail::StoreAll(to, from, count); });
+        Detail::AssignByBytes(change, m_default, schema.GetDefault(), [](auto* to, std::size_t count, auto valueAt) {
+            return Detail::StoreAll(to, count, valueAt);
+        });
         change.Assign(m_size, SizeBounds(schema.GetMinSize(), schema.GetMaxSize()));
         change.Store(m_max, Detail::ConvertTo<Element>(schema.GetMax()));
         change.Store(m_min, Detail::ConvertTo<Element>(schema.GetMin()));
@@ -186,8 +169,8 @@ int NumericArrayItem<T>::AssignArrayValue(boost::intrusive_ptr<ItemBase const> c
     switch (source->GetType()) {
     case IfType_t::NumericArray:
         code = Detail::VisitFamily<If::NumericArrayItem>(*source, [this, &change](auto const& list) {
-            Detail::AssignByBytes(change, m_value, list.Val(), [](auto* to, auto const* from, std::size_t count) {
-                return Detail::StoreUnequal<T>(to, from, count);
+            Detail::AssignByBytes(change, m_value, list.Val(), [](auto* to, std::size_t count, auto valueAt) {
+                return Detail::StoreUnequal<T>(to, count, valueAt);
             });
             return 0;
         });
@@ -259,9 +242,10 @@ std::shared_ptr<ResultElem const> NumericArrayItem<T>::Validate(boost::intrusive
         return finding;
     Element const min = schema->m_min;
     Element const max = schema->m_max;
-    if (!AnyOutside(m_value, min, max))
+    if (!Detail::AnyOutside(m_value, min, max))
         return {};
-    auto const first = std::ranges::find_if(m_value, [min, max](Element value) { return IsOutside(value, min, max); });
+    auto const first =
+        std::ranges::find_if(m_value, [min, max](Element value) { return Detail::IsOutside(value, min, max); });
     if (min > *first)
         return Detail::MakeFinding("TypesSystemNumericValidationMin", info, *this, {Detail::DefaultText(min)});
     return Detail::MakeFinding("TypesSystemNumericValidationMax", info, *this, {Detail::DefaultText(max)});

@@ -70,7 +70,7 @@ int NumericSparseInfo<T>::AssignValue(boost::intrusive_ptr<InfoBase const> const
         Detail::Change change;
         Detail::AssignByBytes(
             change, m_allowed.Table(), schema.GetTable(),
-            [](auto* to, auto const* from, std::size_t count) { return Detail::StoreAll(to, from, count); });
+            [](auto* to, std::size_t count, auto valueAt) { return Detail::StoreAll(to, count, valueAt); });
         change.Store(m_allowed.Default(), Detail::ConvertTo<Element>(schema.GetDefault()));
         return change.Report(changed);
     });

@@ -3,14 +3,29 @@
 #include <Legacy/If/Export.h>
 #include <Legacy/If/IfType.h>
 
+#include <cmath>
 #include <cstdint>
 #include <limits>
+#include <type_traits>
 
 namespace Legacy::If {
 
 /// The greatest difference at which two floating-point values still count as equal: absolute, it does not scale with
 /// the operands. `double` values are compared against this very `float`, widened (bits 0x2EDBE6FF).
 constexpr float k_floatTolerance = 1e-10F;
+
+namespace Detail {
+
+/// How far two values are apart; a NaN for a NaN and for two equal infinities.
+template<typename Number>
+constexpr Number Distance(Number a, Number b) noexcept
+{
+    if (std::is_constant_evaluated())
+        return a > b ? a - b : b - a;
+    return std::fabs(a - b); // the same without a branch
+}
+
+} // namespace Detail
 
 /// What the ten traits share: the element type, its tag and its default bounds.
 template<typename Element, NumericType_t Tag>
@@ -31,7 +46,7 @@ struct NumericTraitsBase
         if constexpr (std::numeric_limits<T>::is_integer)
             return a == b;
         else
-            return (a > b ? a - b : b - a) <= static_cast<T>(k_floatTolerance);
+            return Detail::Distance(a, b) <= static_cast<T>(k_floatTolerance);
     }
 };
 
