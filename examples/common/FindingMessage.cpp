@@ -1,5 +1,7 @@
 #include "FindingMessage.h"
 
+#include <Legacy/If/Bool.h>
+#include <Legacy/If/Enum.h>
 #include <Legacy/If/Numeric.h>
 #include <Legacy/If/String.h>
 #include <Legacy/If/StringArray.h>
@@ -26,7 +28,7 @@ public:
                         TypeText_(m_item));
         if (OfNumber_<U8Traits, S8Traits, U16Traits, S16Traits, U32Traits, S32Traits, U64Traits, S64Traits, FloatTraits,
                       DoubleTraits>() ||
-            OfText_() || OfTexts_())
+            OfText_() || OfTexts_() || OfBool_() || OfEnum_())
             return m_message;
         return Say_("TypesSystemIllegalValidatationError", TypeText_(m_item));
     }
@@ -82,6 +84,22 @@ private:
         return true;
     }
 
+    bool OfBool_()
+    {
+        auto const* info = dynamic_cast<BoolInfo const*>(m_info);
+        if (info)
+            Say_("TypesSystemBoolValidationFixedVal", info->GetDefault());
+        return info;
+    }
+
+    bool OfEnum_()
+    {
+        auto const* item = dynamic_cast<EnumItem const*>(&m_item);
+        if (item)
+            Say_("TypesSystemEnumValidationValue", item->GetVal());
+        return item;
+    }
+
     void AddText_(std::string const& text) { m_message.AddArgument(StringItem::Create(0, text)); }
 
     template<typename Value>
@@ -120,7 +138,8 @@ LocalizedString FindingMessage(boost::intrusive_ptr<InfoBase const> const& info,
 {
     // Validation is not const in the interface of values, so a copy is asked.
     boost::intrusive_ptr<ItemBase> const copy(item.DeepCopy());
-    return copy->Validate(info) ? Finder(info.get(), item).Find() : LocalizedString();
+    bool const fits = (!info || info->IsEqualType(copy)) && !copy->Validate(info);
+    return fits ? LocalizedString() : Finder(info.get(), item).Find();
 }
 
 } // namespace Examples
