@@ -1,17 +1,18 @@
 #include "Cast.h"
 #include "Change.h"
-#include "FloatTuple.h"
+#include "NumberTuple.h"
 #include "Text.h"
 
 #include <Legacy/If/Colour.h>
 
+#include <array>
 #include <utility>
 
 namespace Legacy::If {
 
 namespace {
 
-using Parts = Detail::FloatTuple<4>;
+using Parts = std::array<float, 4>;
 
 constexpr Parts PartsOf(Orlek::Colour_t const& colour) noexcept { return {colour.a, colour.r, colour.g, colour.b}; }
 
@@ -105,7 +106,7 @@ std::uint32_t ColourItem::GetARGB() const noexcept
 
 bool ColourItem::IsEqualVal_(Orlek::Colour_t const& colour) const noexcept
 {
-    return Detail::Equal(PartsOf(m_value), PartsOf(colour));
+    return Detail::Equal<FloatTraits>(PartsOf(m_value), PartsOf(colour));
 }
 
 bool ColourItem::IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const
@@ -131,12 +132,15 @@ int ColourItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& sou
 
 unsigned int ColourItem::GetSerialDataSize() const { return sizeof(Parts); }
 
-int ColourItem::Serialize(SerialStruct_t* record) const { return Detail::WriteFloats(*this, record, PartsOf(m_value)); }
+int ColourItem::Serialize(SerialStruct_t* record) const
+{
+    return Detail::WriteNumbers(*this, record, PartsOf(m_value));
+}
 
 int ColourItem::Deserialize(ConstSerialStruct_t const* record)
 {
     Parts parts;
-    if (int const code = Detail::ReadFloats(*this, record, parts))
+    if (int const code = Detail::ReadNumbers(*this, record, parts))
         return code;
     m_value = {parts[0], parts[1], parts[2], parts[3]};
     return 0;

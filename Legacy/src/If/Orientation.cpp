@@ -1,15 +1,17 @@
 #include "Cast.h"
 #include "Change.h"
-#include "FloatTuple.h"
+#include "NumberTuple.h"
 #include "Text.h"
 
 #include <Legacy/If/Orientation.h>
+
+#include <array>
 
 namespace Legacy::If {
 
 namespace {
 
-using Parts = Detail::FloatTuple<3>;
+using Parts = std::array<float, 3>;
 
 constexpr Parts PartsOf(Orientation_t const& value) noexcept { return {value.bearing, value.inclination, value.roll}; }
 
@@ -21,7 +23,7 @@ OrientationItem* OrientationItem::DeepCopy(unsigned int id) const { return CopyA
 
 bool OrientationItem::IsEqualVal_(Orientation_t const& orientation) const noexcept
 {
-    return Detail::Equal(PartsOf(m_value), PartsOf(orientation));
+    return Detail::Equal<FloatTraits>(PartsOf(m_value), PartsOf(orientation));
 }
 
 bool OrientationItem::IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const
@@ -49,13 +51,13 @@ unsigned int OrientationItem::GetSerialDataSize() const { return sizeof(Parts); 
 
 int OrientationItem::Serialize(SerialStruct_t* record) const
 {
-    return Detail::WriteFloats(*this, record, PartsOf(m_value));
+    return Detail::WriteNumbers(*this, record, PartsOf(m_value));
 }
 
 int OrientationItem::Deserialize(ConstSerialStruct_t const* record)
 {
     Parts parts;
-    if (int const code = Detail::ReadFloats(*this, record, parts))
+    if (int const code = Detail::ReadNumbers(*this, record, parts))
         return code;
     m_value = {parts[0], parts[1], parts[2]};
     return 0;

@@ -8,6 +8,7 @@
 #include <Legacy/If/Collection.h>
 #include <Legacy/If/Colour.h>
 #include <Legacy/If/Composite.h>
+#include <Legacy/If/Coordinate.h>
 #include <Legacy/If/Endpoint.h>
 #include <Legacy/If/Enum.h>
 #include <Legacy/If/ItemBase.h>
@@ -15,6 +16,8 @@
 #include <Legacy/If/NumericArray.h>
 #include <Legacy/If/NumericSparse.h>
 #include <Legacy/If/Orientation.h>
+#include <Legacy/If/Rect.h>
+#include <Legacy/If/RectArray.h>
 #include <Legacy/If/String.h>
 #include <Legacy/If/StringArray.h>
 #include <Legacy/If/StringSparse.h>
@@ -92,7 +95,10 @@ constexpr auto k_plainRows = std::to_array<Row>({
 
 constexpr auto k_rows =
     Join(k_plainRows, AllRowsOf<NumericItem>(IfType_t::Numeric), AllRowsOf<NumericArrayItem>(IfType_t::NumericArray),
-         AllRowsOf<NumericSparseItem>(IfType_t::NumericSparse));
+         AllRowsOf<NumericSparseItem>(IfType_t::NumericSparse),
+         RowsOf<CoordinateItem, U16Traits, S32Traits, FloatTraits>(IfType_t::Coordinate),
+         RowsOf<RectItem, U16Traits, S32Traits, FloatTraits>(IfType_t::Rectangle),
+         RowsOf<RectArrayItem, U16Traits>(IfType_t::RectArray));
 
 constexpr std::size_t k_numericTypes = static_cast<std::size_t>(NumericType_t::Double) + 1;
 

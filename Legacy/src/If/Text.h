@@ -19,6 +19,10 @@ namespace Legacy::If::Detail {
 /// Stands between the elements of every list that is printed on one line.
 inline constexpr char k_separator[] = ", ";
 
+/// Stands between the parts of a point, a rectangle and a schema of rectangles. Contract: the separator of lists and
+/// one blank more, by which stored texts tell the parts from the elements of a list.
+inline constexpr char k_partSeparator[] = ",  ";
+
 /// The words of a boolean, wherever one is printed as a word or becomes a text.
 inline constexpr char const* BoolText(bool value) noexcept { return value ? "True" : "False"; }
 

@@ -50,4 +50,24 @@ int VisitFamily(Root const& object, Use&& use)
     });
 }
 
+/// The same for points and rectangles, which have three element types only.
+template<template<typename> typename Family, typename Root, typename Use>
+int VisitShape(Root const& object, Use&& use)
+{
+    auto const visit = [&object, &use]<typename T>(T) {
+        auto const* const member = ExactCast<Family<T>>(&object);
+        return member ? use(*member) : IfErrTypeNotAssignable;
+    };
+    switch (object.GetNumericType()) {
+    case NumericType_t::U16:
+        return visit(U16Traits());
+    case NumericType_t::S32:
+        return visit(S32Traits());
+    case NumericType_t::Float:
+        return visit(FloatTraits());
+    default:
+        return IfErrTypeNotAssignable;
+    }
+}
+
 } // namespace Legacy::If::Detail

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "Change.h"
+#include "Text.h"
+
+#include <Legacy/If/Rect.h>
+#include <Legacy/If/ReturnCodes.h>
+
+namespace Legacy::If::Detail {
+
+/// What points and rectangles, which are made of two parts each, share.
+
+/// Assigns both parts of a schema or a value, the second also after a failure of the first. Returns the first failure.
+template<typename Part, typename Source>
+int AssignBoth(Change& change, Part& first, Source const& firstSource, Part& second, Source const& secondSource)
+{
+    bool firstChanged = false;
+    bool secondChanged = false;
+    int const firstCode = first.AssignValue(firstSource, &firstChanged);
+    int const secondCode = second.AssignValue(secondSource, &secondChanged);
+    change.Note(firstChanged || secondChanged);
+    return firstCode != 0 ? firstCode : secondCode;
+}
+
+/// The corners of a rectangle of any element type, held so that they outlive it, into those of another.
+template<typename T, typename Corner>
+int AssignCorners(Change& change, RectItem<T>& target, Corner const& topLeft, Corner const& bottomRight)
+{
+    if (AssignBoth(change, *target.TopLeft(), topLeft, *target.BottomRight(), bottomRight) != 0)
+        return IfErrTypeNotAssignable;
+    return 0;
+}
+
+/// Narrows the first part and then, unless that failed, the second.
+template<typename Part, typename Other>
+int MergeBoth(Part& first, Other const& firstOther, Part& second, Other const& secondOther)
+{
+    if (int const code = first.MergeBounds(firstOther))
+        return code;
+    return second.MergeBounds(secondOther);
+}
+
+/// The lines of a schema's two corners. Contract: that of the bottom right one is labelled so, as readers of dumps know
+/// it.
+template<typename Corner>
+void DumpCorners(std::ostream& os, Corner const& topLeft, Corner const& bottomRight)
+{
+    DumpLine(os, "topLeft: ", topLeft);
+    DumpLine(os, "topRight: ", bottomRight);
+}
+
+} // namespace Legacy::If::Detail
