@@ -1,6 +1,9 @@
 #pragma once
 
 #include "Convert.h"
+#include "ListLength.h"
+
+#include <cstdint>
 
 namespace Legacy::If::Detail {
 
@@ -47,13 +50,16 @@ public:
         m_changed = true;
     }
 
-    /// Grows a list so that it has an element at `index`; never shrinks it. The sum is made in the list's own width, so
-    /// an index near 2^32 grows the list or fails to allocate and never wraps to a place elsewhere.
+    /// Grows a list so that it has `count` elements from `index` on; never shrinks it. An index near 2^32 grows the
+    /// list or fails, and never wraps to a place elsewhere.
     template<typename List>
-    void GrowTo(List& list, unsigned int index)
+    void GrowTo(List& list, unsigned int index, unsigned int count = 1)
     {
-        if (list.size() <= index)
-            Resize(list, static_cast<typename List::size_type>(index) + 1);
+        std::uint64_t const size = std::uint64_t{index} + count;
+        if (list.size() >= size)
+            return;
+        CheckLength(size, list.max_size());
+        Resize(list, static_cast<typename List::size_type>(size));
     }
 
     /// Writes the outcome if the caller asked for it and returns success.

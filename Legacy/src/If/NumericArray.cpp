@@ -8,6 +8,8 @@
 #include "Visit.h"
 
 #include <Legacy/If/NumericArray.h>
+#include <Legacy/If/Rect.h>
+#include <Legacy/If/RectArray.h>
 
 #include <algorithm>
 #include <span>
@@ -18,6 +20,7 @@ namespace {
 
 constexpr unsigned int k_initialMinSize = 1;
 constexpr unsigned int k_initialMaxSize = 0x7FFFFFFF;
+constexpr unsigned int k_rectNumbers = 4; // of a rectangle
 
 } // namespace
 
@@ -102,6 +105,8 @@ int NumericArrayInfo<T>::AssignValue(boost::intrusive_ptr<InfoBase const> const&
 {
     if (!source)
         return IfErrNullSource;
+    if (auto const* const rects = Detail::CastTo<RectArrayInfo<U16Traits>>(source))
+        return AssignRects_(*rects, changed);
     if (source->GetType() != IfType_t::NumericArray)
         return IfErrTypeNotAssignable;
     return Detail::VisitFamily<If::NumericArrayInfo>(*source, [this, changed](auto const& schema) {
@@ -114,6 +119,28 @@ int NumericArrayInfo<T>::AssignValue(boost::intrusive_ptr<InfoBase const> const&
         change.Store(m_min, Detail::ConvertTo<Element>(schema.GetMin()));
         return change.Report(changed);
     });
+}
+
+template<typename T>
+int NumericArrayInfo<T>::AssignRects_(RectArrayInfo<U16Traits> const& schema, bool* changed)
+{
+    auto const topLeft = schema.TopLeft();
+    auto const bottomRight = schema.BottomRight();
+    auto const axes = {topLeft->X(), topLeft->Y(), bottomRight->X(), bottomRight->Y()};
+    Detail::Change change;
+    change.Assign(m_size, SizeBounds(k_rectNumbers * schema.GetMinSize(), k_rectNumbers * schema.GetMaxSize()));
+    change.Resize(m_default, k_rectNumbers);
+    auto number = m_default.begin();
+    unsigned short min = U16Traits::k_defaultMax;
+    unsigned short max = U16Traits::k_defaultMin;
+    for (auto const& axis : axes) {
+        change.Assign(*number++, Detail::ConvertTo<Element>(axis->GetDefault()));
+        min = std::min(min, axis->GetMin());
+        max = std::max(max, axis->GetMax());
+    }
+    change.Assign(m_max, Detail::ConvertTo<Element>(max));
+    change.Assign(m_min, Detail::ConvertTo<Element>(min));
+    return change.Report(changed);
 }
 
 template<typename T>
@@ -175,6 +202,25 @@ int NumericArrayItem<T>::AssignArrayValue(boost::intrusive_ptr<ItemBase const> c
             return 0;
         });
         break;
+    case IfType_t::Rectangle:
+        code = Detail::VisitShape<RectItem>(*source, [this, index, &change](auto const& rect) {
+            change.GrowTo(m_value, index, k_rectNumbers);
+            change.Note(AssignRect_(index, rect));
+            return 0;
+        });
+        break;
+    case IfType_t::RectArray: {
+        auto const* const list = Detail::CastTo<RectArrayItem<U16Traits>>(source);
+        if (!list)
+            return IfErrTypeNotAssignable;
+        change.Resize(m_value, k_rectNumbers * list->Val().size());
+        std::size_t place = 0;
+        for (auto const& rect : list->Val()) {
+            change.Note(AssignRect_(place, rect));
+            place += k_rectNumbers;
+        }
+        break;
+    }
     default: {
         Element value{};
         code = Detail::ReadScalar(*source, value);
@@ -188,6 +234,15 @@ int NumericArrayItem<T>::AssignArrayValue(boost::intrusive_ptr<ItemBase const> c
     }
     }
     return code != 0 ? code : change.Report(changed);
+}
+
+template<typename T>
+template<typename Rect>
+bool NumericArrayItem<T>::AssignRect_(std::size_t index, Rect const& rect) noexcept
+{
+    auto const [left, top, right, bottom] = rect.GetFlat();
+    return AssignValueFromRectangle_(index, Detail::ConvertTo<Element>(left), Detail::ConvertTo<Element>(top),
+                                     Detail::ConvertTo<Element>(right), Detail::ConvertTo<Element>(bottom));
 }
 
 /// Stores the corners of a rectangle in four elements from `index` on, which exist, and tells whether any was another.

@@ -8,18 +8,19 @@
 #include "Text.h"
 #include "Visit.h"
 
+#include <Legacy/If/NumericArray.h>
 #include <Legacy/If/RectArray.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <span>
-#include <stdexcept>
 
 namespace Legacy::If {
 
 namespace {
 
 constexpr unsigned int k_initialMaxSize = 0x7FFFFFFF;
+constexpr unsigned int k_numbers = 4; // of a rectangle
 // Contract: the greatest number of rectangles that a list holds is the same on every machine, whatever its memory.
 constexpr std::uint64_t k_maxRects = 0x0CCCCCCC;
 
@@ -86,6 +87,9 @@ int RectArrayInfo<T>::AssignValue(boost::intrusive_ptr<InfoBase const> const& so
 {
     if (!source)
         return IfErrNullSource;
+    if (source->GetType() == IfType_t::NumericArray)
+        return Detail::VisitFamily<NumericArrayInfo>(
+            *source, [this, changed](auto const& schema) { return AssignNumbers_(schema, changed); });
     auto const* const schema = Detail::CastTo<RectArrayInfo>(source);
     if (!schema)
         return IfErrTypeNotAssignable;
@@ -94,6 +98,31 @@ int RectArrayInfo<T>::AssignValue(boost::intrusive_ptr<InfoBase const> const& so
         Detail::AssignBoth(change, *m_topLeft, schema->m_topLeft.Get(), *m_bottomRight, schema->m_bottomRight.Get());
     change.Assign(m_size, schema->m_size);
     return code != 0 ? code : change.Report(changed);
+}
+
+template<typename T>
+template<typename Schema>
+int RectArrayInfo<T>::AssignNumbers_(Schema const& schema, bool* changed)
+{
+    auto const& numbers = schema.GetDefault();
+    unsigned int const minSize = schema.GetMinSize();
+    unsigned int const maxSize = schema.GetMaxSize();
+    if (minSize % k_numbers != 0 || maxSize % k_numbers != 0 || (!numbers.empty() && numbers.size() != k_numbers))
+        return IfErrInvalidArgument;
+    Detail::Change change;
+    change.Assign(m_size, SizeBounds(minSize / k_numbers, maxSize / k_numbers));
+    if (numbers.empty())
+        return change.Report(changed);
+    auto const least = Detail::ConvertTo<typename T::T>(schema.GetMin());
+    auto number = numbers.begin();
+    for (auto const& axis : {m_topLeft->X(), m_topLeft->Y(), m_bottomRight->X(), m_bottomRight->Y()}) {
+        auto const before = axis->GetDefault();
+        axis->SetDefault(Detail::ConvertTo<typename T::T>(*number++));
+        axis->SetMin(least);
+        axis->SetMax(least); // the least number here too, as told in the header
+        change.Note(axis->GetDefault() != before);
+    }
+    return change.Report(changed);
 }
 
 template<typename T>
@@ -174,8 +203,7 @@ bool RectArrayItem<T>::ResizeArray_(std::uint64_t n)
 {
     if (n == m_value.size())
         return false;
-    if (n > k_maxRects)
-        throw std::length_error(Detail::k_tooLong);
+    Detail::CheckLength(n, k_maxRects);
     if (n < m_value.size()) {
         m_value.erase(m_value.begin() + static_cast<std::ptrdiff_t>(n), m_value.end());
     } else {
@@ -184,6 +212,33 @@ bool RectArrayItem<T>::ResizeArray_(std::uint64_t n)
             m_value.emplace_back(0);
     }
     return true;
+}
+
+template<typename T>
+bool RectArrayItem<T>::AssignRectValue_(unsigned int index, Element left, Element top, Element right,
+                                        Element bottom) noexcept
+{
+    typename Rect::Flat const numbers{left, top, right, bottom};
+    bool const changed = m_value[index].GetFlat() != numbers;
+    m_value[index].SetFlat(numbers);
+    return changed;
+}
+
+template<typename T>
+template<typename Source>
+int RectArrayItem<T>::AssignNumbers_(std::vector<Source> const& numbers, bool* changed)
+{
+    if (numbers.size() % k_coordSize != 0)
+        return IfErrInvalidArgument;
+    Detail::Change change;
+    change.Note(ResizeArray_(numbers.size() / k_coordSize));
+    auto number = numbers.begin();
+    auto const next = [&number] { return Detail::ConvertTo<Element>(*number++); };
+    for (unsigned int i = 0; i < GetSize(); ++i) {
+        typename Rect::Flat const flat{next(), next(), next(), next()};
+        change.Note(AssignRectValue_(i, flat[0], flat[1], flat[2], flat[3]));
+    }
+    return change.Report(changed);
 }
 
 template<typename T>
@@ -220,6 +275,9 @@ int RectArrayItem<T>::AssignArrayValue(boost::intrusive_ptr<ItemBase const> cons
 {
     if (!source)
         return IfErrNullSource;
+    if (source->GetType() == IfType_t::NumericArray)
+        return Detail::VisitFamily<NumericArrayItem>(
+            *source, [this, changed](auto const& list) { return AssignNumbers_(list.Val(), changed); });
     if (source->GetType() == IfType_t::Rectangle)
         return AssignRect_(*source, index, changed);
     if (auto const* const list = Detail::CastTo<RectArrayItem>(source))

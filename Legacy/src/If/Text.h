@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Convert.h"
+#include "ListLength.h"
 #include "TypeText.h"
 
 #include <Legacy/If/InfoBase.h>
@@ -11,7 +12,6 @@
 #include <cstddef>
 #include <istream>
 #include <ostream>
-#include <stdexcept>
 #include <utility>
 
 namespace Legacy::If::Detail {
@@ -142,16 +142,12 @@ bool ReadNumber(std::istream& in, std::ostream& out, char const* word, Element& 
     return true;
 }
 
-/// The text of the length error of every list that is asked to grow beyond what it can hold.
-inline constexpr char k_tooLong[] = "vector<T> too long";
-
 /// Makes room for a count that the input claims, as far as that can be done without trusting it: a count beyond what
 /// the list can ever hold is the list's length error, and a large one is only granted as the elements arrive.
 template<typename List>
 void ReserveClaimed(List& list, std::size_t count, std::size_t limit)
 {
-    if (count > limit)
-        throw std::length_error(k_tooLong);
+    CheckLength(count, limit);
     list.reserve(std::min<std::size_t>(count, 4096));
 }
 

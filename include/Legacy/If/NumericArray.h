@@ -14,6 +14,8 @@ namespace Legacy::If {
 
 template<typename T>
 class NumericArrayItem;
+template<typename T>
+class RectArrayInfo;
 
 /// Schema of a list of numbers: how many there may be, a least and a greatest value for each, all inclusive, and a
 /// default. `T` is one of the ten traits. The values of the default are not looked at.
@@ -65,12 +67,17 @@ public:
     ///
     /// Contract: the default takes as many elements as the bytes of the source's default hold of this element type; see
     /// NumericArrayItem::AssignArrayValue().
+    ///
+    /// From a schema of a list of rectangles, four numbers to each: the sizes times four, modulo 2^32; the defaults of
+    /// the corners; the least and the greatest number that any axis allows. Differences are told exactly here.
     int AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed) override;
 
     void DumpVal(std::ostream& os) const override;
     std::ostream& operator<<(std::ostream& os) const override;
 
 private:
+    int AssignRects_(RectArrayInfo<U16Traits> const& schema, bool* changed);
+
     SizeBounds m_size;
     Element m_max;
     Element m_min;
@@ -106,8 +113,10 @@ public:
     /// Equal types, sizes and elements, within the tolerance for floating-point types.
     bool IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const override;
     /// From a boolean (1 or 0), a number or an enumeration value, into the element at `index`: the list grows to hold
-    /// it, with zeros before it. From a list of numbers as a whole, with `index` ignored. Numbers are converted, never
-    /// cut to a bound. An element equal to the new one, for floating-point types within the tolerance, keeps its value.
+    /// it, with zeros before it. From a list of numbers as a whole, with `index` ignored. From a rectangle, into the
+    /// four elements from `index` on, and from a list of rectangles as a whole, both in the order of RectItem::Flat and
+    /// with differences told exactly. Numbers are converted, never cut to a bound. An element equal to the new one, for
+    /// floating-point types within the tolerance, keeps its value.
     ///
     /// Contract: a list taken as a whole sets the size to the source's bytes divided by the width of an own element,
     /// so a narrower source gives its first part alone and a wider one leaves zeros behind its elements; receivers
@@ -134,6 +143,8 @@ private:
     bool IsEqualVal_(std::size_t index, Element value) const noexcept { return T::Equal(m_value[index], value); }
     bool AssignValueFromRectangle_(std::size_t index, Element left, Element top, Element right,
                                    Element bottom) noexcept;
+    template<typename Rect>
+    bool AssignRect_(std::size_t index, Rect const& rect) noexcept;
 
     std::vector<Element> m_value;
 };

@@ -70,6 +70,8 @@ public:
 
 private:
     RectArrayInfo(unsigned int id, std::string const& name, Permission_t const& permission, RectArrayInfo const& other);
+    template<typename Schema>
+    int AssignNumbers_(Schema const& schema, bool* changed);
 
     SizeBounds m_size;
     OwnedPart<Corner> m_topLeft;
