@@ -1,0 +1,54 @@
+#!/usr/bin/env python3
+"""Turns the results of benchmark programs into a table of ratios.
+
+    for program in build/release/benchmarks/*_bench; do
+        $program --benchmark_repetitions=7 --benchmark_report_aggregates_only=true \\
+            --benchmark_out_format=json --benchmark_out=$(basename $program).json
+    done
+    benchmarks/ratios.py *_bench.json
+
+Rows are named operation/subject/library. For every operation and subject that both we and a peer have, the table tells
+how many times as long as ours the peer's median takes: above 1 we are faster. Processor time is compared, which a busy
+machine distorts least; rows of several threads are compared by the clock.
+"""
+
+import json
+import re
+import sys
+
+OURS = "legacyif"
+
+
+def read_medians(paths):
+    medians = {}
+    for path in paths:
+        with open(path, encoding="utf-8") as file:
+            for row in json.load(file)["benchmarks"]:
+                if row.get("error_occurred"):
+                    sys.exit(f"{path}: {row['name']}: {row['error_message']}")
+                # Without repetitions the one result stands for the median.
+                if row["run_type"] == "aggregate" and row["aggregate_name"] != "median":
+                    continue
+                operation, subject, library = re.sub(r"/(real_time|threads:\d+|iterations:\d+)", "",
+                                                     row["run_name"]).split("/")
+                clock = "real_time" if row.get("threads", 1) > 1 else "cpu_time"
+                peers = medians.setdefault(operation, {}).setdefault(subject, {})
+                peers[library] = row.get("bytes/object", row[clock])
+    return medians
+
+
+def main():
+    medians = read_medians(sys.argv[1:])
+    print("| operation | subject | beside ours |")
+    print("|---|---|---|")
+    for operation, subjects in medians.items():
+        for subject, peers in subjects.items():
+            ours = peers.pop(OURS, None)
+            if ours is None or not peers:
+                continue
+            ratios = ", ".join(f"{name} {value / ours:.2g}" for name, value in peers.items())
+            print(f"| {operation} | {subject} | {ratios} |")
+
+
+if __name__ == "__main__":
+    main()
