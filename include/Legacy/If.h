@@ -11,6 +11,8 @@
 #include <Legacy/If/Collection.h>
 #include <Legacy/If/Colour.h>
 #include <Legacy/If/Composite.h>
+#include <Legacy/If/Coordinate.h>
+#include <Legacy/If/Creators.h>
 #include <Legacy/If/Endpoint.h>
 #include <Legacy/If/Enum.h>
 #include <Legacy/If/Export.h>
@@ -36,7 +38,10 @@
 #include <Legacy/If/NumericSparse.h>
 #include <Legacy/If/NumericTraits.h>
 #include <Legacy/If/Orientation.h>
+#include <Legacy/If/OwnedPart.h>
 #include <Legacy/If/Permission.h>
+#include <Legacy/If/Rect.h>
+#include <Legacy/If/RectArray.h>
 #include <Legacy/If/Result.h>
 #include <Legacy/If/ResultElem.h>
 #include <Legacy/If/ReturnCodes.h>
