@@ -1,7 +1,9 @@
 #pragma once
 
 /// Marks what the library offers to callers; everything else stays hidden in the shared object. Class templates carry
-/// the mark too: run-time casts between shared objects rest on one visible type identity for each instance.
+/// the mark too: run-time casts between shared objects rest on one visible type identity for each instance. Where a
+/// type argument is a foreign template, such as a pointer to one of our classes, the instance needs the mark of its own
+/// in its `extern template` line, or it is as hidden as the argument.
 #if defined(__GNUC__)
 #define LEGACY_IF_API __attribute__((visibility("default")))
 #else

@@ -81,15 +81,15 @@ private:
     Store m_store;
 };
 
-extern template class GenericContainerImpl<InfoBase, boost::intrusive_ptr<InfoBase>,
-                                           boost::intrusive_ptr<InfoBase const>, unsigned int>;
-extern template class GenericContainerImpl<ItemBase, boost::intrusive_ptr<ItemBase>,
-                                           boost::intrusive_ptr<ItemBase const>, unsigned int>;
-extern template class GenericContainerImpl<InfoHolder, boost::intrusive_ptr<InfoHolder>,
-                                           boost::intrusive_ptr<InfoHolder const>, unsigned int>;
-extern template class GenericContainerImpl<ItemHolder, boost::intrusive_ptr<ItemHolder>,
-                                           boost::intrusive_ptr<ItemHolder const>, unsigned int>;
-extern template class GenericContainerImpl<Section, boost::intrusive_ptr<Section>, boost::intrusive_ptr<Section const>,
-                                           SectionId_t>;
+extern template class LEGACY_IF_API
+    GenericContainerImpl<InfoBase, boost::intrusive_ptr<InfoBase>, boost::intrusive_ptr<InfoBase const>, unsigned int>;
+extern template class LEGACY_IF_API
+    GenericContainerImpl<ItemBase, boost::intrusive_ptr<ItemBase>, boost::intrusive_ptr<ItemBase const>, unsigned int>;
+extern template class LEGACY_IF_API GenericContainerImpl<InfoHolder, boost::intrusive_ptr<InfoHolder>,
+                                                         boost::intrusive_ptr<InfoHolder const>, unsigned int>;
+extern template class LEGACY_IF_API GenericContainerImpl<ItemHolder, boost::intrusive_ptr<ItemHolder>,
+                                                         boost::intrusive_ptr<ItemHolder const>, unsigned int>;
+extern template class LEGACY_IF_API
+    GenericContainerImpl<Section, boost::intrusive_ptr<Section>, boost::intrusive_ptr<Section const>, SectionId_t>;
 
 } // namespace Legacy::If

@@ -11,10 +11,10 @@
 
 namespace Legacy::If {
 
-extern template class GenericContainer<InfoBase, boost::intrusive_ptr<InfoBase>, boost::intrusive_ptr<InfoBase const>,
-                                       unsigned int>;
-extern template class GenericContainer<ItemBase, boost::intrusive_ptr<ItemBase>, boost::intrusive_ptr<ItemBase const>,
-                                       unsigned int>;
+extern template class LEGACY_IF_API
+    GenericContainer<InfoBase, boost::intrusive_ptr<InfoBase>, boost::intrusive_ptr<InfoBase const>, unsigned int>;
+extern template class LEGACY_IF_API
+    GenericContainer<ItemBase, boost::intrusive_ptr<ItemBase>, boost::intrusive_ptr<ItemBase const>, unsigned int>;
 
 /// Schemas by id and by name. Not for two threads at once while one of them changes it.
 class LEGACY_IF_API InfoContainer : public GenericContainer<InfoBase, boost::intrusive_ptr<InfoBase>,

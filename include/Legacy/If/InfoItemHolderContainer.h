@@ -10,10 +10,10 @@
 
 namespace Legacy::If {
 
-extern template class GenericContainer<InfoHolder, boost::intrusive_ptr<InfoHolder>,
-                                       boost::intrusive_ptr<InfoHolder const>, unsigned int>;
-extern template class GenericContainer<ItemHolder, boost::intrusive_ptr<ItemHolder>,
-                                       boost::intrusive_ptr<ItemHolder const>, unsigned int>;
+extern template class LEGACY_IF_API GenericContainer<InfoHolder, boost::intrusive_ptr<InfoHolder>,
+                                                     boost::intrusive_ptr<InfoHolder const>, unsigned int>;
+extern template class LEGACY_IF_API GenericContainer<ItemHolder, boost::intrusive_ptr<ItemHolder>,
+                                                     boost::intrusive_ptr<ItemHolder const>, unsigned int>;
 
 /// Holders of schemas by the id and the name of the schema. Not for two threads at once while one of them changes it.
 class LEGACY_IF_API InfoHolderContainer : public GenericContainer<InfoHolder, boost::intrusive_ptr<InfoHolder>,

@@ -45,7 +45,7 @@ private:
     std::map<K, V> const* m_map;
 };
 
-extern template class MapIterator<unsigned int, boost::intrusive_ptr<InfoItemHolder>>;
+extern template class LEGACY_IF_API MapIterator<unsigned int, boost::intrusive_ptr<InfoItemHolder>>;
 
 /// The parameters of a directory by id and by name. Ids are unique; parameters of different sections may bear one name.
 /// The base walks them in ascending id order.
