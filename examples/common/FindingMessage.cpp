@@ -1,11 +1,14 @@
 #include "FindingMessage.h"
 
 #include <Legacy/If/Bool.h>
+#include <Legacy/If/Composite.h>
 #include <Legacy/If/Enum.h>
 #include <Legacy/If/Numeric.h>
+#include <Legacy/If/NumericArray.h>
 #include <Legacy/If/String.h>
 #include <Legacy/If/StringArray.h>
 
+#include <algorithm>
 #include <sstream>
 #include <string>
 
@@ -28,7 +31,7 @@ public:
                         TypeText_(m_item));
         if (OfNumber_<U8Traits, S8Traits, U16Traits, S16Traits, U32Traits, S32Traits, U64Traits, S64Traits, FloatTraits,
                       DoubleTraits>() ||
-            OfText_() || OfTexts_() || OfBool_() || OfEnum_())
+            OfText_() || OfTexts_() || OfBool_() || OfEnum_() || OfComposite_())
             return m_message;
         return Say_("TypesSystemIllegalValidatationError", TypeText_(m_item));
     }
@@ -46,7 +49,7 @@ private:
     template<typename... Traits>
     bool OfNumber_()
     {
-        return (OfNumberOf_<Traits>() || ...);
+        return ((OfNumberOf_<Traits>() || OfNumbersOf_<Traits>()) || ...);
     }
 
     template<typename Traits>
@@ -54,12 +57,36 @@ private:
     {
         auto const* info = dynamic_cast<NumericInfo<Traits> const*>(m_info);
         auto const* item = dynamic_cast<NumericItem<Traits> const*>(&m_item);
+        return info && item && IsOutside_(item->GetVal(), *info);
+    }
+
+    template<typename Traits>
+    bool OfNumbersOf_()
+    {
+        auto const* info = dynamic_cast<NumericArrayInfo<Traits> const*>(m_info);
+        auto const* item = dynamic_cast<NumericArrayItem<Traits> const*>(&m_item);
         if (!info || !item)
             return false;
-        if (item->GetVal() < info->GetMin())
-            Say_("TypesSystemNumericValidationMin", info->GetMin());
+        if (item->GetSize() < info->GetMinSize())
+            Say_("TypesSystemNumericArrayValidationMinSize", info->GetMinSize());
+        else if (item->GetSize() > info->GetMaxSize())
+            Say_("TypesSystemNumericArrayValidationMaxSize", info->GetMaxSize());
         else
-            Say_("TypesSystemNumericValidationMax", info->GetMax());
+            return std::any_of(item->Val().begin(), item->Val().end(),
+                               [&](auto value) { return IsOutside_(value, *info); });
+        return true;
+    }
+
+    template<typename Number, typename Info>
+    bool IsOutside_(Number value, Info const& info)
+    {
+        // The bounds of 8-bit numbers are shown as numbers, and not as the characters of that code.
+        if (value < info.GetMin())
+            Say_("TypesSystemNumericValidationMin", +info.GetMin());
+        else if (value > info.GetMax())
+            Say_("TypesSystemNumericValidationMax", +info.GetMax());
+        else
+            return false;
         return true;
     }
 
@@ -98,6 +125,23 @@ private:
         if (item)
             Say_("TypesSystemEnumValidationValue", item->GetVal());
         return item;
+    }
+
+    bool OfComposite_()
+    {
+        auto const* info = dynamic_cast<CompositeInfo const*>(m_info);
+        auto const* item = dynamic_cast<CompositeItem const*>(&m_item);
+        if (!info || !item)
+            return false;
+        if (item->GetSize() != info->GetSize()) {
+            Say_("TypesSystemCompositeValidationSize", item->GetSize());
+            return true;
+        }
+        unsigned int index = 0;
+        while (index < info->GetSize() && info->GetInfo(index)->IsEqualType(item->GetItem(index)))
+            ++index;
+        Say_("TypesSystemCompositeTypeMismatch", index);
+        return true;
     }
 
     void AddText_(std::string const& text) { m_message.AddArgument(StringItem::Create(0, text)); }
