@@ -1,0 +1,204 @@
+#include "Model.h"
+
+#include "Profile.h"
+#include "ValueText.h"
+
+#include <Legacy/If/ReturnCodes.h>
+
+#include <algorithm>
+#include <sstream>
+
+namespace HostNetwork {
+
+namespace {
+
+using namespace Legacy::If;
+
+using InfoHolderPtr = boost::intrusive_ptr<InfoHolder const>;
+using ItemHolderPtr = boost::intrusive_ptr<ItemHolder const>;
+
+/// A declared parameter with what the host has to say about it.
+struct Answer_t
+{
+    Parameter_t const* parameter;
+    std::vector<std::string> texts;
+};
+
+std::vector<Answer_t> Ask(HostReader const& host, SectionKind_t const& kind, Place_t const& place)
+{
+    std::vector<Answer_t> answers;
+    for (auto const& parameter : kind.parameters)
+        answers.push_back({&parameter, parameter.source(host, place)});
+    return answers;
+}
+
+/// Gives a parameter the value that the text stands for, if it stands for one.
+void SetText(Device& device, InfoBase const& info, boost::intrusive_ptr<ItemBase> const& item, std::string const& text,
+             Notes_t& notes)
+{
+    int const code = item ? device.SetItem(ItemHolderPtr(new ItemHolder(item))) : IfErrInvalidArgument;
+    if (code != 0)
+        notes.push_back(device.PathOf(info) + ": skipped, '" + Printable(text) + "' is no value of it");
+}
+
+void AddParameters(Device& device, SectionId const& section, std::vector<Answer_t> const& answers, Notes_t& notes)
+{
+    std::string const path = Printable(section.GetSectionName());
+    std::string missing;
+    for (auto const& [parameter, texts] : answers) {
+        bool const isPlain = parameter->repetitions == 1;
+        std::size_t const count = std::min<std::size_t>(texts.size(), parameter->repetitions);
+        for (unsigned int i = 0; i < std::max<std::size_t>(count, isPlain ? 1 : 0); ++i) {
+            auto const info = MakeInfo(section.GetInfoItemSectionId(), *parameter, i);
+            if (int const code = device.AddInfo(info))
+                notes.push_back(path + '/' + parameter->name + ": cannot be entered, code " + std::to_string(code));
+            else if (i < count)
+                SetText(device, *info->GetInfo(), ReadValue(info->GetInfo(), texts[i]), texts[i], notes);
+            else
+                missing += (missing.empty() ? "" : ", ") + parameter->name;
+        }
+        if (count < texts.size())
+            notes.push_back(path + '/' + parameter->name + ": " + std::to_string(texts.size() - count) + " of " +
+                            std::to_string(texts.size()) + " are left out, there is room for " + std::to_string(count));
+    }
+    if (!missing.empty())
+        notes.push_back(path + ": the host has no " + missing);
+}
+
+void DescribeSection(HostReader const& host, SectionKind_t const& kind, std::string const& interface, Device& device,
+                     Notes_t& notes)
+{
+    std::string const path = WithInterface(kind.path, interface);
+    auto const answers = Ask(host, kind, {WithInterface(kind.folder, interface), interface});
+    if (std::all_of(answers.begin(), answers.end(), [](auto const& answer) { return answer.texts.empty(); })) {
+        notes.push_back(Printable(path) + ": left out, the host has nothing of it");
+        return;
+    }
+    SectionId section;
+    if (int const code = device.AddSection(path, section)) {
+        notes.push_back(Printable(path) + ": left out, there can be no such section, code " + std::to_string(code));
+        return;
+    }
+    AddParameters(device, section, answers, notes);
+}
+
+/// The interfaces as far as there is room for them: a section holds a limited number of sections below it.
+std::vector<std::string> InterfacesWithRoom(HostReader const& host, Notes_t& notes)
+{
+    std::vector<std::string> names = host.Interfaces();
+    std::size_t const room = InfoItemSectionId::MaxSubsectionPerSubsection() + 1;
+    if (names.empty())
+        notes.push_back("interface: the host has no interfaces");
+    if (names.size() > room) {
+        notes.push_back("interface: " + std::to_string(names.size() - room) + " of " + std::to_string(names.size()) +
+                        " interfaces are left out, from " + Printable(names[room]) + " on: a section has room for " +
+                        std::to_string(room));
+        names.resize(room);
+    }
+    return names;
+}
+
+/// The declared parameter that a record is for.
+InfoHolderPtr InfoOf(InfoItemSectionId const& id, std::map<InfoItemSectionId, SectionKind_t const*> const& kinds)
+{
+    auto const kind = kinds.find(id.GetSectionId(id.Depth()));
+    unsigned int const number = id.GetInfoItemSubsectionId();
+    if (!id.IsValidInfoItemId() || kind == kinds.end() || kind->first.CreateInfoItemId(number) != id)
+        return nullptr;
+    auto const* const parameter = FindParameter(*kind->second, number);
+    return parameter ? MakeInfo(kind->first, *parameter, number - parameter->number) : nullptr;
+}
+
+std::string Hex(unsigned int number)
+{
+    std::ostringstream text;
+    text << "0x" << std::hex << number;
+    return text.str();
+}
+
+void Expect(int code, std::string const& what)
+{
+    if (code != 0)
+        throw RecordFileError("the records are of no device that this program knows: " + Printable(what) + ", code " +
+                              std::to_string(code));
+}
+
+std::string Dumped(InfoBase const& info)
+{
+    std::ostringstream text;
+    info.DumpVal(text);
+    text << info;
+    return text.str();
+}
+
+bool HaveEqualValues(Device::Parameter_t const& left, Device::Parameter_t const& right)
+{
+    if (!left->GetItem() || !right->GetItem())
+        return !left->GetItem() && !right->GetItem();
+    return left->GetItem()->GetItem()->IsEqualValue(right->GetItem()->GetItem());
+}
+
+} // namespace
+
+void DescribeHost(HostReader const& host, Device& device, Notes_t& notes)
+{
+    auto const interfaces = InterfacesWithRoom(host, notes);
+    for (auto const& kind : SectionKinds()) {
+        if (kind.parameters.empty())
+            continue; // comes into being with the first section below it
+        if (WithInterface(kind.path, "") == kind.path) {
+            DescribeSection(host, kind, "", device, notes);
+            continue;
+        }
+        for (auto const& interface : interfaces)
+            DescribeSection(host, kind, interface, device, notes);
+    }
+}
+
+void Rebuild(Records_t const& records, Device& device)
+{
+    auto const delta = std::make_shared<InfoItemDirectoryDelta>();
+    std::map<InfoItemSectionId, SectionKind_t const*> kinds;
+    for (auto const& section : records.sections) {
+        auto const* const kind = FindSectionKind(section.GetSectionName());
+        Expect(kind ? delta->AddSection(section) : IfErrNotFound, "section " + section.GetSectionName());
+        kinds[section.GetInfoItemSectionId()] = kind;
+        for (auto const& parameter : kind->parameters) {
+            if (parameter.repetitions == 1)
+                delta->AddInfo(MakeInfo(section.GetInfoItemSectionId(), parameter, 0));
+        }
+    }
+    for (auto const& item : records.items) {
+        auto const info = InfoOf(item->GetId(), kinds);
+        Expect(info ? 0 : IfErrNotFound, "parameter " + Hex(item->GetId()));
+        delta->AddInfo(info); // refused for those that are there already
+        ItemHolderPtr const holder(new ItemHolder(item));
+        Expect(delta->AddItem(holder), "a second value of parameter " + Hex(item->GetId()));
+    }
+    Expect(device.UpdateFromDelta(delta, true, true), "an update with sections or values that do not fit");
+}
+
+std::vector<std::string> Differences(Device const& left, Device const& right)
+{
+    std::vector<std::string> differences;
+    if (left.GetSections() != right.GetSections())
+        differences.emplace_back("the sections are not the same");
+    std::vector<Device::Parameter_t> parameters;
+    right.GetAllInfoItems(parameters);
+    std::size_t const count = parameters.size();
+    left.GetAllInfoItems(parameters);
+    if (parameters.size() != count)
+        differences.emplace_back("the numbers of parameters are not the same");
+    for (auto const& parameter : parameters) {
+        auto const& info = *parameter->GetInfo()->GetInfo();
+        auto const other = right.FindInfoItem(info.GetId());
+        // Schemas are compared by their texts: enumerations, for one, never count as equally bounded.
+        if (!other || Dumped(info) != Dumped(*other->GetInfo()->GetInfo()))
+            differences.push_back(left.PathOf(info) + ": the schemas differ");
+        else if (!HaveEqualValues(parameter, other))
+            differences.push_back(left.PathOf(info) + ": the values differ");
+    }
+    return differences;
+}
+
+} // namespace HostNetwork

@@ -1,0 +1,217 @@
+#include "Report.h"
+
+#include "ValueText.h"
+#include "common/FindingMessage.h"
+
+#include <Legacy/If/FormattedInfoItemDump.h>
+#include <Legacy/If/Result.h>
+#include <Orlek/LogManager.h>
+#include <Orlek/LoggerFacade.h>
+
+#include <algorithm>
+#include <iomanip>
+#include <map>
+#include <sstream>
+
+namespace HostNetwork {
+
+namespace {
+
+using namespace Legacy::If;
+
+constexpr std::size_t k_lineLength = 118;
+constexpr std::size_t k_notesShown = 5;
+constexpr std::size_t k_findingsShown = 12;
+constexpr char const* k_indent = "  ";
+
+std::string SectionNumber(SectionId const& section)
+{
+    std::ostringstream text;
+    text << "0x" << std::hex << std::setfill('0') << std::setw(8)
+         << static_cast<unsigned int>(section.GetInfoItemSectionId());
+    return text.str();
+}
+
+std::string SizeText(std::size_t bytes)
+{
+    std::ostringstream text;
+    if (bytes < 1024)
+        text << Count(bytes, "byte");
+    else
+        text << std::fixed << std::setprecision(1) << static_cast<double>(bytes) / 1024.0 << " KiB";
+    return text.str();
+}
+
+/// Lets the log speak about one finding and returns what reached it.
+std::string Logged(Finding_t const& finding)
+{
+    std::ostringstream log;
+    auto& manager = Orlek::LogManager::Instance();
+    manager.AddConsoleSink(log);
+    finding.result.LogResults(manager.GetLogger("HostNetwork"), finding.path);
+    manager.RemoveConsoleSink(log);
+    // The line ends with the place in the code that logs findings, which is the same for all.
+    std::string const line = log.str();
+    return line.substr(0, line.rfind(" ("));
+}
+
+/// The interface whose values serve as example: one with an address, and the loopback only where there is no other.
+std::string ExampleInterface(Device const& device, std::vector<SectionId> const& sections)
+{
+    auto const rank = [&](std::string const& path) {
+        return path == "interface/lo" ? 1 : device.FindInfo(path + "/ipv4", "address 1") ? 3 : 2;
+    };
+    std::string example;
+    for (auto const& section : sections) {
+        std::string const& path = section.GetSectionName();
+        bool const isInterface = path.starts_with("interface/") && section.GetSectionDepth() == 2;
+        if (isInterface && (example.empty() || rank(path) > rank(example)))
+            example = path;
+    }
+    return example;
+}
+
+} // namespace
+
+void Report::Title(std::string const& text)
+{
+    if (!IsQuiet_())
+        m_out << text << '\n';
+}
+
+void Report::Heading(std::string const& text)
+{
+    if (!IsQuiet_())
+        m_out << '\n' << text << '\n';
+}
+
+void Report::Line(std::string const& text)
+{
+    if (!IsQuiet_())
+        m_out << k_indent << Cut_(text) << '\n';
+}
+
+void Report::Notes(Notes_t const& notes)
+{
+    if (notes.empty())
+        return;
+    Heading("Not to be had from this host (" + std::to_string(notes.size()) + ")");
+    std::size_t const shown = IsFull_() ? notes.size() : std::min(notes.size(), k_notesShown);
+    for (std::size_t i = 0; i < shown; ++i)
+        Line(notes[i]);
+    if (shown < notes.size())
+        Line("... and " + std::to_string(notes.size() - shown) + " more, see --full");
+}
+
+void Report::Sections(Device const& device, std::vector<Finding_t> const& findings)
+{
+    if (IsQuiet_())
+        return;
+    auto const sections = device.GetSections();
+    auto const parameters = device.GetParameters();
+    std::map<InfoItemSectionId, std::size_t> numFindings;
+    for (auto const& finding : findings) {
+        InfoItemSectionId const id(finding.result.GetId());
+        ++numFindings[id.GetSectionId(id.Depth())];
+    }
+    std::size_t width = 0;
+    for (auto const& section : sections)
+        width = std::max(width, section.GetSectionName().size());
+
+    Heading("Sections (" + std::to_string(sections.size()) + ")");
+    int const column = static_cast<int>(std::min<std::size_t>(width, 60)) + 2;
+    m_out << k_indent << std::left << std::setw(column) << "path"
+          << "id          parameters  values  findings\n";
+    for (auto const& section : sections) {
+        auto const found = parameters.find(section.GetInfoItemSectionId());
+        auto const here = found == parameters.end() ? std::vector<Device::Parameter_t>() : found->second;
+        auto const values =
+            std::count_if(here.begin(), here.end(), [](auto const& p) { return p->GetItem() != nullptr; });
+        m_out << k_indent << std::left << std::setw(column) << Printable(section.GetSectionName())
+              << SectionNumber(section) << std::right << std::setw(12) << here.size() << std::setw(8) << values
+              << std::setw(10) << numFindings[section.GetInfoItemSectionId()] << '\n';
+    }
+}
+
+void Report::Values(Device const& device)
+{
+    auto const sections = device.GetSections();
+    auto parameters = device.GetParameters();
+    std::string const interface = ExampleInterface(device, sections);
+    bool isShown = m_options.section.empty();
+    for (auto const& section : sections) {
+        std::string const& path = section.GetSectionName();
+        bool const isWanted = IsWanted_(path, interface);
+        isShown = isShown || isWanted;
+        auto const& here = parameters[section.GetInfoItemSectionId()];
+        if (!isWanted || here.empty())
+            continue;
+        Heading("Values of " + Printable(path));
+        for (auto const& parameter : here) {
+            std::ostringstream line;
+            FormattedInfoItemDump(line, parameter->GetInfo()->GetInfo(),
+                                  parameter->GetItem() ? parameter->GetItem()->GetItem() : nullptr);
+            Line(Printable(line.str()));
+        }
+    }
+    if (!isShown)
+        throw UsageError("there is no section '" + m_options.section + "'");
+}
+
+void Report::Findings(Result const& all, std::vector<Finding_t> const& findings)
+{
+    if (IsQuiet_())
+        return;
+    Heading("Findings: values outside their schema (" + std::to_string(all.GetNumResults()) + ")");
+    std::size_t shown = 0;
+    for (auto const& finding : findings) {
+        if (!IsChosen_(finding.path) || (!IsFull_() && shown == k_findingsShown))
+            continue;
+        ++shown;
+        std::string const unit = finding.unit.empty() ? "" : ' ' + finding.unit;
+        Line(Logged(finding) + " = " + ShowValue(*finding.info, *finding.item) + unit);
+        Line("    " + Examples::FindingMessage(finding.info, *finding.item).GetString(m_options.language));
+    }
+    if (shown < findings.size())
+        Line("... and " + std::to_string(findings.size() - shown) + " more, see --full");
+}
+
+void Report::Summary(Device const& device, Summary_t const& summary)
+{
+    std::vector<Device::Parameter_t> parameters;
+    device.GetAllInfoItems(parameters);
+    auto const values =
+        std::count_if(parameters.begin(), parameters.end(), [](auto const& p) { return p->GetItem() != nullptr; });
+    Heading("Summary");
+    m_out << "  sections    " << device.GetSections().size() << '\n'
+          << "  parameters  " << parameters.size() << ", " << values << " of them with a value\n"
+          << "  records     " << summary.records << " in a file of " << SizeText(summary.fileSize) << '\n'
+          << "  findings    " << summary.findings << '\n'
+          << "  time        " << std::fixed << std::setprecision(1)
+          << std::chrono::duration<double, std::milli>(summary.time).count() << " ms\n";
+}
+
+bool Report::IsChosen_(std::string const& path) const
+{
+    std::string const& chosen = m_options.section;
+    return chosen.empty() || path == chosen || path.starts_with(chosen + SectionId::k_sectionDelim);
+}
+
+bool Report::IsWanted_(std::string const& path, std::string const& interface) const
+{
+    if (IsFull_() || !m_options.section.empty())
+        return IsChosen_(path);
+    return path == "host" || path == interface || path == interface + "/ipv4";
+}
+
+std::string Report::Cut_(std::string text) const
+{
+    if (IsFull_() || text.size() <= k_lineLength)
+        return text;
+    std::size_t end = k_lineLength - 3;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+        --end; // not in the middle of a character
+    return text.substr(0, end) + "...";
+}
+
+} // namespace HostNetwork

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <Legacy/If/InfoBase.h>
+#include <Legacy/If/ItemBase.h>
+
+#include <boost/smart_ptr/intrusive_ptr.hpp>
+
+#include <cstddef>
+#include <string>
+
+namespace HostNetwork {
+
+/// Makes a value out of the text that the host gives for a parameter.
+///
+/// The library does the reading. It takes what it is given at the front of a text, and of a number the bytes that fit,
+/// so a value counts only if it prints as the text it was read from.
+/// @return null if the text is no value of the schema's type; whether the value lies within the schema is not asked.
+boost::intrusive_ptr<Legacy::If::ItemBase> ReadValue(boost::intrusive_ptr<Legacy::If::InfoBase const> const& info,
+                                                     std::string const& text);
+
+/// A value for people: like the library's own text, but with the name of an enumeration's element.
+std::string ShowValue(Legacy::If::InfoBase const& info, Legacy::If::ItemBase const& item);
+
+/// A number of things, such as "1 record" and "2 records".
+std::string Count(std::size_t number, std::string const& thing);
+
+/// The text without characters that could confuse a terminal.
+std::string Printable(std::string text);
+
+} // namespace HostNetwork
