@@ -162,8 +162,7 @@ std::shared_ptr<ResultElem const> AppEndpointArrayItem::Validate(boost::intrusiv
 bool AppEndpointArrayItem::SetValFromStream(std::istream&, std::ostream& out,
                                             boost::intrusive_ptr<InfoBase const> const&)
 {
-    out << "Impl. me";
-    return false;
+    return Detail::NotReadable(out);
 }
 
 void AppEndpointArrayItem::DumpVal(std::ostream& os) const { Detail::DumpValue(os, *this); }

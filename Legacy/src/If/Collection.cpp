@@ -1,4 +1,5 @@
 #include "Cast.h"
+#include "Text.h"
 
 #include <Legacy/If/Collection.h>
 
@@ -43,8 +44,7 @@ std::shared_ptr<ResultElem const> CollectionItem::Validate(boost::intrusive_ptr<
 
 bool CollectionItem::SetValFromStream(std::istream&, std::ostream& out, boost::intrusive_ptr<InfoBase const> const&)
 {
-    out << "Impl. me";
-    return false;
+    return Detail::NotReadable(out);
 }
 
 } // namespace Legacy::If

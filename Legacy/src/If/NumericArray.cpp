@@ -2,6 +2,7 @@
 #include "Change.h"
 #include "Finding.h"
 #include "NumericList.h"
+#include "Parts.h"
 #include "SerialRecord.h"
 #include "Source.h"
 #include "Text.h"
@@ -20,7 +21,6 @@ namespace {
 
 constexpr unsigned int k_initialMinSize = 1;
 constexpr unsigned int k_initialMaxSize = 0x7FFFFFFF;
-constexpr unsigned int k_rectNumbers = 4; // of a rectangle
 
 } // namespace
 
@@ -128,8 +128,9 @@ int NumericArrayInfo<T>::AssignRects_(RectArrayInfo<U16Traits> const& schema, bo
     auto const bottomRight = schema.BottomRight();
     auto const axes = {topLeft->X(), topLeft->Y(), bottomRight->X(), bottomRight->Y()};
     Detail::Change change;
-    change.Assign(m_size, SizeBounds(k_rectNumbers * schema.GetMinSize(), k_rectNumbers * schema.GetMaxSize()));
-    change.Resize(m_default, k_rectNumbers);
+    change.Assign(m_size,
+                  SizeBounds(Detail::k_rectNumbers * schema.GetMinSize(), Detail::k_rectNumbers * schema.GetMaxSize()));
+    change.Resize(m_default, Detail::k_rectNumbers);
     auto number = m_default.begin();
     unsigned short min = U16Traits::k_defaultMax;
     unsigned short max = U16Traits::k_defaultMin;
@@ -204,7 +205,7 @@ int NumericArrayItem<T>::AssignArrayValue(boost::intrusive_ptr<ItemBase const> c
         break;
     case IfType_t::Rectangle:
         code = Detail::VisitShape<RectItem>(*source, [this, index, &change](auto const& rect) {
-            change.GrowTo(m_value, index, k_rectNumbers);
+            change.GrowTo(m_value, index, Detail::k_rectNumbers);
             change.Note(AssignRect_(index, rect));
             return 0;
         });
@@ -213,11 +214,11 @@ int NumericArrayItem<T>::AssignArrayValue(boost::intrusive_ptr<ItemBase const> c
         auto const* const list = Detail::CastTo<RectArrayItem<U16Traits>>(source);
         if (!list)
             return IfErrTypeNotAssignable;
-        change.Resize(m_value, k_rectNumbers * list->Val().size());
+        change.Resize(m_value, Detail::k_rectNumbers * list->Val().size());
         std::size_t place = 0;
         for (auto const& rect : list->Val()) {
             change.Note(AssignRect_(place, rect));
-            place += k_rectNumbers;
+            place += Detail::k_rectNumbers;
         }
         break;
     }

@@ -10,6 +10,9 @@ namespace Legacy::If::Detail {
 
 /// What points and rectangles, which are made of two parts each, share.
 
+/// The numbers of a rectangle, wherever rectangles meet lists of numbers.
+inline constexpr unsigned int k_rectNumbers = 4;
+
 /// Assigns both parts of a schema or a value, the second also after a failure of the first. Returns the first failure.
 template<typename Part, typename Source>
 int AssignBoth(Change& change, Part& first, Source const& firstSource, Part& second, Source const& secondSource)

@@ -20,7 +20,6 @@ namespace Legacy::If {
 namespace {
 
 constexpr unsigned int k_initialMaxSize = 0x7FFFFFFF;
-constexpr unsigned int k_numbers = 4; // of a rectangle
 // Contract: the greatest number of rectangles that a list holds is the same on every machine, whatever its memory.
 constexpr std::uint64_t k_maxRects = 0x0CCCCCCC;
 
@@ -107,10 +106,11 @@ int RectArrayInfo<T>::AssignNumbers_(Schema const& schema, bool* changed)
     auto const& numbers = schema.GetDefault();
     unsigned int const minSize = schema.GetMinSize();
     unsigned int const maxSize = schema.GetMaxSize();
-    if (minSize % k_numbers != 0 || maxSize % k_numbers != 0 || (!numbers.empty() && numbers.size() != k_numbers))
+    if (minSize % Detail::k_rectNumbers != 0 || maxSize % Detail::k_rectNumbers != 0 ||
+        (!numbers.empty() && numbers.size() != Detail::k_rectNumbers))
         return IfErrInvalidArgument;
     Detail::Change change;
-    change.Assign(m_size, SizeBounds(minSize / k_numbers, maxSize / k_numbers));
+    change.Assign(m_size, SizeBounds(minSize / Detail::k_rectNumbers, maxSize / Detail::k_rectNumbers));
     if (numbers.empty())
         return change.Report(changed);
     auto const least = Detail::ConvertTo<typename T::T>(schema.GetMin());
