@@ -7,8 +7,8 @@
     done
     benchmarks/ratios.py *_bench.json
 
-Rows are named operation/subject/library. For every operation and subject that both we and a peer have, the table tells
-how many times as long as ours the peer's median takes: above 1 we are faster. Processor time is compared, which a busy
+Rows are named operation/subject/library or Operation<Library>/size. For every operation and subject that both we and a
+peer have, the table tells how many times as long as ours the peer's median takes: above 1 we are faster. Processor time is compared, which a busy
 machine distorts least; rows of several threads are compared by the clock.
 """
 
@@ -16,7 +16,12 @@ import json
 import re
 import sys
 
-OURS = "legacyif"
+SLASHES = re.compile(r"(?P<operation>[^/<]+)/(?P<subject>[^/]+)/(?P<library>[a-z][^/]*)")
+ANGLES = re.compile(r"(?P<operation>\w+?)(Into)?(<(?P<library>.+)>|(?P<peer>FlatMap))?/(?P<subject>\d+)")
+
+
+def is_ours(library):
+    return library == "legacyif" or library.startswith("Our")
 
 
 def read_medians(paths):
@@ -29,25 +34,26 @@ def read_medians(paths):
                 # Without repetitions the one result stands for the median.
                 if row["run_type"] == "aggregate" and row["aggregate_name"] != "median":
                     continue
-                operation, subject, library = re.sub(r"/(real_time|threads:\d+|iterations:\d+)", "",
-                                                     row["run_name"]).split("/")
+                name = re.sub(r"/(real_time|threads:\d+|iterations:\d+)", "", row["run_name"])
+                parts = (SLASHES.fullmatch(name) or ANGLES.fullmatch(name)).groupdict()
+                library = parts["library"] or parts.get("peer") or "Ours"
                 clock = "real_time" if row.get("threads", 1) > 1 else "cpu_time"
-                peers = medians.setdefault(operation, {}).setdefault(subject, {})
-                peers[library] = row.get("bytes/object", row[clock])
+                rows = medians.setdefault((parts["operation"], parts["subject"]), {})
+                rows[library] = row.get("bytes/object", row[clock])
     return medians
 
 
 def main():
-    medians = read_medians(sys.argv[1:])
     print("| operation | subject | beside ours |")
     print("|---|---|---|")
-    for operation, subjects in medians.items():
-        for subject, peers in subjects.items():
-            ours = peers.pop(OURS, None)
-            if ours is None or not peers:
+    for (operation, subject), rows in read_medians(sys.argv[1:]).items():
+        peers = {name: time for name, time in rows.items() if not is_ours(name)}
+        for name, ours in rows.items():
+            if not is_ours(name) or not peers:
                 continue
-            ratios = ", ".join(f"{name} {value / ours:.2g}" for name, value in peers.items())
-            print(f"| {operation} | {subject} | {ratios} |")
+            label = f"{operation}, {name[3:]}" if name.startswith("Our") and name != "Ours" else operation
+            ratios = ", ".join(f"{peer} {time / ours:.2g}" for peer, time in peers.items())
+            print(f"| {label} | {subject} | {ratios} |")
 
 
 if __name__ == "__main__":
