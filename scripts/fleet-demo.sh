@@ -4,11 +4,11 @@
 # end, and the result is 0 only if all of this was seen.
 # usage: fleet-demo.sh [--build-dir DIR]     DIR holds a finished build; without it, one is made
 set -euo pipefail
-cd "$(dirname "$0")/.."
 
 if [ $# -eq 2 ] && [ "$1" = --build-dir ]; then
-    build_dir=$2
+    build_dir=$(realpath "$2")
 elif [ $# -eq 0 ]; then
+    cd "$(dirname "$0")/.."
     echo "Building (the first time takes a few minutes) …"
     build_log=$(mktemp)
     ./scripts/build.sh release fleet_device fleet_controller >"$build_log" 2>&1 ||
@@ -20,6 +20,7 @@ else
     exit 2
 fi
 programs=$build_dir/examples/fleet
+[ -x "$programs/fleet_controller" ] || { echo "there are no programs in $programs" >&2; exit 1; }
 mosquitto=$(PATH=$PATH:/usr/sbin:/usr/local/sbin command -v mosquitto) || { echo "mosquitto is not installed" >&2; exit 1; }
 
 work=$(mktemp -d)
@@ -50,6 +51,7 @@ fail() {
 start() {
     local name=$1
     shift
+    : >>"$work/$name.log"
     "$@" <&0 >>"$work/$name.log" 2>&1 9>&- &
     pids[$name]=$!
 }

@@ -203,14 +203,9 @@ std::string PathOf(InfoItemDirectory const& directory, InfoBase const& info)
 
 std::string Shown(InfoHolder const& info, ItemBase const& item)
 {
-    std::string text = item.GetValAsString();
-    auto const* choices = dynamic_cast<EnumInfo const*>(info.GetInfo().get());
-    auto const* chosen = dynamic_cast<EnumItem const*>(&item);
-    if (choices && chosen)
-        choices->GetElemName(chosen->GetVal(), text);
-    if (auto const unit = info.GetUnit(); !unit.empty())
-        text += ' ' + unit;
-    return Printable(text);
+    std::string const text = Examples::ShowValue(*info.GetInfo(), item);
+    std::string const unit = info.GetUnit();
+    return unit.empty() ? text : text + ' ' + unit;
 }
 
 ItemPtr ReadValue(InfoPtr const& info, std::string const& text, std::string& error)

@@ -120,14 +120,6 @@ std::vector<bool> WaitReadable(std::initializer_list<int> descriptors, std::chro
     return readable;
 }
 
-std::string Printable(std::string_view text)
-{
-    std::string shown(text);
-    std::replace_if(
-        shown.begin(), shown.end(), [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7f'; }, '?');
-    return shown;
-}
-
 void Log(Orlek::LogLevel_t level, std::string const& text)
 {
     static auto const logger = Orlek::LogManager::Instance().GetLogger("Example.Fleet");

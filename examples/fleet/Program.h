@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/ValueText.h"
+
 #include <Net/AddrStr.h>
 #include <Net/Endpoint.h>
 #include <Orlek/LogLevel.h>
@@ -18,6 +20,8 @@
 
 /// What the programs of the fleet do alike around their work.
 namespace Fleet {
+
+using Examples::Printable;
 
 /// The command line cannot be understood; the text says why.
 class UsageError : public std::runtime_error
@@ -78,9 +82,6 @@ private:
 /// over.
 /// @return for each descriptor whether it can be read
 std::vector<bool> WaitReadable(std::initializer_list<int> descriptors, std::chrono::milliseconds time);
-
-/// The text as one may show it on a terminal, whoever wrote it: control characters become '?'.
-std::string Printable(std::string_view text);
 
 /// Writes to the log, which goes to the standard error stream.
 void Log(Orlek::LogLevel_t level, std::string const& text);

@@ -79,26 +79,9 @@ boost::intrusive_ptr<ItemBase> ReadValue(boost::intrusive_ptr<InfoBase const> co
     return item;
 }
 
-std::string ShowValue(InfoBase const& info, ItemBase const& item)
-{
-    auto const* const schema = dynamic_cast<EnumInfo const*>(&info);
-    auto const* const value = dynamic_cast<EnumItem const*>(&item);
-    std::string name;
-    if (schema && value && schema->GetElemName(value->GetVal(), name) == 0)
-        return Printable(name);
-    return Printable(item.GetValAsString());
-}
-
 std::string Count(std::size_t number, std::string const& thing)
 {
     return std::to_string(number) + ' ' + thing + (number == 1 ? "" : "s");
-}
-
-std::string Printable(std::string text)
-{
-    std::replace_if(
-        text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; }, '?');
-    return text;
 }
 
 } // namespace HostNetwork

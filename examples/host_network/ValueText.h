@@ -1,5 +1,7 @@
 #pragma once
 
+#include "common/ValueText.h"
+
 #include <Legacy/If/InfoBase.h>
 #include <Legacy/If/ItemBase.h>
 
@@ -10,6 +12,9 @@
 
 namespace HostNetwork {
 
+using Examples::Printable;
+using Examples::ShowValue;
+
 /// Makes a value out of the text that the host gives for a parameter.
 ///
 /// The library does the reading. It takes what it is given at the front of a text, and of a number the bytes that fit,
@@ -18,13 +23,7 @@ namespace HostNetwork {
 boost::intrusive_ptr<Legacy::If::ItemBase> ReadValue(boost::intrusive_ptr<Legacy::If::InfoBase const> const& info,
                                                      std::string const& text);
 
-/// A value for people: like the library's own text, but with the name of an enumeration's element.
-std::string ShowValue(Legacy::If::InfoBase const& info, Legacy::If::ItemBase const& item);
-
 /// A number of things, such as "1 record" and "2 records".
 std::string Count(std::size_t number, std::string const& thing);
-
-/// The text without characters that could confuse a terminal.
-std::string Printable(std::string text);
 
 } // namespace HostNetwork
