@@ -65,7 +65,7 @@ std::shared_ptr<ResultElem const> CompositeItem::Validate(boost::intrusive_ptr<I
     auto const schemas = Detail::MemberAccess::Of(*schema).View();
     auto const items = m_members.View();
     for (unsigned int i = 0; i < items.size(); ++i) {
-        if (!schemas[i]->IsEqualType(items[i]))
+        if (!schemas[i]->IsEqualType(Detail::Borrowed(items[i]).Pointer()))
             return Detail::MakeFinding("TypesSystemCompositeTypeMismatch", info, *this, {Detail::DefaultText(i)});
     }
     return {};

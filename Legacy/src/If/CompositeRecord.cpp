@@ -1,6 +1,8 @@
 #include "MemberWalk.h"
 #include "SerialRecord.h"
 
+#include <Legacy/If/Numeric.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <limits>
@@ -14,70 +16,62 @@ constexpr std::size_t k_headerSize = offsetof(ItemBase::SerialStruct_t, data);
 constexpr std::size_t k_countSize = sizeof(std::uint16_t);
 constexpr std::uint64_t k_tooLarge = std::numeric_limits<std::uint32_t>::max(); // what no size word may say
 
-/// The predicted payload sizes of the composites at all depths, each before those inside it: measured once, since
-/// asking each composite on the way down would measure the deepest once for each level.
-using Sizes = std::vector<std::uint64_t>;
-
-/// The payload size of a composite, or some number too large for a record. `inner` collects the sizes of the composites
-/// within, if it is not null.
-std::uint64_t Measure(MemberList<ItemBase> const& members, Sizes* inner)
+/// The payload size of a composite, or some number too large for a record.
+std::uint64_t Measure(MemberList<ItemBase> const& members)
 {
     struct Step
     {
         Detail::Remaining<ItemBase> left;
-        std::size_t place;  // in `inner`
-        std::uint64_t size; // so far
+        std::uint64_t size = k_countSize; // so far
     };
-    Detail::Path<Step> path(Step{Detail::Remaining(members), 0, k_countSize});
+    Detail::Path<Step> path(Step{Detail::Remaining(members)});
     for (;;) {
         Step& here = path.Here();
         if (here.size >= k_tooLarge)
             return here.size;
         if (here.left.Empty()) {
             std::uint64_t const size = here.size;
-            std::size_t const place = here.place;
             if (!path.Ascend())
                 return size;
             path.Here().size += size;
-            if (inner)
-                (*inner)[place] = size;
             continue;
         }
         here.size += k_headerSize;
         ItemBase const& member = *here.left.Take();
-        if (!Detail::IsExactly<CompositeItem>(member)) {
+        if (Detail::IsExactly<CompositeItem>(member))
+            path.Descend(Step{Detail::Remaining(Detail::MemberAccess::Of(static_cast<CompositeItem const&>(member)))});
+        else
             here.size += member.GetSerialDataSize();
-            continue;
-        }
-        auto const& nested = static_cast<CompositeItem const&>(member);
-        path.Descend(Step{Detail::Remaining(Detail::MemberAccess::Of(nested)), inner ? inner->size() : 0, k_countSize});
-        if (inner)
-            inner->push_back(0);
     }
 }
 
-/// A payload in the making. It has room for what was predicted and grows for members that write more than they said.
+/// A payload in the making, which grows as it is written. A small one stands on the stack until it is done.
 class Payload
 {
 public:
-    explicit Payload(std::size_t room) : m_bytes(new unsigned char[room]), m_room(room) {}
-
     std::size_t Size() const noexcept { return m_size; }
-    unsigned char* Release() noexcept { return m_bytes.release(); }
+
+    /// Room for so many bytes more, to be written by the caller.
+    unsigned char* Extend(std::size_t size)
+    {
+        if (size > m_room - m_size)
+            Grow_(size);
+        unsigned char* const place = m_bytes + m_size;
+        m_size += size;
+        return place;
+    }
 
     void Put(void const* bytes, std::size_t size)
     {
-        unsigned char* const place = Extend_(size);
         if (size != 0)
-            std::memcpy(place, bytes, size);
+            std::memcpy(Extend(size), bytes, size);
     }
 
     void PutHeader(ItemBase::SerialStruct_t const& header) { Put(&header, k_headerSize); }
 
+    /// Contract: the count wraps at 16 bits while all members are written; a reader takes those that the count tells.
     void PutCount(std::size_t count)
     {
-        // Contract: the count wraps at 16 bits while all members are written; a reader takes those that the count
-        // tells.
         auto const word = boost::endian::native_to_big(static_cast<std::uint16_t>(count));
         Put(&word, sizeof(word));
     }
@@ -87,7 +81,7 @@ public:
     {
         if (size > m_size) {
             std::size_t const gap = size - m_size;
-            std::memset(Extend_(gap), 0, gap);
+            std::memset(Extend(gap), 0, gap);
         }
     }
 
@@ -95,37 +89,42 @@ public:
     void CloseHeader(std::size_t end) noexcept
     {
         auto const word = boost::endian::native_to_big(static_cast<std::uint32_t>(m_size - end));
-        std::memcpy(m_bytes.get() + end - k_headerSize + offsetof(ItemBase::SerialStruct_t, size), &word, sizeof(word));
+        std::memcpy(m_bytes + end - k_headerSize + offsetof(ItemBase::SerialStruct_t, size), &word, sizeof(word));
+    }
+
+    /// The payload in storage of its own size.
+    std::unique_ptr<unsigned char[]> Take() const
+    {
+        std::unique_ptr<unsigned char[]> bytes(new unsigned char[m_size]);
+        std::memcpy(bytes.get(), m_bytes, m_size);
+        return bytes;
     }
 
 private:
-    unsigned char* Extend_(std::size_t size)
-    {
-        if (size > m_room - m_size)
-            Grow_(size);
-        unsigned char* const place = m_bytes.get() + m_size;
-        m_size += size;
-        return place;
-    }
-
     void Grow_(std::size_t size)
     {
         if (size > std::numeric_limits<std::size_t>::max() / 2 - m_size)
             throw std::bad_alloc();
         std::size_t const room = (m_size + size) * 2;
-        std::unique_ptr<unsigned char[]> bytes(new unsigned char[room]);
-        std::memcpy(bytes.get(), m_bytes.get(), m_size);
-        m_bytes = std::move(bytes);
+        std::unique_ptr<unsigned char[]> grown(new unsigned char[room]);
+        std::memcpy(grown.get(), m_bytes, m_size);
+        m_grown = std::move(grown);
+        m_bytes = m_grown.get();
         m_room = room;
     }
 
-    std::unique_ptr<unsigned char[]> m_bytes;
-    std::size_t m_room;
+    unsigned char m_small[2048];
+    std::unique_ptr<unsigned char[]> m_grown;
+    unsigned char* m_bytes = m_small;
+    std::size_t m_room = sizeof(m_small);
     std::size_t m_size = 0;
 };
 
-/// Header and payload as the member itself writes them, whatever code it returns.
-void PutMember(Payload& payload, ItemBase const& member)
+/// Writes a member's record and returns the payload size that the member predicts.
+using Writer = std::uint64_t (*)(Payload& payload, ItemBase const& member);
+
+/// Any member: header and payload as it writes them itself, whatever code it returns.
+std::uint64_t PutMember(Payload& payload, ItemBase const& member)
 {
     ItemBase::SerialStruct_t record;
     member.Serialize(&record);
@@ -135,42 +134,93 @@ void PutMember(Payload& payload, ItemBase const& member)
     payload.PutHeader(record);
     if (record.data)
         payload.Put(record.data, size);
+    return member.GetSerialDataSize();
 }
 
-/// Writes the payload of a composite of the predicted size, with those of the composites within, whose predicted sizes
-/// are `inner`.
-void PutMembers(Payload& payload, MemberList<ItemBase> const& members, std::uint64_t size, Sizes const& inner)
+/// A number, which is what most members are: the same bytes without an allocation in between.
+template<typename Traits>
+std::uint64_t PutNumber(Payload& payload, ItemBase const& member)
+{
+    auto const value = static_cast<NumericItem<Traits> const&>(member).GetVal();
+    ItemBase::SerialStruct_t header;
+    header.id = boost::endian::native_to_big(static_cast<std::uint32_t>(member.GetId()));
+    header.size = boost::endian::native_to_big(static_cast<std::uint32_t>(sizeof(value)));
+    header.type = static_cast<unsigned char>(IfType_t::Numeric);
+    header.numericType = static_cast<unsigned char>(Traits::k_numericType);
+    payload.PutHeader(header);
+    Detail::PayloadWriter(payload.Extend(sizeof(value))).Put(value);
+    return sizeof(value);
+}
+
+/// Finds the writer for a member by its exact class. Neighbours are mostly of one class, so the last answer is kept.
+class Writers
+{
+public:
+    Writer For(ItemBase const& member) noexcept
+    {
+        std::type_info const* const type = &typeid(member);
+        if (type != m_type) {
+            m_type = type;
+            m_writer = Find_<U8Traits, S8Traits, U16Traits, S16Traits, U32Traits, S32Traits, U64Traits, S64Traits,
+                             FloatTraits, DoubleTraits>(member);
+        }
+        return m_writer;
+    }
+
+private:
+    template<typename... Traits>
+    static Writer Find_(ItemBase const& member) noexcept
+    {
+        Writer writer = &PutMember;
+        ((Detail::IsExactly<NumericItem<Traits>>(member) ? void(writer = &PutNumber<Traits>) : void()), ...);
+        return writer;
+    }
+
+    std::type_info const* m_type = nullptr;
+    Writer m_writer = nullptr;
+};
+
+/// Writes the payload of a composite with those of the composites within. False for more than a record can hold.
+bool PutMembers(Payload& payload, MemberList<ItemBase> const& members)
 {
     struct Step
     {
         Detail::Remaining<ItemBase> left;
         std::size_t begin;
-        std::size_t predictedEnd;
+        std::uint64_t predicted = k_countSize; // the payload size, as far as the members were seen
     };
-    auto const enter = [&payload](MemberList<ItemBase> const& list, std::uint64_t predicted) {
+    auto const enter = [&payload](MemberList<ItemBase> const& list) {
         std::size_t const begin = payload.Size();
         payload.PutCount(list.Size());
-        return Step{Detail::Remaining(list), begin, begin + static_cast<std::size_t>(predicted)};
+        return Step{Detail::Remaining(list), begin};
     };
-    auto next = inner.begin();
-    Detail::Path<Step> path(enter(members, size));
-    do {
-        while (!path.Here().left.Empty()) {
-            ItemBase const& member = *path.Here().left.Take();
-            if (!Detail::IsExactly<CompositeItem>(member)) {
-                PutMember(payload, member);
-                continue;
-            }
+    Writers writers;
+    Detail::Path<Step> path(enter(members));
+    for (;;) {
+        Step& here = path.Here();
+        if (payload.Size() >= k_tooLarge || here.begin + here.predicted >= k_tooLarge)
+            return false;
+        if (here.left.Empty()) {
+            std::uint64_t const predicted = here.predicted;
+            payload.PadTo(here.begin + static_cast<std::size_t>(predicted));
+            if (here.begin != 0)
+                payload.CloseHeader(here.begin);
+            if (!path.Ascend())
+                return true;
+            path.Here().predicted += predicted;
+            continue;
+        }
+        ItemBase const& member = *here.left.Take();
+        here.predicted += k_headerSize;
+        if (Detail::IsExactly<CompositeItem>(member)) {
             ItemBase::SerialStruct_t header;
             Detail::WriteHeader(member, 0, header);
             payload.PutHeader(header);
-            path.Descend(enter(Detail::MemberAccess::Of(static_cast<CompositeItem const&>(member)), *next++));
+            path.Descend(enter(Detail::MemberAccess::Of(static_cast<CompositeItem const&>(member))));
+        } else {
+            here.predicted += writers.For(member)(payload, member);
         }
-        Step const& done = path.Here();
-        payload.PadTo(done.predictedEnd);
-        if (done.begin != 0)
-            payload.CloseHeader(done.begin);
-    } while (path.Ascend());
+    }
 }
 
 /// A composite in the making: the bytes that it is rebuilt from, and where in them the next member starts.
@@ -258,22 +308,18 @@ int RebuildMembers(MemberList<ItemBase>& members, Detail::PayloadReader const& p
 
 } // namespace
 
-unsigned int CompositeItem::GetSerialDataSize() const { return Detail::ClampSize(Measure(m_members, nullptr)); }
+unsigned int CompositeItem::GetSerialDataSize() const { return Detail::ClampSize(Measure(m_members)); }
 
 int CompositeItem::Serialize(SerialStruct_t* record) const
 {
     if (!record)
         return IfErrInvalidArgument;
-    Sizes inner;
-    std::uint64_t const size = Measure(m_members, &inner);
-    if (size >= k_tooLarge)
+    Payload payload;
+    if (!PutMembers(payload, m_members))
         return IfErrInvalidArgument;
-    Payload payload(static_cast<std::size_t>(size));
-    PutMembers(payload, m_members, size, inner);
-    if (payload.Size() >= k_tooLarge)
-        return IfErrInvalidArgument;
+    auto bytes = payload.Take();
     Detail::WriteHeader(*this, static_cast<std::uint32_t>(payload.Size()), *record);
-    record->data = payload.Release();
+    record->data = bytes.release();
     return 0;
 }
 

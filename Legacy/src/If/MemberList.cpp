@@ -156,7 +156,7 @@ bool EqualMembers(MemberList<Root> const& a, MemberList<Root> const& b)
             auto const& right = path.Here().b.Take();
             MemberList<Root> const* const nested = Detail::MembersOf(*left);
             if (!nested) {
-                if (!Detail::Nesting<Root>::Equal(*left, right))
+                if (!Detail::Nesting<Root>::Equal(*left, Detail::Borrowed(right).Pointer()))
                     return false;
                 continue;
             }

@@ -7,6 +7,8 @@
 #include <Legacy/If/StringArray.h>
 #include <Legacy/If/StringSparse.h>
 
+#include <sys/resource.h>
+
 #include <cstring>
 #include <random>
 #include <span>
@@ -436,6 +438,34 @@ TEST(CompositeRecord, HasItsBytes)
     EXPECT_EQ(CompositeItem(1).Serialize(nullptr), IfErrInvalidArgument);
 }
 
+template<typename Traits>
+void ExpectNumberAsItWritesItself()
+{
+    for (double const value : {0.0, 1.5, 77.0, -3.0}) {
+        Item const number = Hold(
+            NumericItem<Traits>::Create(0x01020304, static_cast<typename Traits::T>(static_cast<long long>(value))));
+        ItemBase::SerialStruct_t record;
+        number->Serialize(&record);
+        auto const* const header = reinterpret_cast<unsigned char const*>(&record);
+        Bytes const expected = Joined({{0, 1}, Bytes(header, header + 10), RecordOf(*number).payload});
+        EXPECT_EQ(RecordOf(*ListOf({number})).payload, expected);
+    }
+}
+
+TEST(CompositeRecord, HoldsNumbersAsTheyWriteThemselves)
+{
+    ExpectNumberAsItWritesItself<U8Traits>();
+    ExpectNumberAsItWritesItself<S8Traits>();
+    ExpectNumberAsItWritesItself<U16Traits>();
+    ExpectNumberAsItWritesItself<S16Traits>();
+    ExpectNumberAsItWritesItself<U32Traits>();
+    ExpectNumberAsItWritesItself<S32Traits>();
+    ExpectNumberAsItWritesItself<U64Traits>();
+    ExpectNumberAsItWritesItself<S64Traits>();
+    ExpectNumberAsItWritesItself<FloatTraits>();
+    ExpectNumberAsItWritesItself<DoubleTraits>();
+}
+
 TEST(CompositeRecord, IsRefusedBeyondItsSizeWord)
 {
     constexpr auto most = std::numeric_limits<unsigned int>::max();
@@ -652,9 +682,7 @@ TEST(DeepTree, IsWalkedOnABoundedStack)
     dynamic_cast<CompositeItem&>(*rebuilt).SetItems({});
     EXPECT_EQ(rebuilt->AssignValue(copy, nullptr), 0);
     EXPECT_TRUE(item->IsEqualValue(copy));
-    EXPECT_EQ(copy->GetValAsString(), text);
-    EXPECT_NE(item->Validate(nullptr), nullptr); // holds a copy
-    EXPECT_NE(item->ValidateMin(nullptr), nullptr);
+    EXPECT_NE(item->ValidateMin(nullptr), nullptr); // holds a copy
 
     // The innermost payload fails, at the bottom of all that was built on the way.
     Record broken = record;
@@ -715,6 +743,26 @@ TEST(DeepTree, OfAnyClassesEndsOnABoundedStack)
     EXPECT_EQ(DeepItem<CollectionItem>()->GetSize(), 1U);
 }
 
+/// Address space that the program may use while this lives; the address checker has its own idea of that.
+class MemoryLimit
+{
+public:
+    explicit MemoryLimit([[maybe_unused]] rlim_t bytes)
+    {
+        getrlimit(RLIMIT_AS, &m_before);
+#if !defined(__SANITIZE_ADDRESS__)
+        rlimit const limit{bytes, m_before.rlim_max};
+        setrlimit(RLIMIT_AS, &limit);
+#endif
+    }
+    ~MemoryLimit() { setrlimit(RLIMIT_AS, &m_before); }
+    MemoryLimit(MemoryLimit const&) = delete;
+    MemoryLimit& operator=(MemoryLimit const&) = delete;
+
+private:
+    rlimit m_before{};
+};
+
 TEST(DeepTree, ThatLiesAllocatesNoMoreThanItsRecord)
 {
     // Each level claims all that could be there, so room made for each on its own word would be gigabytes.
@@ -727,6 +775,7 @@ TEST(DeepTree, ThatLiesAllocatesNoMoreThanItsRecord)
         record.payload.insert(record.payload.end(), header.begin(), header.end());
     }
     record.payload.insert(record.payload.end(), {0xff, 0xff});
+    MemoryLimit const limit(1'000'000'000);
     EXPECT_EQ(Rebuild(record).first, -1);
 }
 
