@@ -5,6 +5,7 @@
 #include <Legacy/If/InfoBase.h>
 #include <Legacy/If/ItemBase.h>
 #include <Legacy/If/LocalizedString.h>
+#include <Legacy/If/NumericTraits.h>
 #include <Legacy/If/ResultElem.h>
 
 #include <boost/endian/conversion.hpp>
@@ -22,6 +23,23 @@ namespace Legacy::If::Test {
 
 using InfoPtr = boost::intrusive_ptr<InfoBase const>;
 using ItemPtr = boost::intrusive_ptr<ItemBase const>;
+/// Several traits classes: for typed tests, and one after the other.
+template<typename... Traits>
+struct TraitsList
+{
+    using Types = testing::Types<Traits...>;
+
+    template<typename Call>
+    static void ForEach(Call&& call)
+    {
+        (call(Traits()), ...);
+    }
+};
+
+using TenTraits = TraitsList<U8Traits, S8Traits, U16Traits, S16Traits, U32Traits, S32Traits, U64Traits, S64Traits,
+                             FloatTraits, DoubleTraits>;
+using AllTraits = TenTraits::Types;
+
 using Texts = std::vector<std::string>;
 using Bytes = std::vector<unsigned char>;
 
@@ -181,6 +199,13 @@ inline Outcome Assign(ItemBase& target, ItemPtr const& source, unsigned int inde
 inline Outcome Assign(InfoBase& target, InfoPtr const& source)
 {
     return OutcomeOf([&](bool* changed) { return target.AssignValue(source, changed); });
+}
+
+/// Calls `call` with an object of each of the ten traits classes.
+template<typename Call>
+void ForAllTraits(Call&& call)
+{
+    TenTraits::ForEach(call);
 }
 
 /// Reads a value from text: whether it was taken, and what was reported.
