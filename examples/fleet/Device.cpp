@@ -81,7 +81,7 @@ public:
                 Handle_(event);
             if (Clock::now() >= next) {
                 Measure_();
-                next += m_settings.interval;
+                next = Clock::now() + m_settings.interval;
             }
         }
         std::cout << "stopping" << std::endl;
@@ -212,7 +212,10 @@ private:
 Settings_t SettingsOf(Options const& options)
 {
     Settings_t settings;
-    settings.name = RequireName("--name", options.Value("--name").value_or(""));
+    auto const name = options.Value("--name");
+    if (!name)
+        throw UsageError("--name is missing");
+    settings.name = RequireName("--name", *name);
     settings.kind = options.Value("--kind").value_or("camera");
     auto const kinds = Kinds();
     if (std::find(kinds.begin(), kinds.end(), settings.kind) == kinds.end())
