@@ -30,16 +30,6 @@ public:
     /// Subtracts one and returns the value before.
     std::int32_t Decrement() noexcept { return m_value.fetch_sub(1, std::memory_order_acq_rel); }
 
-    /// Takes a reference: adds one. While there is none, nobody else can take or drop one, so the first is stored, which
-    /// costs a fraction of an addition that others must see.
-    void Acquire() noexcept
-    {
-        if (m_value.load(std::memory_order_relaxed) == 0)
-            m_value.store(1, std::memory_order_relaxed);
-        else
-            m_value.fetch_add(1, std::memory_order_relaxed);
-    }
-
     /// Drops a reference: subtracts one and tells whether that was the last. Whoever holds the only reference need not
     /// write the count any more, since nobody else can take one.
     bool Release() noexcept

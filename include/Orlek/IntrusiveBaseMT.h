@@ -19,7 +19,7 @@ public:
     /// Number of references held now; a value to look at, since other threads may change it at any time.
     std::int32_t GetRefCount() const noexcept { return m_refCount.Get(); }
 
-    friend void intrusive_ptr_add_ref(IntrusiveBaseMT const* object) noexcept { object->m_refCount.Acquire(); }
+    friend void intrusive_ptr_add_ref(IntrusiveBaseMT const* object) noexcept { object->m_refCount.Increment(); }
 
     friend void intrusive_ptr_release(IntrusiveBaseMT const* object) noexcept
     {

@@ -107,7 +107,7 @@ private:
 };
 
 /// Takes a reference; `info` is not null.
-inline void intrusive_ptr_add_ref(InfoBase const* info) noexcept { info->m_refCount.Acquire(); }
+inline void intrusive_ptr_add_ref(InfoBase const* info) noexcept { info->m_refCount.Increment(); }
 
 /// Drops a reference and destroys the object with the last one, also one that was never taken.
 inline void intrusive_ptr_release(InfoBase const* info) noexcept

@@ -195,7 +195,7 @@ static_assert(sizeof(ItemBase::ConstSerialStruct_t) == 10 + sizeof(void*) &&
               offsetof(ItemBase::ConstSerialStruct_t, data) == 10);
 
 /// Takes a reference; `item` is not null.
-inline void intrusive_ptr_add_ref(ItemBase const* item) noexcept { item->m_refCount.Acquire(); }
+inline void intrusive_ptr_add_ref(ItemBase const* item) noexcept { item->m_refCount.Increment(); }
 
 /// Drops a reference and destroys the object with the last one, also one that was never taken.
 inline void intrusive_ptr_release(ItemBase const* item) noexcept
