@@ -15,6 +15,7 @@
 #include <array>
 #include <bit>
 #include <cerrno>
+#include <charconv>
 #include <memory>
 #include <sstream>
 #include <utility>
@@ -140,6 +141,25 @@ std::vector<std::string> HostReader::Addresses(std::string const& interface, Fam
             texts.push_back(address.text);
     }
     return texts;
+}
+
+std::vector<std::string> HostReader::Gateways(std::string const& interface) const
+{
+    // Columns: interface, destination, gateway and more; addresses as one number in the order of the machine's bytes.
+    std::vector<std::string> gateways;
+    std::istringstream lines(File("/proc/net/route").value_or(""));
+    for (std::string line; std::getline(lines, line);) {
+        auto const columns = Words(line);
+        if (columns.size() < 3 || columns[0] != interface || columns[1] != "00000000" || columns[2] == "00000000")
+            continue;
+        in_addr address = {};
+        char const* const end = columns[2].data() + columns[2].size();
+        auto const [stop, error] = std::from_chars(columns[2].data(), end, address.s_addr, 16);
+        std::array<char, INET_ADDRSTRLEN> text{};
+        if (error == std::errc() && stop == end && ::inet_ntop(AF_INET, &address, text.data(), text.size()))
+            gateways.emplace_back(text.data());
+    }
+    return gateways;
 }
 
 std::optional<std::string> HostReader::Mtu(std::string const& interface) const

@@ -37,6 +37,9 @@ public:
     /// The addresses of an interface, each with the length of its network prefix: "192.168.1.5 24".
     std::vector<std::string> Addresses(std::string const& interface, Family_t family) const;
 
+    /// The IPv4 routers that an interface sends everything to that it has no better way for.
+    std::vector<std::string> Gateways(std::string const& interface) const;
+
     /// What the system's calls say of an interface, for machines that have no /sys.
     /// @{
     std::optional<std::string> Mtu(std::string const& interface) const;

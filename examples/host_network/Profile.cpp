@@ -46,18 +46,20 @@ Schema_t Number(typename T::T min, typename T::T max, typename T::T standard)
     };
 }
 
-/// A list of numbers: how many there may be, and between what each of them lies.
+/// A list of as many numbers as the default has, and between what each of them lies.
 template<typename T>
-Schema_t Numbers(unsigned int minSize, unsigned int maxSize, typename T::T min, typename T::T max)
+Schema_t Numbers(typename T::T min, typename T::T max, std::vector<typename T::T> standard)
 {
-    return [=](unsigned int id, std::string const& name, Permission_t permission) {
-        boost::intrusive_ptr<NumericArrayInfo<T>> const info(new NumericArrayInfo<T>(id, name, permission));
-        info->SetMinSize(minSize);
-        info->SetMaxSize(maxSize);
-        info->SetMin(min);
-        info->SetMax(max);
-        return InfoPtr(info);
-    };
+    return
+        [min, max, standard = std::move(standard)](unsigned int id, std::string const& name, Permission_t permission) {
+            boost::intrusive_ptr<NumericArrayInfo<T>> const info(new NumericArrayInfo<T>(id, name, permission));
+            info->SetMinSize(static_cast<unsigned int>(standard.size()));
+            info->SetMaxSize(static_cast<unsigned int>(standard.size()));
+            info->SetMin(min);
+            info->SetMax(max);
+            info->SetDefault(standard);
+            return InfoPtr(info);
+        };
 }
 
 Schema_t Text(unsigned int maxLength)
@@ -69,14 +71,17 @@ Schema_t Text(unsigned int maxLength)
     };
 }
 
-Schema_t TextList(unsigned int minSize, unsigned int maxSize)
+/// A list of at least as many texts as the default has.
+Schema_t TextList(unsigned int maxSize, Texts standard)
 {
-    return [=](unsigned int id, std::string const& name, Permission_t permission) {
-        boost::intrusive_ptr<StringArrayInfo> const info(new StringArrayInfo(id, name, permission));
-        info->SetMaxSize(maxSize);
-        info->SetMinSize(minSize);
-        return InfoPtr(info);
-    };
+    return
+        [maxSize, standard = std::move(standard)](unsigned int id, std::string const& name, Permission_t permission) {
+            boost::intrusive_ptr<StringArrayInfo> const info(new StringArrayInfo(id, name, permission));
+            info->SetMaxSize(maxSize);
+            info->SetMinSize(static_cast<unsigned int>(standard.size()));
+            info->SetDefault(standard);
+            return InfoPtr(info);
+        };
 }
 
 Schema_t Flag(bool standard)
@@ -110,7 +115,14 @@ Schema_t Choice(Names names)
     };
 }
 
-Schema_t EndpointText()
+Schema_t Address()
+{
+    return [](unsigned int id, std::string const& name, Permission_t permission) {
+        return InfoPtr(new AddrInfo(id, name, permission));
+    };
+}
+
+Schema_t AddressAndPort()
 {
     return [](unsigned int id, std::string const& name, Permission_t permission) {
         return InfoPtr(new EndpointInfo(id, name, permission));
@@ -131,10 +143,7 @@ Schema_t Group(std::vector<std::pair<std::string, Schema_t>> members)
 
 Schema_t AddressWithPrefix(unsigned char bits)
 {
-    Schema_t const address = [](unsigned int id, std::string const& name, Permission_t permission) {
-        return InfoPtr(new AddrInfo(id, name, permission));
-    };
-    return Group({{"address", address}, {"prefix", Number<U8Traits>(1, bits, bits)}});
+    return Group({{"address", Address()}, {"prefix", Number<U8Traits>(1, bits, bits)}});
 }
 
 Texts const k_counters = {"rx_bytes",   "rx_packets", "rx_errors",  "rx_dropped", "tx_bytes",
@@ -203,6 +212,8 @@ Source_t Addresses(HostReader::Family_t family)
     return [family](HostReader const& host, Place_t const& place) { return host.Addresses(place.interface, family); };
 }
 
+Texts Gateways(HostReader const& host, Place_t const& place) { return host.Gateways(place.interface); }
+
 /// The name servers with the port that they all listen on.
 Texts NameServers(HostReader const& host, Place_t const&)
 {
@@ -243,8 +254,8 @@ SectionKind_t Host()
                 FromFile(1, "hostname", "", Text(64)),
                 FromFile(2, "ostype", "", Text(32), k_readOnly),
                 FromFile(3, "osrelease", "", Text(128), k_readOnly),
-                FromElsewhere(4, "search domains", "", TextList(0, 6), SearchDomains),
-                FromElsewhere(16, "name server", "", EndpointText(), NameServers, 8),
+                FromElsewhere(4, "search domains", "", TextList(6, {}), SearchDomains),
+                FromElsewhere(16, "name server", "", AddressAndPort(), NameServers, 8),
             }};
 }
 
@@ -312,6 +323,7 @@ SectionKind_t InterfaceIPv4()
                 FromFile(5, "arp_announce", "", Number<U8Traits>(0, 2, 0)),
                 FromFile(6, "arp_ignore", "", Number<U8Traits>(0, 8, 0)),
                 FromFile(7, "log_martians", "", Flag(false)),
+                FromElsewhere(24, "gateway", "", Address(), Gateways, 4),
                 FromElsewhere(32, "address", "", AddressWithPrefix(32), Addresses(HostReader::Family_t::IPv4), 32),
             }};
 }
@@ -358,7 +370,7 @@ SectionKind_t IPv4()
         {
             FromFile(1, "ip_default_ttl", "hops", Number<U8Traits>(1, 255, 64)),
             FromFile(2, "ip_forward", "", Flag(false)),
-            FromFile(3, "ip_local_port_range", "port", Numbers<U16Traits>(2, 2, 1024, 65535)),
+            FromFile(3, "ip_local_port_range", "port", Numbers<U16Traits>(1024, 65535, {32768, 60999})),
             FromFile(4, "ip_unprivileged_port_start", "port", Number<U16Traits>(0, 65535, 1024)),
             FromFile(5, "ip_no_pmtu_disc", "", Choice({{"discover", 0}, {"never", 1}, {"ignore", 2}, {"hardened", 3}})),
             FromFile(6, "ip_nonlocal_bind", "", Flag(false)),
@@ -387,10 +399,10 @@ SectionKind_t Tcp()
             "/proc/sys/net/ipv4",
             {
                 FromFile(1, "tcp_congestion_control", "", Text(15)),
-                FromFile(2, "tcp_available_congestion_control", "", TextList(1, 16), k_readOnly),
-                FromFile(3, "tcp_rmem", "bytes", Numbers<U32Traits>(3, 3, 2304, 16777216)),
-                FromFile(4, "tcp_wmem", "bytes", Numbers<U32Traits>(3, 3, 4096, 16777216)),
-                FromFile(5, "tcp_mem", "pages", Numbers<U64Traits>(3, 3, 0, INT64_MAX)),
+                FromFile(2, "tcp_available_congestion_control", "", TextList(16, {"reno"}), k_readOnly),
+                FromFile(3, "tcp_rmem", "bytes", Numbers<U32Traits>(2304, 16777216, {4096, 131072, 6291456})),
+                FromFile(4, "tcp_wmem", "bytes", Numbers<U32Traits>(4096, 16777216, {4096, 16384, 4194304})),
+                FromFile(5, "tcp_mem", "pages", Numbers<U64Traits>(0, INT64_MAX, {0, 0, 0})),
                 FromFile(6, "tcp_keepalive_time", "s", Number<U16Traits>(1, 32767, 7200)),
                 FromFile(7, "tcp_keepalive_intvl", "s", Number<U16Traits>(1, 32767, 75)),
                 FromFile(8, "tcp_keepalive_probes", "probes", Number<U8Traits>(1, 127, 9)),
@@ -412,7 +424,7 @@ SectionKind_t Udp()
             {
                 FromFile(1, "udp_rmem_min", "bytes", Number<U32Traits>(2304, INT32_MAX, 4096)),
                 FromFile(2, "udp_wmem_min", "bytes", Number<U32Traits>(4096, INT32_MAX, 4096)),
-                FromFile(3, "udp_mem", "pages", Numbers<U64Traits>(3, 3, 0, INT64_MAX)),
+                FromFile(3, "udp_mem", "pages", Numbers<U64Traits>(0, INT64_MAX, {0, 0, 0})),
                 FromFile(4, "udp_early_demux", "", Flag(true)),
             }};
 }

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <iomanip>
+#include <iterator>
 #include <map>
 #include <sstream>
 
@@ -73,8 +74,11 @@ std::string ExampleInterface(Device const& device, std::vector<SectionId> const&
 
 } // namespace
 
-void Report::Title(std::string const& text)
+void Report::Title(std::string const& text, Device const& device)
 {
+    auto const sections = device.GetSections();
+    if (std::none_of(sections.begin(), sections.end(), [&](auto const& s) { return IsChosen_(s.GetSectionName()); }))
+        throw UsageError("there is no section '" + m_options.section + "'");
     if (!IsQuiet_())
         m_out << text << '\n';
 }
@@ -93,14 +97,13 @@ void Report::Line(std::string const& text)
 
 void Report::Notes(Notes_t const& notes)
 {
-    if (notes.empty())
-        return;
-    Heading("Not to be had from this host (" + std::to_string(notes.size()) + ")");
-    std::size_t const shown = IsFull_() ? notes.size() : std::min(notes.size(), k_notesShown);
-    for (std::size_t i = 0; i < shown; ++i)
-        Line(notes[i]);
-    if (shown < notes.size())
-        Line("... and " + std::to_string(notes.size() - shown) + " more, see --full");
+    // A note starts with the path that it is about.
+    Notes_t chosen;
+    std::copy_if(notes.begin(), notes.end(), std::back_inserter(chosen),
+                 [&](auto const& note) { return IsChosen_(note.substr(0, note.find(':'))); });
+    if (!chosen.empty())
+        Heading("Not to be had from this host (" + std::to_string(chosen.size()) + ")");
+    Shorten_(chosen, k_notesShown, [&](auto const& note) { Line(note); });
 }
 
 void Report::Sections(Device const& device, std::vector<Finding_t> const& findings)
@@ -123,6 +126,8 @@ void Report::Sections(Device const& device, std::vector<Finding_t> const& findin
     m_out << k_indent << std::left << std::setw(column) << "path"
           << "id          parameters  values  findings\n";
     for (auto const& section : sections) {
+        if (!IsChosen_(section.GetSectionName()))
+            continue;
         auto const found = parameters.find(section.GetInfoItemSectionId());
         auto const here = found == parameters.end() ? std::vector<Device::Parameter_t>() : found->second;
         auto const values =
@@ -138,13 +143,10 @@ void Report::Values(Device const& device)
     auto const sections = device.GetSections();
     auto parameters = device.GetParameters();
     std::string const interface = ExampleInterface(device, sections);
-    bool isShown = m_options.section.empty();
     for (auto const& section : sections) {
         std::string const& path = section.GetSectionName();
-        bool const isWanted = IsWanted_(path, interface);
-        isShown = isShown || isWanted;
         auto const& here = parameters[section.GetInfoItemSectionId()];
-        if (!isWanted || here.empty())
+        if (here.empty() || !IsWanted_(path, interface))
             continue;
         Heading("Values of " + Printable(path));
         for (auto const& parameter : here) {
@@ -154,26 +156,22 @@ void Report::Values(Device const& device)
             Line(Printable(line.str()));
         }
     }
-    if (!isShown)
-        throw UsageError("there is no section '" + m_options.section + "'");
 }
 
-void Report::Findings(Result const& all, std::vector<Finding_t> const& findings)
+void Report::Findings(std::vector<Finding_t> const& findings)
 {
     if (IsQuiet_())
         return;
-    Heading("Findings: values outside their schema (" + std::to_string(all.GetNumResults()) + ")");
-    std::size_t shown = 0;
-    for (auto const& finding : findings) {
-        if (!IsChosen_(finding.path) || (!IsFull_() && shown == k_findingsShown))
-            continue;
-        ++shown;
+    std::vector<Finding_t> chosen;
+    std::copy_if(findings.begin(), findings.end(), std::back_inserter(chosen),
+                 [&](auto const& finding) { return IsChosen_(finding.path); });
+    Heading("Findings (" + std::to_string(chosen.size()) +
+            "): values outside their schema, as they are logged, each with its message");
+    Shorten_(chosen, k_findingsShown, [&](auto const& finding) {
         std::string const unit = finding.unit.empty() ? "" : ' ' + finding.unit;
         Line(Logged(finding) + " = " + ShowValue(*finding.info, *finding.item) + unit);
         Line("    " + Examples::FindingMessage(finding.info, *finding.item).GetString(m_options.language));
-    }
-    if (shown < findings.size())
-        Line("... and " + std::to_string(findings.size() - shown) + " more, see --full");
+    });
 }
 
 void Report::Summary(Device const& device, Summary_t const& summary)
@@ -195,6 +193,15 @@ bool Report::IsChosen_(std::string const& path) const
 {
     std::string const& chosen = m_options.section;
     return chosen.empty() || path == chosen || path.starts_with(chosen + SectionId::k_sectionDelim);
+}
+
+template<typename Entry, typename Show>
+void Report::Shorten_(std::vector<Entry> const& entries, std::size_t limit, Show&& show)
+{
+    std::size_t const shown = IsFull_() ? entries.size() : std::min(entries.size(), limit);
+    std::for_each(entries.begin(), entries.begin() + static_cast<std::ptrdiff_t>(shown), show);
+    if (shown < entries.size())
+        Line("... and " + std::to_string(entries.size() - shown) + " more, see --full");
 }
 
 bool Report::IsWanted_(std::string const& path, std::string const& interface) const

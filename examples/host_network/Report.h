@@ -28,7 +28,9 @@ class Report
 public:
     Report(std::ostream& out, Options_t const& options) : m_out(out), m_options(options) {}
 
-    void Title(std::string const& text);
+    /// Opens the report on a device.
+    /// @throws UsageError if the options name a section that the device does not have.
+    void Title(std::string const& text, Device const& device);
     void Heading(std::string const& text);
     /// One line of a chapter.
     void Line(std::string const& text);
@@ -38,10 +40,9 @@ public:
     /// All sections with their packed ids and the numbers of what is in them.
     void Sections(Device const& device, std::vector<Finding_t> const& findings);
     /// Schemas and values of the sections that are to be shown.
-    /// @throws UsageError if the options name a section that is not there.
     void Values(Device const& device);
     /// Logs the findings and shows each with what reached the log and with its message.
-    void Findings(Legacy::If::Result const& all, std::vector<Finding_t> const& findings);
+    void Findings(std::vector<Finding_t> const& findings);
     void Summary(Device const& device, Summary_t const& summary);
 
 private:
@@ -51,6 +52,9 @@ private:
     bool IsChosen_(std::string const& path) const;
     /// Whether the values of the section are to be shown, if `interface` is the path of the one that serves as example.
     bool IsWanted_(std::string const& path, std::string const& interface) const;
+    /// Shows the first entries, or all if everything is asked for, and tells how many are left.
+    template<typename Entry, typename Show>
+    void Shorten_(std::vector<Entry> const& entries, std::size_t limit, Show&& show);
     /// A text that fits in a line of the terminal, unless everything is asked for.
     std::string Cut_(std::string text) const;
 

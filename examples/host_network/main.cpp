@@ -69,7 +69,7 @@ void SetNumber(Device& device, InfoBase const& info, unsigned int number)
 /// Gives the schema of a finding's number room for the value, as a new release of the device might.
 void Widen(Device& device, Finding_t const& finding)
 {
-    auto const holder = device.FindInfo(finding.info->GetId());
+    auto const holder = device.FindInfo(finding.result.GetId());
     auto const* const value = dynamic_cast<NumericItem<U32Traits> const*>(finding.item.get());
     boost::intrusive_ptr<InfoHolder> const wider(holder ? holder->DeepCopy() : nullptr);
     auto* const info = wider ? dynamic_cast<NumericInfo<U32Traits>*>(wider->GetInfo().get()) : nullptr;
@@ -110,7 +110,6 @@ void ShowChanges(Device& device, Device& replica, std::vector<Finding_t> const& 
 /// Shows an existing record file.
 int ShowFile(Options_t const& options, Report& report, Summary_t& summary, Device& device)
 {
-    report.Title("The networked device in " + Printable(options.read));
     Records_t const records = ReadRecordFile(options.read);
     Rebuild(records, device);
     summary.records = records.items.size();
@@ -118,24 +117,25 @@ int ShowFile(Options_t const& options, Report& report, Summary_t& summary, Devic
     Result result(0);
     auto const findings = Examine(device, result);
     summary.findings = result.GetNumResults();
+    report.Title("The networked device in " + Printable(options.read), device);
     report.Sections(device, findings);
     report.Values(device);
-    report.Findings(result, findings);
+    report.Findings(findings);
     return k_success;
 }
 
 int ShowHost(Options_t const& options, Report& report, Summary_t& summary, Device& device)
 {
-    report.Title("This machine as a networked device");
     Notes_t notes;
     DescribeHost(HostReader(options.root), device, notes);
     Result result(0);
     auto const findings = Examine(device, result);
     summary.findings = result.GetNumResults();
+    report.Title("This machine as a networked device", device);
     report.Notes(notes);
     report.Sections(device, findings);
     report.Values(device);
-    report.Findings(result, findings);
+    report.Findings(findings);
 
     report.Heading("Records");
     std::optional<TemporaryFile> temporary;

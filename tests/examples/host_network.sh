@@ -46,7 +46,7 @@ expect 0 '^  sections' --quiet
 expect 0 'the host has no interfaces' --root "$work/nothing"
 host=$work/host
 net=$host/proc/sys/net/ipv4
-mkdir -p "$net" "$host"/sys/class/net/if{10..79} "$host/proc/sys/kernel" "$host/etc"
+mkdir -p "$net" "$host/proc/net" "$host"/sys/class/net/if{10..79} "$host/proc/sys/kernel" "$host/etc"
 for interface in "$host"/sys/class/net/*; do
     echo 1500 >"$interface/mtu"
 done
@@ -69,12 +69,13 @@ echo 18446744073709551616 0 0 >"$net/udp_mem"
 head -c 100000 /dev/zero >"$host/proc/sys/kernel/osrelease"
 printf 'bad\033[2Jname\n' >"$host/proc/sys/kernel/hostname"
 printf 'nameserver ::1\nsearch a b c d e f g\n' >"$host/etc/resolv.conf"
+printf 'Iface Destination Gateway\nif11 00000000 00000000\nif11 00000000 0zz\nif11 00000000 01010101\nif11' >"$host/proc/net/route"
 expect 0 '7 of 70 interfaces are left out, from if73 on' --root "$host"
 for skipped in "ifindex: skipped, '12a'" "tx_queue_len: skipped, '-1'" "ip_default_ttl: skipped, '300'" "udp_mem: skipped"; do
     expect 0 "$skipped" --full --root "$host"
 done
 grep -q $'\033' "$work/out" && fail 'a control character reached the terminal'
-for shown in '{bad?\[2Jname}' '{\[::1\]:53}' 'speed: the value is below the minimum of 10\.' \
+for shown in 'gateway 1 .*{1\.1\.1\.1}' '{bad?\[2Jname}' '{\[::1\]:53}' 'speed: the value is below the minimum of 10\.' \
     'mtu: the value is above the maximum of 9216\.' 'duplex: -1 is not one of the values' \
     'promiscuous: the value is fixed at 0\.' 'address: the text is longer than 17 char' \
     'tcp_rmem: the list of numbers has fewer than 3 ' 'tcp_mem: the list of numbers has more than 3 ' \
