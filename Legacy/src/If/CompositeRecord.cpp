@@ -14,6 +14,7 @@ namespace {
 
 constexpr std::size_t k_headerSize = offsetof(ItemBase::SerialStruct_t, data);
 constexpr std::size_t k_countSize = sizeof(std::uint16_t);
+constexpr std::uint64_t k_large = 65'536; // what is worth to be measured before it is written
 constexpr std::uint64_t k_tooLarge = std::numeric_limits<std::uint32_t>::max(); // what no size word may say
 
 /// The payload size of a composite, or some number too large for a record.
@@ -100,17 +101,24 @@ public:
         return bytes;
     }
 
-private:
-    void Grow_(std::size_t size)
+    /// Makes room for a payload of so many bytes in all.
+    void Reserve(std::size_t room)
     {
-        if (size > std::numeric_limits<std::size_t>::max() / 2 - m_size)
-            throw std::bad_alloc();
-        std::size_t const room = (m_size + size) * 2;
+        if (room <= m_room)
+            return;
         std::unique_ptr<unsigned char[]> grown(new unsigned char[room]);
         std::memcpy(grown.get(), m_bytes, m_size);
         m_grown = std::move(grown);
         m_bytes = m_grown.get();
         m_room = room;
+    }
+
+private:
+    void Grow_(std::size_t size)
+    {
+        if (size > std::numeric_limits<std::size_t>::max() / 2 - m_size)
+            throw std::bad_alloc();
+        Reserve((m_size + size) * 2);
     }
 
     unsigned char m_small[2048];
@@ -180,7 +188,8 @@ private:
     Writer m_writer = nullptr;
 };
 
-/// Writes the payload of a composite with those of the composites within. False for more than a record can hold.
+/// Writes the payload of a composite with those of the composites within. False for more than a record can hold, which
+/// a few objects that stand in many lists can reach: so a large payload is measured before the bulk of it is written.
 bool PutMembers(Payload& payload, MemberList<ItemBase> const& members)
 {
     struct Step
@@ -195,11 +204,18 @@ bool PutMembers(Payload& payload, MemberList<ItemBase> const& members)
         return Step{Detail::Remaining(list), begin};
     };
     Writers writers;
+    std::uint64_t limit = k_large;
     Detail::Path<Step> path(enter(members));
     for (;;) {
         Step& here = path.Here();
-        if (payload.Size() >= k_tooLarge || here.begin + here.predicted >= k_tooLarge)
-            return false;
+        if (std::max<std::uint64_t>(payload.Size(), here.begin + here.predicted) >= limit) {
+            std::uint64_t const size = Measure(members);
+            if (limit == k_tooLarge || size >= k_tooLarge)
+                return false;
+            payload.Reserve(static_cast<std::size_t>(size));
+            limit = k_tooLarge;
+            continue;
+        }
         if (here.left.Empty()) {
             std::uint64_t const predicted = here.predicted;
             payload.PadTo(here.begin + static_cast<std::size_t>(predicted));
@@ -270,8 +286,8 @@ int RebuildMembers(MemberList<ItemBase>& members, Detail::PayloadReader const& p
     auto const makeRoom = [&room](Rebuilding const& composite) {
         std::size_t const count = std::min(composite.left, room);
         room -= count;
-        if (count != 0)
-            composite.members->Reserve(composite.members->Size() + count);
+        if (composite.members->Size() == 0)
+            composite.members->Reserve(count);
     };
     Detail::Path<Rebuilding> path(Rebuilding(nullptr, members, payload.Next(), payload.Left()));
     makeRoom(path.Here());

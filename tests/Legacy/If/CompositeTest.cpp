@@ -438,6 +438,26 @@ TEST(CompositeRecord, HasItsBytes)
     EXPECT_EQ(CompositeItem(1).Serialize(nullptr), IfErrInvalidArgument);
 }
 
+/// Address space that the program may use while this lives; the address checker has its own idea of that.
+class MemoryLimit
+{
+public:
+    explicit MemoryLimit([[maybe_unused]] rlim_t bytes)
+    {
+        getrlimit(RLIMIT_AS, &m_before);
+#if !defined(__SANITIZE_ADDRESS__)
+        rlimit const limit{bytes, m_before.rlim_max};
+        setrlimit(RLIMIT_AS, &limit);
+#endif
+    }
+    ~MemoryLimit() { setrlimit(RLIMIT_AS, &m_before); }
+    MemoryLimit(MemoryLimit const&) = delete;
+    MemoryLimit& operator=(MemoryLimit const&) = delete;
+
+private:
+    rlimit m_before{};
+};
+
 template<typename Traits>
 void ExpectNumberAsItWritesItself()
 {
@@ -477,6 +497,14 @@ TEST(CompositeRecord, IsRefusedBeyondItsSizeWord)
         EXPECT_EQ(record.data, nullptr);
         EXPECT_EQ(ListOf(members)->GetSerialDataSize(), most);
     }
+
+    // One text in a thousand places: more than can be written, and refused before it is.
+    Item many = Text(std::string(16'000'000, 'x'));
+    for (int i = 0; i < 10; ++i)
+        many = ListOf({many, many});
+    MemoryLimit const limit(1'000'000'000);
+    ItemBase::SerialStruct_t record;
+    EXPECT_EQ(many->Serialize(&record), IfErrInvalidArgument);
 }
 
 TEST(CompositeRecord, CountsInSixteenBits)
@@ -742,26 +770,6 @@ TEST(DeepTree, OfAnyClassesEndsOnABoundedStack)
     EXPECT_EQ(half->GetSerialDataSize(), k_deep / 2 * 12U + 4);
     EXPECT_EQ(DeepItem<CollectionItem>()->GetSize(), 1U);
 }
-
-/// Address space that the program may use while this lives; the address checker has its own idea of that.
-class MemoryLimit
-{
-public:
-    explicit MemoryLimit([[maybe_unused]] rlim_t bytes)
-    {
-        getrlimit(RLIMIT_AS, &m_before);
-#if !defined(__SANITIZE_ADDRESS__)
-        rlimit const limit{bytes, m_before.rlim_max};
-        setrlimit(RLIMIT_AS, &limit);
-#endif
-    }
-    ~MemoryLimit() { setrlimit(RLIMIT_AS, &m_before); }
-    MemoryLimit(MemoryLimit const&) = delete;
-    MemoryLimit& operator=(MemoryLimit const&) = delete;
-
-private:
-    rlimit m_before{};
-};
 
 TEST(DeepTree, ThatLiesAllocatesNoMoreThanItsRecord)
 {
