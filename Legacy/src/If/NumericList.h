@@ -54,7 +54,7 @@ bool StoreUnequal(Target* target, std::size_t count, ValueAt valueAt) noexcept
             changed |= std::bit_cast<BitsOf<Target>>(unequal ? Target{1} : Target{0});
         } else {
             target[i] = value;
-            changed = static_cast<BitsOf<Target>>(changed | (old ^ value));
+            changed = static_cast<BitsOf<Target>>(changed | static_cast<BitsOf<Target>>(old ^ value));
         }
     }
     return changed != 0;

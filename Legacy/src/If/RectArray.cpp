@@ -88,7 +88,7 @@ int RectArrayInfo<T>::AssignValue(boost::intrusive_ptr<InfoBase const> const& so
         return IfErrNullSource;
     if (source->GetType() == IfType_t::NumericArray)
         return Detail::VisitFamily<NumericArrayInfo>(
-            *source, [this, changed](auto const& schema) { return AssignNumbers_(schema, changed); });
+            *source, [this, changed](auto const& schema) { return this->AssignNumbers_(schema, changed); });
     auto const* const schema = Detail::CastTo<RectArrayInfo>(source);
     if (!schema)
         return IfErrTypeNotAssignable;
@@ -277,7 +277,7 @@ int RectArrayItem<T>::AssignArrayValue(boost::intrusive_ptr<ItemBase const> cons
         return IfErrNullSource;
     if (source->GetType() == IfType_t::NumericArray)
         return Detail::VisitFamily<NumericArrayItem>(
-            *source, [this, changed](auto const& list) { return AssignNumbers_(list.Val(), changed); });
+            *source, [this, changed](auto const& list) { return this->AssignNumbers_(list.Val(), changed); });
     if (source->GetType() == IfType_t::Rectangle)
         return AssignRect_(*source, index, changed);
     if (auto const* const list = Detail::CastTo<RectArrayItem>(source))
