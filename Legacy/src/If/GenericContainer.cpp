@@ -1,3 +1,5 @@
+#include "PlaceIndex.h"
+
 #include <Legacy/If/GenericContainer.h>
 #include <Legacy/If/GenericContainerImpl.h>
 #include <Legacy/If/InfoItemContainer.h>
@@ -44,15 +46,43 @@ void Reserve(std::vector<Pointer>& elements, std::size_t size)
 // The storage.
 
 template<typename Element, typename Ptr, typename ConstPtr, typename Key>
-Key const& GenericContainerImpl<Element, Ptr, ConstPtr, Key>::KeyOf::operator()(Ptr const& element) const
+GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Entry::Entry(Ptr const& stored)
+    : element(stored), nameHash(Detail::TagOf(Subject(*stored)->GetName()))
 {
-    return Subject(*element)->GetId();
+    if constexpr (std::is_integral_v<Key>)
+        number = Subject(*stored)->GetId();
 }
 
 template<typename Element, typename Ptr, typename ConstPtr, typename Key>
-std::string const& GenericContainerImpl<Element, Ptr, ConstPtr, Key>::NameOf::operator()(Ptr const& element) const
+GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Name::Name(std::string const& name)
+    : text(&name), hash(Detail::TagOf(name))
+{}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Name::Name(Entry const& entry)
+    : text(&Subject(*entry.element)->GetName()), hash(entry.nameHash)
+{}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+bool GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Name::operator==(Name const& other) const
 {
-    return Subject(*element)->GetName();
+    return hash == other.hash && *text == *other.text;
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+Key const& GenericContainerImpl<Element, Ptr, ConstPtr, Key>::KeyOf::operator()(Entry const& entry) const
+{
+    if constexpr (std::is_integral_v<Key>)
+        return entry.number;
+    else
+        return Subject(*entry.element)->GetId();
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+typename GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Name
+GenericContainerImpl<Element, Ptr, ConstPtr, Key>::NameOf::operator()(Entry const& entry) const
+{
+    return Name(entry);
 }
 
 // Packed ids differ in a few high bits and a few low ones, and taken as they are they crowd a small part of the
@@ -66,6 +96,12 @@ std::size_t GenericContainerImpl<Element, Ptr, ConstPtr, Key>::HashOf::operator(
     } else {
         return boost::hash<Key>()(key);
     }
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+std::size_t GenericContainerImpl<Element, Ptr, ConstPtr, Key>::HashOf::operator()(Name const& name) const
+{
+    return name.hash;
 }
 
 template<typename Element, typename Ptr, typename ConstPtr, typename Key>
@@ -89,8 +125,8 @@ GenericContainerImpl<Element, Ptr, ConstPtr, Key>* GenericContainerImpl<Element,
     store.template get<1>().rehash(m_store.template get<1>().bucket_count());
     store.template get<2>().rehash(m_store.template get<2>().bucket_count());
     // The walk is in key order, so each copy goes to the end.
-    for (Ptr const& element : m_store)
-        store.emplace_hint(store.end(), Ptr(element->DeepCopy()));
+    for (Entry const& entry : m_store)
+        store.emplace_hint(store.end(), Ptr(entry.element->DeepCopy()));
     return copy.release();
 }
 
@@ -99,14 +135,14 @@ int GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Add(Ptr const& element)
 {
     if (!IsStorable(element))
         return 0;
-    return m_store.insert(element).second ? 0 : IfErrDuplicateId;
+    return m_store.emplace(element).second ? 0 : IfErrDuplicateId;
 }
 
 template<typename Element, typename Ptr, typename ConstPtr, typename Key>
 int GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Add(std::vector<Ptr> const& elements)
 {
     for (Ptr const& element : elements)
-        if (IsStorable(element) && IsPresent(KeyOf()(element)))
+        if (IsStorable(element) && IsPresent(Subject(*element)->GetId()))
             return IfErrDuplicateId;
     Set(elements);
     return 0;
@@ -118,9 +154,11 @@ void GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Set(Ptr const& element)
     if (!IsStorable(element))
         return;
     auto& byKey = m_store.template get<1>();
-    auto const [place, inserted] = byKey.insert(element);
-    if (!inserted)
-        byKey.replace(place, element);
+    auto const place = byKey.find(Subject(*element)->GetId());
+    if (place == byKey.end())
+        byKey.emplace(element);
+    else
+        byKey.replace(place, Entry(element));
 }
 
 template<typename Element, typename Ptr, typename ConstPtr, typename Key>
@@ -135,7 +173,7 @@ Ptr GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Get(Key const& key) const
 {
     auto const& byKey = m_store.template get<1>();
     auto const place = byKey.find(key);
-    return place == byKey.end() ? Ptr() : *place;
+    return place == byKey.end() ? Ptr() : place->element;
 }
 
 template<typename Element, typename Ptr, typename ConstPtr, typename Key>
@@ -177,8 +215,8 @@ template<typename Element, typename Ptr, typename ConstPtr, typename Key>
 Ptr GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Find(std::string const& name) const
 {
     auto const& byName = m_store.template get<2>();
-    auto const place = byName.find(name);
-    return place == byName.end() ? Ptr() : *place;
+    auto const place = byName.find(Name(name));
+    return place == byName.end() ? Ptr() : place->element;
 }
 
 template<typename Element, typename Ptr, typename ConstPtr, typename Key>
@@ -187,7 +225,7 @@ bool GenericContainerImpl<Element, Ptr, ConstPtr, Key>::FindId(std::string const
     Ptr const element = Find(name);
     if (!element)
         return false;
-    key = KeyOf()(element);
+    key = Subject(*element)->GetId();
     return true;
 }
 

@@ -106,10 +106,9 @@ int InfoItemDirectory::SetInfo(boost::intrusive_ptr<InfoHolder const> const& inf
 {
     if (!info || !info->GetInfo())
         return IfErrNullArgument;
-    auto const [found, place] = m_infoItemHolderMap->Find(info->GetInfo()->GetId());
-    if (!found)
+    boost::intrusive_ptr<InfoItemHolder> const infoItem(m_infoItemHolderMap->Get_(info->GetInfo()->GetId()));
+    if (!infoItem)
         return IfErrNotFound;
-    auto const infoItem = place->second;
     auto const former = infoItem->GetInfo();
     if (!infoItem->SetInfo(info))
         return IfErrInvalidArgument;
@@ -121,10 +120,9 @@ int InfoItemDirectory::SetItem(boost::intrusive_ptr<ItemHolder const> const& ite
 {
     if (!item || !item->GetItem())
         return IfErrNullArgument;
-    auto const [found, place] = m_infoItemHolderMap->Find(item->GetItem()->GetId());
-    if (!found)
+    boost::intrusive_ptr<InfoItemHolder> const infoItem(m_infoItemHolderMap->Get_(item->GetItem()->GetId()));
+    if (!infoItem)
         return IfErrNotFound;
-    auto const infoItem = place->second;
     auto const former = infoItem->GetItem();
     if (!infoItem->SetItem(item))
         return IfErrInvalidArgument;
@@ -166,8 +164,7 @@ boost::intrusive_ptr<ItemHolder const> InfoItemDirectory::FindItem(std::string c
 
 boost::intrusive_ptr<InfoItemHolder const> InfoItemDirectory::FindInfoItem(unsigned int const& id) const
 {
-    auto const [found, place] = m_infoItemHolderMap->Find(id);
-    return found ? place->second : nullptr;
+    return m_infoItemHolderMap->Get_(id);
 }
 
 boost::intrusive_ptr<InfoItemHolder const> InfoItemDirectory::FindInfoItem(std::string const& sectionPath,
@@ -226,7 +223,7 @@ int InfoItemDirectory::UpdateFromDelta(std::shared_ptr<InfoItemDirectoryDelta> c
             return code;
     if (updateInfos)
         for (auto const& [id, info] : delta->GetInfoHolderPtrMap_addMod())
-            if (int const code = FindInfo(id) ? SetInfo(info) : AddInfo(info))
+            if (int const code = m_infoItemHolderMap->Get_(id) ? SetInfo(info) : AddInfo(info))
                 return code;
     if (updateItems)
         for (auto const& [id, item] : delta->GetItemHolderPtrMap_addMod())

@@ -1,7 +1,9 @@
+#include "PlaceIndex.h"
 #include "ReserveMore.h"
 
 #include <Legacy/If/SectionMapElement.h>
 
+#include <new>
 #include <utility>
 
 namespace Legacy::If {
@@ -31,22 +33,71 @@ void CopyChildren(Map& children)
         child.second = std::make_shared<SectionMapElement>(*child.second);
 }
 
+/// Finds in a map with names as keys, by its index where that can tell.
+template<typename Map, typename Index>
+typename Map::const_iterator FindName(Map const& map, Index const& index, std::string_view name)
+{
+    auto const* const place = index.Find(Detail::TagOf(name), [&](auto const& other) { return other->first == name; });
+    if (place)
+        return *place;
+    return index.IsComplete() ? map.end() : map.find(name);
+}
+
 } // namespace
 
-SectionMapElement::SectionMapElement(SectionId const& sectionId) : m_sectionId(sectionId), m_isRoot(false) {}
+struct SectionMapElement::Lookup
+{
+    Detail::PlaceIndex<decltype(m_subsectionsByName)::const_iterator> subsections;
+    Detail::PlaceIndex<decltype(m_infosByName)::const_iterator> infos;
+    std::vector<SectionMapElement*> subsectionsById; // null where there is none
+    Detail::PlaceIndex<SectionMapElement*> paths;    // of the root: sections that were once found by their own name
+
+    void Remember(SectionMapElement* section)
+    {
+        try {
+            paths.MakeRoom();
+        } catch (std::bad_alloc const&) {
+            return; // the long way remains
+        }
+        paths.Insert(Detail::TagOf(section->m_sectionId.GetSectionName()), section);
+    }
+
+    /// Both are called before the maps are changed and may fail; what follows cannot.
+    void MakeRoomForSubsection(unsigned char sub)
+    {
+        subsections.MakeRoom();
+        if (subsectionsById.size() <= sub)
+            subsectionsById.resize(sub + 1U);
+    }
+    void MakeRoomForInfo() { infos.MakeRoom(); }
+};
+
+SectionMapElement::SectionMapElement(SectionId const& sectionId)
+    : m_sectionId(sectionId), m_lookup(std::make_unique<Lookup>()), m_isRoot(false)
+{}
 
 SectionMapElement::SectionMapElement(SectionMapElement const& other)
     : m_sectionId(other.m_sectionId), m_subsectionsByName(other.m_subsectionsByName),
       m_subsectionsById(other.m_subsectionsById), m_infosByName(other.m_infosByName), m_infosById(other.m_infosById),
-      m_isRoot(other.m_isRoot)
+      m_lookup(std::make_unique<Lookup>()), m_isRoot(other.m_isRoot)
 {
     CopyChildren(m_subsectionsByName);
     CopyChildren(m_subsectionsById);
+    for (auto const& [sub, child] : m_subsectionsById) {
+        m_lookup->MakeRoomForSubsection(sub);
+        m_lookup->subsectionsById[sub] = child.get();
+    }
+    for (auto place = m_subsectionsByName.cbegin(); place != m_subsectionsByName.cend(); ++place)
+        m_lookup->subsections.Insert(Detail::TagOf(place->first), place);
+    for (auto place = m_infosByName.cbegin(); place != m_infosByName.cend(); ++place) {
+        m_lookup->MakeRoomForInfo();
+        m_lookup->infos.Insert(Detail::TagOf(place->first), place);
+    }
 }
 
 SectionMapElement::~SectionMapElement() = default;
 
-SectionMapElement::SectionMapElement() : m_isRoot(true) {}
+SectionMapElement::SectionMapElement() : m_lookup(std::make_unique<Lookup>()), m_isRoot(true) {}
 
 int SectionMapElement::AddSection_(SectionId const& id)
 {
@@ -80,7 +131,8 @@ int SectionMapElement::AddSection_(std::string_view path, SectionId& section)
     ParseSectionName_(path, first, rest);
     if (first.empty())
         return IfErrInvalidArgument;
-    if (auto const place = m_subsectionsByName.find(first); place != m_subsectionsByName.end()) {
+    if (auto const place = FindName(m_subsectionsByName, m_lookup->subsections, first);
+        place != m_subsectionsByName.end()) {
         if (!rest.empty())
             return place->second->AddSection_(rest, section);
         section = place->second->m_sectionId;
@@ -101,17 +153,11 @@ int SectionMapElement::AddSection_(std::string_view path, SectionId& section)
 
 int SectionMapElement::FindSection_(std::string_view path, SectionId& section) const
 {
-    if (path.empty()) {
-        if (m_isRoot)
-            return IfErrNotFound;
-        section = m_sectionId;
-        return 0;
-    }
-    std::string_view rest;
-    SectionMapElement* next = nullptr;
-    if (int const code = FindNextSectionMapElement_(path, rest, next))
+    SectionMapElement const* element = nullptr;
+    if (int const code = Descend_(*this, path, element))
         return code;
-    return next->FindSection_(rest, section);
+    section = element->m_sectionId;
+    return 0;
 }
 
 int SectionMapElement::FindSection_(InfoItemSectionId const& id, SectionId& section) const
@@ -161,35 +207,23 @@ int SectionMapElement::AddInfo_(InfoItemSectionId const& id, std::string const& 
 
 int SectionMapElement::AddInfo_(std::string_view path, std::string const& name, InfoItemSectionId& id)
 {
-    if (!path.empty()) {
-        std::string_view rest;
-        SectionMapElement* next = nullptr;
-        if (int const code = FindNextSectionMapElement_(path, rest, next))
-            return code;
-        return next->AddInfo_(rest, name, id);
-    }
-    if (m_isRoot)
-        return IfErrNotFound;
-    unsigned int number = 0;
-    if (int const code = AllocateInfoNumber_(number))
+    SectionMapElement* element = nullptr;
+    if (int const code = Descend_(*this, path, element))
         return code;
-    id = m_sectionId.GetInfoItemSectionId().CreateInfoItemId(number);
-    return AddNewInfo_(id, name, id);
+    unsigned int number = 0;
+    if (int const code = element->AllocateInfoNumber_(number))
+        return code;
+    id = element->m_sectionId.GetInfoItemSectionId().CreateInfoItemId(number);
+    return element->AddNewInfo_(id, name, id);
 }
 
 int SectionMapElement::FindInfo_(std::string_view path, std::string_view name, InfoItemSectionId& id) const
 {
-    if (!path.empty()) {
-        std::string_view rest;
-        SectionMapElement* next = nullptr;
-        if (int const code = FindNextSectionMapElement_(path, rest, next))
-            return code;
-        return next->FindInfo_(rest, name, id);
-    }
-    if (m_isRoot)
-        return IfErrNotFound;
-    auto const place = m_infosByName.find(name);
-    if (place == m_infosByName.end())
+    SectionMapElement const* element = nullptr;
+    if (int const code = Descend_(*this, path, element))
+        return code;
+    auto const place = FindName(element->m_infosByName, element->m_lookup->infos, name);
+    if (place == element->m_infosByName.end())
         return IfErrNotFound;
     id = place->second;
     return 0;
@@ -260,6 +294,7 @@ int SectionMapElement::AddNewSectionMapElement_(SectionId const& child, Child& e
     }
     if (hasName || hasId)
         return IfErrAlreadyExists;
+    m_lookup->MakeRoomForSubsection(sub);
     auto created = std::make_shared<SectionMapElement>(child);
     auto const place = m_subsectionsByName.emplace(std::move(name), created).first;
     try {
@@ -268,25 +303,32 @@ int SectionMapElement::AddNewSectionMapElement_(SectionId const& child, Child& e
         m_subsectionsByName.erase(place);
         throw;
     }
+    m_lookup->subsections.Insert(Detail::TagOf(place->first), place);
+    m_lookup->subsectionsById[sub] = created.get();
     element = std::move(created);
     return 0;
 }
 
 int SectionMapElement::AddNewInfo_(InfoItemSectionId const& id, std::string const& name, InfoItemSectionId& stored)
 {
+    m_lookup->MakeRoomForInfo();
     auto const [byName, isNewName] = m_infosByName.try_emplace(name, id);
     stored = byName->second;
     if (!isNewName)
         return IfErrAlreadyExists;
+    bool isNewId = false;
     try {
-        if (m_infosById.try_emplace(byName->second, name).second)
-            return 0;
+        isNewId = m_infosById.try_emplace(byName->second, name).second;
     } catch (...) {
         m_infosByName.erase(byName);
         throw;
     }
-    m_infosByName.erase(byName);
-    return IfErrAlreadyExists;
+    if (!isNewId) {
+        m_infosByName.erase(byName);
+        return IfErrAlreadyExists;
+    }
+    m_lookup->infos.Insert(Detail::TagOf(byName->first), byName);
+    return 0;
 }
 
 int SectionMapElement::AllocateSubsectionId_(unsigned char& sub) const
@@ -324,7 +366,7 @@ int SectionMapElement::FindNextSectionMapElement_(std::string_view path, std::st
     ParseSectionName_(path, first, rest);
     if (first.empty())
         return IfErrInvalidArgument;
-    auto const place = m_subsectionsByName.find(first);
+    auto const place = FindName(m_subsectionsByName, m_lookup->subsections, first);
     if (place == m_subsectionsByName.end())
         return IfErrNotFound;
     next = place->second.get();
@@ -336,10 +378,9 @@ int SectionMapElement::FindNextSectionMapElement_(InfoItemSectionId const& id, S
     unsigned char const sub = id.GetSubsectionId(Depth_() + 1);
     if (sub == k_noSubsection)
         return IfErrInvalidArgument;
-    auto const place = m_subsectionsById.find(sub);
-    if (place == m_subsectionsById.end())
+    if (sub >= m_lookup->subsectionsById.size() || !m_lookup->subsectionsById[sub])
         return IfErrNotFound;
-    next = place->second.get();
+    next = m_lookup->subsectionsById[sub];
     return 0;
 }
 
@@ -351,6 +392,31 @@ void SectionMapElement::ParseSectionName_(std::string_view path, std::string_vie
     std::size_t const delim = path.find(SectionId::k_sectionDelim);
     first = path.substr(0, delim);
     rest = delim == std::string_view::npos ? std::string_view() : path.substr(delim + 1);
+}
+
+/// Leads down to the node of the section with that path, which is not the root. A path that was found before is known
+/// as a whole; no section ever moves or goes away.
+template<typename Self>
+int SectionMapElement::Descend_(Self& self, std::string_view path, Self*& element)
+{
+    if (path.empty()) {
+        element = &self;
+        return self.m_isRoot ? IfErrNotFound : 0;
+    }
+    auto const isIt = [&](SectionMapElement* section) { return section->m_sectionId.GetSectionName() == path; };
+    if (auto const* const known = self.m_lookup->paths.Find(Detail::TagOf(path), isIt)) {
+        element = *known;
+        return 0;
+    }
+    SectionMapElement* next = nullptr;
+    std::string_view rest = path;
+    for (SectionMapElement const* from = &self; !rest.empty(); from = next)
+        if (int const code = from->FindNextSectionMapElement_(rest, rest, next))
+            return code;
+    if (self.m_isRoot && isIt(next))
+        self.m_lookup->Remember(next);
+    element = next;
+    return 0;
 }
 
 /// Leads down to the node of the section that the id names or lies in; `mismatch` is the code for a node on the way

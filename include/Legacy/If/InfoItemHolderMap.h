@@ -6,6 +6,7 @@
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 
 #include <map>
+#include <memory>
 #include <string>
 #include <utility>
 
@@ -71,18 +72,26 @@ public:
 
     /// Whether the id is present, and its place, or the end.
     std::pair<bool, ById::const_iterator> Find(unsigned int const& id);
-    /// The range of all holders of that name, empty if there is none.
+    /// The range of all holders of that name, empty if there is none. Holders are sorted by name when a name is first
+    /// asked for, so that those who never ask do not pay; this may allocate.
     std::pair<ByName::const_iterator, ByName::const_iterator> Find(std::string const& name);
 
     bool Empty() const noexcept { return m_holdersById.empty(); }
     void Clear() noexcept;
 
 private:
+    friend class InfoItemDirectory;
+    struct Lookup;
+    struct Place;
+
+    InfoItemHolder* Get_(unsigned int id) const;
     std::pair<bool, ById::iterator> Find_(unsigned int const& id);
     std::pair<ByName::iterator, ByName::iterator> Find_(std::string const& name);
+    void EnterPending_();
 
     ById m_holdersById;
-    ByName m_holdersByName;
+    ByName m_holdersByName; // without those that are pending
+    std::unique_ptr<Lookup> m_lookup;
 };
 
 } // namespace Legacy::If

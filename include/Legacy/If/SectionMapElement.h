@@ -56,6 +56,7 @@ private:
     friend class SectionMap;
 
     using Child = std::shared_ptr<SectionMapElement>;
+    struct Lookup;
 
     unsigned int Depth_() const noexcept { return m_sectionId.GetSectionDepth(); }
     int AddNewSectionMapElement_(SectionId const& child, Child& element);
@@ -66,6 +67,8 @@ private:
     int FindNextSectionMapElement_(InfoItemSectionId const& id, SectionMapElement*& next) const;
     static void ParseSectionName_(std::string_view path, std::string_view& first, std::string_view& rest);
     template<typename Self>
+    static int Descend_(Self& self, std::string_view path, Self*& element);
+    template<typename Self>
     static int Descend_(Self& self, InfoItemSectionId const& id, int mismatch, Self*& element);
 
     SectionId m_sectionId;
@@ -73,6 +76,7 @@ private:
     std::map<unsigned char, Child> m_subsectionsById;
     std::map<std::string, InfoItemSectionId, std::less<>> m_infosByName;
     std::map<InfoItemSectionId, std::string> m_infosById;
+    std::unique_ptr<Lookup> m_lookup; // finds in the maps
     bool m_isRoot;
 };
 
