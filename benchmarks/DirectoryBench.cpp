@@ -1,5 +1,5 @@
 // What finding, adding, updating and copying parameters costs, each row beside what else one would use for it.
-#include "Allocations.h"
+#include "Rows.h"
 
 #include <Legacy/If/InfoItemContainer.h>
 #include <Legacy/If/InfoItemDirectory.h>
@@ -13,6 +13,10 @@
 #include <boost/multi_index_container.hpp>
 #include <boost/unordered/unordered_flat_map.hpp>
 
+#ifdef BENCH_HAS_GLIB
+#include <glib.h>
+#endif
+
 #include <algorithm>
 #include <cmath>
 #include <random>
@@ -24,6 +28,8 @@
 namespace {
 
 using namespace Legacy::If;
+using Bench::AddRow;
+using Bench::k_ours;
 
 using Info = boost::intrusive_ptr<InfoBase>;
 using InfoItem = boost::intrusive_ptr<InfoItemHolder>;
@@ -186,6 +192,26 @@ struct PathMap
     Map<std::string, Info> byPath;
 };
 
+#ifdef BENCH_HAS_GLIB
+struct GLibPathTable
+{
+    explicit GLibPathTable(World const& world)
+    {
+        for (Info const& info : world.infos)
+            g_hash_table_insert(table, g_strconcat(world.PathOf(*info).c_str(), "/", info->GetName().c_str(), nullptr),
+                                info.get());
+    }
+    GLibPathTable(GLibPathTable const&) = delete;
+    GLibPathTable& operator=(GLibPathTable const&) = delete;
+    ~GLibPathTable() { g_hash_table_destroy(table); }
+    Info Find(std::string const& path, std::string const& name) const
+    {
+        return static_cast<InfoBase*>(g_hash_table_lookup(table, (path + '/' + name).c_str()));
+    }
+    GHashTable* table = g_hash_table_new_full(g_str_hash, g_str_equal, g_free, nullptr);
+};
+#endif
+
 template<typename... Arguments>
 using StdMap = std::unordered_map<Arguments...>;
 template<typename... Arguments>
@@ -241,9 +267,9 @@ Subject& Filled(std::size_t size)
 }
 
 template<typename Ask>
-void Run(benchmark::State& state, Ask&& ask)
+void Run(benchmark::State& state, std::size_t size, Ask&& ask)
 {
-    World const& world = World::Of(static_cast<std::size_t>(state.range(0)));
+    World const& world = World::Of(size);
     std::size_t next = 0;
     bool right = true;
     Allocations const allocations;
@@ -257,31 +283,31 @@ void Run(benchmark::State& state, Ask&& ask)
 }
 
 template<typename Subject>
-void FindById(benchmark::State& state)
+void FindById(benchmark::State& state, std::size_t size)
 {
-    Subject& subject = Filled<Subject>(static_cast<std::size_t>(state.range(0)));
-    Run(state, [&](World::Question const& question) { return subject.Find(question.id); });
+    Subject& subject = Filled<Subject>(size);
+    Run(state, size, [&](World::Question const& question) { return subject.Find(question.id); });
 }
 
 template<typename Subject>
-void FindByName(benchmark::State& state)
+void FindByName(benchmark::State& state, std::size_t size)
 {
-    Subject& subject = Filled<Subject>(static_cast<std::size_t>(state.range(0)));
-    Run(state, [&](World::Question const& question) { return subject.Find(question.name); });
+    Subject& subject = Filled<Subject>(size);
+    Run(state, size, [&](World::Question const& question) { return subject.Find(question.name); });
 }
 
 template<typename Subject>
-void FindByPathAndName(benchmark::State& state)
+void FindByPathAndName(benchmark::State& state, std::size_t size)
 {
-    Subject& subject = Filled<Subject>(static_cast<std::size_t>(state.range(0)));
-    Run(state, [&](World::Question const& question) { return subject.Find(question.path, question.name); });
+    Subject& subject = Filled<Subject>(size);
+    Run(state, size, [&](World::Question const& question) { return subject.Find(question.path, question.name); });
 }
 
 /// Fills a subject and ends it again; the time and the memory of one parameter.
 template<typename Subject>
-void Add(benchmark::State& state)
+void Add(benchmark::State& state, std::size_t size)
 {
-    World const& world = World::Of(static_cast<std::size_t>(state.range(0)));
+    World const& world = World::Of(size);
     std::size_t bytes = 0;
     bool right = true;
     for (auto _ : state) {
@@ -293,14 +319,14 @@ void Add(benchmark::State& state)
         subject.reset();
         state.ResumeTiming();
     }
-    state.SetItemsProcessed(state.iterations() * state.range(0));
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(size));
     state.counters["bytes/param"] = static_cast<double>(bytes) / static_cast<double>(world.infos.size());
     Check(state, right);
 }
 
-void Copy(benchmark::State& state)
+void Copy(benchmark::State& state, std::size_t size)
 {
-    InfoContainer const& source = Filled<OurContainer>(static_cast<std::size_t>(state.range(0))).container;
+    InfoContainer const& source = Filled<OurContainer>(size).container;
     bool right = true;
     for (auto _ : state) {
         auto copy = std::make_unique<InfoContainer>(source);
@@ -309,15 +335,15 @@ void Copy(benchmark::State& state)
         copy.reset();
         state.ResumeTiming();
     }
-    state.SetItemsProcessed(state.iterations() * state.range(0));
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(size));
     Check(state, right);
 }
 
 /// The same objects copied into peers.
 template<typename Subject>
-void CopyInto(benchmark::State& state)
+void CopyInto(benchmark::State& state, std::size_t size)
 {
-    World const& world = World::Of(static_cast<std::size_t>(state.range(0)));
+    World const& world = World::Of(size);
     World copies(0);
     copies.infos.reserve(world.infos.size());
     bool right = true;
@@ -331,7 +357,7 @@ void CopyInto(benchmark::State& state)
         copies.infos.clear();
         state.ResumeTiming();
     }
-    state.SetItemsProcessed(state.iterations() * state.range(0));
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(size));
     Check(state, right);
 }
 
@@ -346,9 +372,8 @@ std::vector<boost::intrusive_ptr<ItemHolder>> DeltaItems(World const& world)
 }
 
 /// A tenth of a million values, spread over all parameters, applied to the directory.
-void Delta(benchmark::State& state)
+void Delta(benchmark::State& state, std::size_t size)
 {
-    auto const size = static_cast<std::size_t>(state.range(0));
     InfoItemDirectory& directory = Filled<OurDirectory>(size).directory;
     auto const items = DeltaItems(World::Of(size));
     auto const delta = std::make_shared<InfoItemDirectoryDelta>();
@@ -361,9 +386,9 @@ void Delta(benchmark::State& state)
     Check(state, code == 0 && directory.FindItem(items[0]->GetItem()->GetId()) == items[0]);
 }
 
-void DeltaIntoFlatMap(benchmark::State& state)
+void DeltaIntoFlatMap(benchmark::State& state, std::size_t size)
 {
-    World const& world = World::Of(static_cast<std::size_t>(state.range(0)));
+    World const& world = World::Of(size);
     boost::unordered_flat_map<unsigned int, InfoItem> map;
     for (Info const& info : world.infos)
         map.emplace(info->GetId(), new InfoItemHolder(new InfoHolder(info)));
@@ -379,40 +404,54 @@ void DeltaIntoFlatMap(benchmark::State& state)
     Check(state, right);
 }
 
-void Sizes(benchmark::internal::Benchmark* row) { row->Arg(1000)->Arg(100000)->Arg(1000000); }
-void Large(benchmark::internal::Benchmark* row) { row->Arg(1000)->Arg(1000000)->Unit(benchmark::kMillisecond); }
+using Step = void (*)(benchmark::State&, std::size_t);
 
-BENCHMARK(FindById<OurContainer>)->Apply(Sizes);
-BENCHMARK(FindById<OurHolderMap>)->Apply(Sizes);
-BENCHMARK(FindById<OurDirectory>)->Apply(Sizes);
-BENCHMARK(FindById<TwoMaps<StdMap>>)->Apply(Sizes);
-BENCHMARK(FindById<TwoMaps<FlatMap>>)->Apply(Sizes);
-BENCHMARK(FindById<MultiIndex>)->Apply(Sizes);
-BENCHMARK(FindById<SortedVector>)->Apply(Sizes);
+void AddSized(char const* operation, std::size_t size, char const* library, Step step)
+{
+    AddRow(operation, std::to_string(size), library, [=](benchmark::State& state) { step(state, size); });
+}
 
-BENCHMARK(FindByName<OurContainer>)->Apply(Sizes);
-BENCHMARK(FindByName<OurHolderMap>)->Apply(Sizes);
-BENCHMARK(FindByName<TwoMaps<StdMap>>)->Apply(Sizes);
-BENCHMARK(FindByName<TwoMaps<FlatMap>>)->Apply(Sizes);
-BENCHMARK(FindByName<MultiIndex>)->Apply(Sizes);
+bool AddRows()
+{
+    for (std::size_t const size : {1000U, 100000U, 1000000U}) {
+        AddSized("find-by-id", size, k_ours, FindById<OurContainer>);
+        AddSized("find-by-id", size, "legacyif-map", FindById<OurHolderMap>);
+        AddSized("find-by-id", size, "legacyif-directory", FindById<OurDirectory>);
+        AddSized("find-by-id", size, "std-unordered", FindById<TwoMaps<StdMap>>);
+        AddSized("find-by-id", size, "boost-flat", FindById<TwoMaps<FlatMap>>);
+        AddSized("find-by-id", size, "boost-multi-index", FindById<MultiIndex>);
+        AddSized("find-by-id", size, "sorted-vector", FindById<SortedVector>);
 
-BENCHMARK(FindByPathAndName<OurDirectory>)->Apply(Sizes);
-BENCHMARK(FindByPathAndName<PathMap<StdMap>>)->Apply(Sizes);
-BENCHMARK(FindByPathAndName<PathMap<FlatMap>>)->Apply(Sizes);
+        AddSized("find-by-name", size, k_ours, FindByName<OurContainer>);
+        AddSized("find-by-name", size, "legacyif-map", FindByName<OurHolderMap>);
+        AddSized("find-by-name", size, "std-unordered", FindByName<TwoMaps<StdMap>>);
+        AddSized("find-by-name", size, "boost-flat", FindByName<TwoMaps<FlatMap>>);
+        AddSized("find-by-name", size, "boost-multi-index", FindByName<MultiIndex>);
 
-BENCHMARK(Delta)->Apply(Large);
-BENCHMARK(DeltaIntoFlatMap)->Apply(Large);
+        AddSized("find-by-path", size, k_ours, FindByPathAndName<OurDirectory>);
+        AddSized("find-by-path", size, "std-unordered", FindByPathAndName<PathMap<StdMap>>);
+        AddSized("find-by-path", size, "boost-flat", FindByPathAndName<PathMap<FlatMap>>);
+#ifdef BENCH_HAS_GLIB
+        AddSized("find-by-path", size, "glib", FindByPathAndName<GLibPathTable>);
+#endif
 
-BENCHMARK(Add<OurContainer>)->Apply(Large);
-BENCHMARK(Add<OurHolderMap>)->Apply(Large);
-BENCHMARK(Add<OurDirectory>)->Apply(Large);
-BENCHMARK(Add<TwoMaps<StdMap>>)->Apply(Large);
-BENCHMARK(Add<TwoMaps<FlatMap>>)->Apply(Large);
-BENCHMARK(Add<MultiIndex>)->Apply(Large);
+        AddSized("delta-of-1e5", size, k_ours, Delta);
+        AddSized("delta-of-1e5", size, "boost-flat", DeltaIntoFlatMap);
 
-BENCHMARK(Copy)->Arg(100000)->Unit(benchmark::kMillisecond);
-BENCHMARK(CopyInto<TwoMaps<FlatMap>>)->Arg(100000)->Unit(benchmark::kMillisecond);
-BENCHMARK(CopyInto<MultiIndex>)->Arg(100000)->Unit(benchmark::kMillisecond);
-BENCHMARK(CopyInto<SortedVector>)->Arg(100000)->Unit(benchmark::kMillisecond);
+        AddSized("add", size, k_ours, Add<OurContainer>);
+        AddSized("add", size, "legacyif-map", Add<OurHolderMap>);
+        AddSized("add", size, "legacyif-directory", Add<OurDirectory>);
+        AddSized("add", size, "std-unordered", Add<TwoMaps<StdMap>>);
+        AddSized("add", size, "boost-flat", Add<TwoMaps<FlatMap>>);
+        AddSized("add", size, "boost-multi-index", Add<MultiIndex>);
+    }
+    AddSized("copy", 100000, k_ours, Copy);
+    AddSized("copy", 100000, "boost-flat", CopyInto<TwoMaps<FlatMap>>);
+    AddSized("copy", 100000, "boost-multi-index", CopyInto<MultiIndex>);
+    AddSized("copy", 100000, "sorted-vector", CopyInto<SortedVector>);
+    return true;
+}
+
+bool const added = AddRows();
 
 } // namespace

@@ -72,7 +72,7 @@ public:
 
     void Clear() noexcept
     {
-        m_slots.clear();
+        std::vector<Slot>().swap(m_slots);
         m_count = m_used = 0;
         m_isComplete = true;
     }
