@@ -62,14 +62,13 @@ struct SectionMapElement::Lookup
         paths.Insert(Detail::TagOf(section->m_sectionId.GetSectionName()), section);
     }
 
-    /// Both are called before the maps are changed and may fail; what follows cannot.
+    /// Called before the maps are changed, since it may fail; what follows cannot.
     void MakeRoomForSubsection(unsigned char sub)
     {
         subsections.MakeRoom();
         if (subsectionsById.size() <= sub)
             subsectionsById.resize(sub + 1U);
     }
-    void MakeRoomForInfo() { infos.MakeRoom(); }
 };
 
 SectionMapElement::SectionMapElement(SectionId const& sectionId)
@@ -90,7 +89,7 @@ SectionMapElement::SectionMapElement(SectionMapElement const& other)
     for (auto place = m_subsectionsByName.cbegin(); place != m_subsectionsByName.cend(); ++place)
         m_lookup->subsections.Insert(Detail::TagOf(place->first), place);
     for (auto place = m_infosByName.cbegin(); place != m_infosByName.cend(); ++place) {
-        m_lookup->MakeRoomForInfo();
+        m_lookup->infos.MakeRoom();
         m_lookup->infos.Insert(Detail::TagOf(place->first), place);
     }
 }
@@ -311,7 +310,7 @@ int SectionMapElement::AddNewSectionMapElement_(SectionId const& child, Child& e
 
 int SectionMapElement::AddNewInfo_(InfoItemSectionId const& id, std::string const& name, InfoItemSectionId& stored)
 {
-    m_lookup->MakeRoomForInfo();
+    m_lookup->infos.MakeRoom();
     auto const [byName, isNewName] = m_infosByName.try_emplace(name, id);
     stored = byName->second;
     if (!isNewName)
