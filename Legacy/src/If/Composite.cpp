@@ -23,9 +23,10 @@ ItemBase* CompositeInfo::CreateItem() const
         [](InfoBase const& member) {
             if (!Detail::IsExactly<CompositeInfo>(member))
                 return Branch{};
-            boost::intrusive_ptr<CompositeItem> const made(new CompositeItem(member.GetId()));
+            boost::intrusive_ptr<CompositeItem> made(new CompositeItem(member.GetId()));
+            MemberList<ItemBase>& items = Detail::MemberAccess::Of(*made);
             auto const& schemas = Detail::MemberAccess::Of(static_cast<CompositeInfo const&>(member));
-            return Branch{made, &schemas, &Detail::MemberAccess::Of(*made)};
+            return Branch{std::move(made), &schemas, &items};
         },
         [](InfoBase const& member) { return member.CreateItem(); });
     return item.release();

@@ -294,11 +294,11 @@ int RebuildMembers(MemberList<ItemBase>& members, Detail::PayloadReader const& p
     for (;;) {
         Rebuilding& here = path.Here();
         if (here.left == 0) {
-            boost::intrusive_ptr<ItemBase> const done = std::move(here.item);
+            boost::intrusive_ptr<ItemBase> done = std::move(here.item);
             std::uint64_t const size = here.next; // which is what measuring the rebuilt composite would give
             if (!path.Ascend())
                 return 0;
-            path.Here().Close(done, size);
+            path.Here().Close(std::move(done), size);
             continue;
         }
         ItemBase::ConstSerialStruct_t record;
@@ -312,12 +312,13 @@ int RebuildMembers(MemberList<ItemBase>& members, Detail::PayloadReader const& p
             here.Close(std::move(member), size);
             continue;
         }
-        boost::intrusive_ptr<CompositeItem> const item(
+        boost::intrusive_ptr<CompositeItem> item(
             new CompositeItem(boost::endian::big_to_native(std::uint32_t{record.id})));
         Detail::PayloadReader nested;
         if (Detail::OpenRecord(*item, &record, nested) != 0 || nested.Left() < k_countSize)
             return IfErrNotSerializable;
-        path.Descend(Rebuilding(item, Detail::MemberAccess::Of(*item), nested.Next(), nested.Left()));
+        MemberList<ItemBase>& list = Detail::MemberAccess::Of(*item);
+        path.Descend(Rebuilding(std::move(item), list, nested.Next(), nested.Left()));
         makeRoom(path.Here());
     }
 }

@@ -162,12 +162,12 @@ void BuildMembers(MemberList<From> const& from, MemberList<To>& to, MakeBranch&&
     do {
         while (!path.Here().left.Empty()) {
             From const& member = *path.Here().left.Take();
-            Branch<From, To> const next = branch(member);
+            Branch<From, To> next = branch(member);
             if (!next.object) {
                 path.Here().to->Add(boost::intrusive_ptr<To>(leaf(member)));
                 continue;
             }
-            path.Here().to->Add(next.object);
+            path.Here().to->Add(std::move(next.object));
             next.to->Reserve(next.from->Size());
             path.Descend(Step{Remaining(*next.from), next.to});
         }
@@ -179,8 +179,9 @@ template<typename Root>
 void CopyMembers(MemberList<Root> const& from, MemberList<Root>& to)
 {
     auto const like = []<typename Family>(Family const& object) {
-        boost::intrusive_ptr<Family> const made(Nesting<Root>::template MakeLike<Family>(object));
-        return Branch<Root, Root>{made, &MemberAccess::Of(object), &MemberAccess::Of(*made)};
+        boost::intrusive_ptr<Family> made(Nesting<Root>::template MakeLike<Family>(object));
+        MemberList<Root>& members = MemberAccess::Of(*made);
+        return Branch<Root, Root>{std::move(made), &MemberAccess::Of(object), &members};
     };
     BuildMembers(
         from, to,
