@@ -60,3 +60,10 @@ function(platform_executable name)
     set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
     target_link_libraries(${name} PRIVATE ${ARG_LINK})
 endfunction()
+
+# platform_test(name SOURCES … LINK …): one GoogleTest program, its cases known to ctest by name.
+function(platform_test name)
+    cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
+    platform_executable(${name} SOURCES ${ARG_SOURCES} LINK ${ARG_LINK} GTest::gmock GTest::gtest_main)
+    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60)
+endfunction()

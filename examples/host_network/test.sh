@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Runs the example host_network as people and accidents do.
-# usage: host_network.sh PROGRAM
+# usage: test.sh PROGRAM
 set -uo pipefail
 program=$1
 work=$(mktemp -d)
