@@ -8,9 +8,10 @@
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 #include <gtest/gtest.h>
 
-#include <array>
+#include <algorithm>
 #include <iomanip>
 #include <limits>
+#include <memory>
 #include <sstream>
 #include <thread>
 #include <utility>
@@ -19,47 +20,32 @@
 namespace Orlek {
 namespace {
 
-CodeLocation const k_here("dir\\File", "Space::Function", 273);
-
-class Counted : public IntrusiveBaseMT
+struct Counted : IntrusiveBaseMT
 {
-public:
-    explicit Counted(int& deaths) : m_deaths(&deaths) {}
-    Counted(Counted const&) = default;
-    Counted& operator=(Counted const&) = default;
-    ~Counted() override { ++*m_deaths; }
-
-private:
-    int* m_deaths;
+    std::shared_ptr<int> life = std::make_shared<int>();
 };
 
 TEST(IntrusiveBaseMT, LastReferenceDestroysWhicheverThreadDropsIt)
 {
-    int deaths = 0;
-    {
-        boost::intrusive_ptr<Counted const> shared(new Counted(deaths));
-        std::vector<std::thread> threads;
-        for (int i = 0; i < 4; ++i)
-            threads.emplace_back([own = shared] {
-                for (int turn = 0; turn < 2000; ++turn) {
-                    boost::intrusive_ptr<Counted const> const another(own);
-                    EXPECT_GE(another->GetRefCount(), 2);
-                }
-            });
-        shared.reset();
-        for (auto& thread : threads)
-            thread.join();
-    }
-    EXPECT_EQ(deaths, 1);
+    boost::intrusive_ptr<Counted const> shared(new Counted);
+    std::weak_ptr<int> const life = shared->life;
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back([own = shared]() mutable {
+            for (int turn = 0; turn < 2000; ++turn)
+                EXPECT_GE(boost::intrusive_ptr<Counted const>(own)->GetRefCount(), 2);
+            own.reset();
+        });
+    shared.reset();
+    for (auto& thread : threads)
+        thread.join();
+    EXPECT_TRUE(life.expired());
 }
 
 TEST(IntrusiveBaseMT, CountBelongsToTheObject)
 {
-    int deaths = 0;
-    boost::intrusive_ptr<Counted> const held(new Counted(deaths));
-    Counted copy(*held);
-    EXPECT_EQ(copy.GetRefCount(), 0);
-    copy = *held;
+    boost::intrusive_ptr<Counted> const held(new Counted);
+    Counted const copy(*held);
     EXPECT_EQ(copy.GetRefCount(), 0);
     *held = copy;
     EXPECT_EQ(held->GetRefCount(), 1);
@@ -67,22 +53,12 @@ TEST(IntrusiveBaseMT, CountBelongsToTheObject)
 
 TEST(LogLevel, EverySeverityHasALevel)
 {
-    struct
-    {
-        std::int32_t severity;
-        LogLevel_t level;
-        char const* text;
-    } const cases[] = {{std::numeric_limits<std::int32_t>::min(), LogLevel_t::Trace, "Trace"},
-                       {0, LogLevel_t::Trace, "Trace"},
-                       {1, LogLevel_t::Debug, "Debug"},
-                       {2, LogLevel_t::Info, "Info"},
-                       {3, LogLevel_t::Warning, "Warning"},
-                       {4, LogLevel_t::Error, "Error"},
-                       {5, LogLevel_t::Fatal, "Fatal"},
-                       {std::numeric_limits<std::int32_t>::max(), LogLevel_t::Fatal, "Fatal"}};
-    for (auto const& c : cases) {
-        EXPECT_EQ(GetLogLevelFromSeverity(static_cast<SeverityLevel_t>(c.severity)), c.level) << c.severity;
-        EXPECT_EQ(GetLogLevelText(static_cast<LogLevel_t>(c.severity)), c.text) << c.severity;
+    using limits = std::numeric_limits<std::int32_t>;
+    char const* const texts[] = {"Trace", "Debug", "Info", "Warning", "Error", "Fatal"};
+    for (std::int32_t const severity : {limits::min(), 0, 1, 2, 3, 4, 5, limits::max()}) {
+        auto const level = std::clamp(severity, 0, 5);
+        EXPECT_EQ(GetLogLevelFromSeverity(static_cast<SeverityLevel_t>(severity)), static_cast<LogLevel_t>(level));
+        EXPECT_EQ(GetLogLevelText(static_cast<LogLevel_t>(severity)), texts[level]);
     }
 }
 
@@ -91,80 +67,44 @@ using Extra = boost::error_info<struct ExtraTag, int>;
 TEST(Exception, IsCaughtUnderEveryBaseWithItsParts)
 {
     try {
-        throw LogicError(-32, "Null pointer", k_here) << Extra(7);
+        throw LogicError(-32, "Null pointer", {"dir\\File", "Space::Function", 273}) << Extra(7);
     } catch (Exception const& error) {
         Exception copy = error;
         Exception const moved = std::move(copy); // leaves its source whole
         EXPECT_NE(dynamic_cast<LogicError const*>(&error), nullptr);
         EXPECT_EQ(copy.GetCode(), -32);
-        EXPECT_EQ(copy.GetMessage(), "Null pointer");
-        EXPECT_EQ(copy.GetLocation(), k_here);
+        EXPECT_STREQ(static_cast<std::exception const&>(copy).what(), "Null pointer");
+        std::ostringstream out;
+        out << std::hex << std::showbase << copy.GetLocation(); // numbers in places are always decimal
+        EXPECT_EQ(out.str(), "dir\\File:273 Space::Function");
         ASSERT_NE(boost::get_error_info<Extra>(copy), nullptr);
         EXPECT_EQ(*boost::get_error_info<Extra>(copy), 7);
     }
-    EXPECT_THROW(throw LogicError(1, "m", {}), boost::exception);
-    try {
-        throw LogicError(1, "text", {});
-    } catch (std::exception const& error) {
-        EXPECT_STREQ(error.what(), "text");
-    }
-    static_assert(std::is_nothrow_copy_constructible_v<LogicError> && std::is_nothrow_copy_assignable_v<LogicError>);
 }
 
-TEST(CodeLocation, PrintsWithoutRegardToTheStreamsNumberFormat)
-{
-    std::ostringstream out;
-    out << std::hex << std::showbase << k_here << '|' << CodeLocation();
-    EXPECT_EQ(out.str(), "dir\\File:273 Space::Function|:0 ");
-}
-
-TEST(StrPtrLen, ViewsWhatItIsGiven)
+TEST(StrPtrLen, ViewsWhatItIsGivenAndNothingBehind)
 {
     std::string const text("a\0b", 3);
-    EXPECT_EQ(StrPtrLen(text).ToStdString(), text);
-    EXPECT_EQ(StrPtrLen(text).Data(), text.data());
-    EXPECT_EQ(StrPtrLen(text.data(), 2).Size(), 2U);
-    for (auto const& empty : {StrPtrLen(), StrPtrLen(nullptr, 5), StrPtrLen(static_cast<char const*>(nullptr)),
-                              StrPtrLen(""), StrPtrLen(text.data(), 0)})
-    {
-        EXPECT_TRUE(empty.IsEmpty());
+    for (auto const& empty : {StrPtrLen(), StrPtrLen(nullptr, 5), StrPtrLen(static_cast<char const*>(nullptr))}) {
         EXPECT_EQ(empty.ToStdString(), "");
         EXPECT_EQ(empty.Front(), '\0');
-        EXPECT_EQ(empty, StrPtrLen());
+        EXPECT_EQ(empty, StrPtrLen(""));
     }
-}
-
-TEST(StrPtrLen, AdvancesNoFurtherThanItsEnd)
-{
-    StrPtrLen view("abc");
-    view.Advance();
-    EXPECT_EQ(view.Front(), 'b');
-    view.Advance(0);
-    EXPECT_EQ(view, StrPtrLen("bc"));
+    StrPtrLen view(text);
+    EXPECT_EQ(view.ToStdString(), text);
+    view.Advance(2);
+    EXPECT_EQ(view, StrPtrLen("b"));
     view.Advance(std::numeric_limits<std::size_t>::max());
-    EXPECT_TRUE(view.IsEmpty());
     view.Advance();
     EXPECT_TRUE(view.IsEmpty());
 }
 
 TEST(StrPtrLen, IgnoresTheCaseOfAsciiLettersOnly)
 {
-    struct
-    {
-        char const* a;
-        char const* b;
-        bool equal;
-    } const cases[] = {{"", "", true},
-                       {"http", "HTTP", true},
-                       {"AZaz09", "azAZ09", true},
-                       {"http", "https", false},
-                       {"https", "http", false},
-                       {"@[`{", "`{@[", false},
-                       {"k", "\xE2\x84\xAA", false},
-                       {"\xC3\x84", "\xC3\xA4", false},
-                       {"\xC3\x84", "\xC3\x84", true}};
-    for (auto const& c : cases)
-        EXPECT_EQ(StrPtrLen(c.a).EqualIgnoreCase(c.b), c.equal) << c.a << ' ' << c.b;
+    EXPECT_TRUE(StrPtrLen("AZaz09").EqualIgnoreCase("azAZ09"));
+    for (auto const& [a, b] :
+         {std::pair("http", "https"), {"https", "http"}, {"@[`{", "`{@["}, {"\xC3\x84", "\xC3\xA4"}})
+        EXPECT_FALSE(StrPtrLen(a).EqualIgnoreCase(b)) << a << ' ' << b;
 }
 
 } // namespace

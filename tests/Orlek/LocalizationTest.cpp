@@ -1,6 +1,5 @@
 #include <Orlek/Localization.h>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -10,13 +9,14 @@
 #include <iterator>
 #include <locale>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 namespace Orlek {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::HasSubstr;
+using namespace std::string_literals;
 
 std::string const k_minKey = "TypesSystemNumericValidationMin";
 std::string const k_minEnglish = "{1}: the value is below the minimum of {2}.";
@@ -26,73 +26,34 @@ std::string Look(std::string const& key, std::string const& language) { return L
 
 TEST(Localization, EveryKeyHasATextWithAllItsPlaceholdersInEachLanguage)
 {
-    struct
+    std::string const mismatch = "TypesSystemValidateTypeMismatch";
+    for (std::string const& key :
+         {mismatch, "TypesSystemIllegalValidatationError"s, "TypesSystemNumericValidationMin"s,
+          "TypesSystemNumericValidationMax"s, "TypesSystemNumericArrayValidationMinSize"s,
+          "TypesSystemNumericArrayValidationMaxSize"s, "TypesSystemStringArrayValidationMinSize"s,
+          "TypesSystemStringArrayValidationMaxSize"s, "BoolArrayValidationMinSize"s,
+          "TypesSystemStringValidationLength"s, "TypesSystemBoolValidationFixedVal"s, "TypesSystemEnumValidationValue"s,
+          "TypesSystemCompositeValidationSize"s, "TypesSystemCompositeTypeMismatch"s})
     {
-        char const* key;
-        int arguments;
-    } const cases[] = {{"TypesSystemValidateTypeMismatch", 3},
-                       {"TypesSystemIllegalValidatationError", 2},
-                       {"TypesSystemNumericValidationMin", 2},
-                       {"TypesSystemNumericValidationMax", 2},
-                       {"TypesSystemNumericArrayValidationMinSize", 2},
-                       {"TypesSystemNumericArrayValidationMaxSize", 2},
-                       {"TypesSystemStringArrayValidationMinSize", 2},
-                       {"TypesSystemStringArrayValidationMaxSize", 2},
-                       {"BoolArrayValidationMinSize", 2},
-                       {"TypesSystemStringValidationLength", 2},
-                       {"TypesSystemBoolValidationFixedVal", 2},
-                       {"TypesSystemEnumValidationValue", 2},
-                       {"TypesSystemCompositeValidationSize", 2},
-                       {"TypesSystemCompositeTypeMismatch", 2}};
-    for (auto const& c : cases) {
-        EXPECT_NE(Look(c.key, "en"), Look(c.key, "de")) << c.key;
-        for (std::string const language : {"en", "de"}) {
-            auto const text = Look(c.key, language);
-            EXPECT_NE(text, c.key) << language;
-            for (int i = 1; i <= 4; ++i) {
-                auto const placeholder = '{' + std::to_string(i) + '}';
-                EXPECT_EQ(text.find(placeholder) != std::string::npos, i <= c.arguments) << text;
-            }
+        EXPECT_NE(Look(key, "en"), Look(key, "de")) << key;
+        for (auto const& text : {Look(key, "en"), Look(key, "de")}) {
+            EXPECT_NE(text, key);
+            for (int i = 1; i <= 4; ++i)
+                EXPECT_EQ(text.find('{' + std::to_string(i) + '}') != text.npos, i <= (key == mismatch ? 3 : 2))
+                    << text;
         }
     }
 }
 
 TEST(Localization, FallsBackFromCountryToLanguageToDefaultToKey)
 {
-    struct
-    {
-        char const* language;
-        bool german;
-    } const cases[] = {{"", false},
-                       {"en", false},
-                       {"en_GB.UTF-8", false},
-                       {"de", true},
-                       {"de_DE", true},
-                       {"de-AT", true},
-                       {"de_DE.UTF-8@euro", true},
-                       {"de.UTF-8", true},
-                       {"de_", true},
-                       {"xx", false},
-                       {"C", false},
-                       {"d", false},
-                       {"deu", false},
-                       {".UTF-8", false},
-                       {"../../de", false},
-                       {"_de", false}};
-    for (auto const& c : cases)
-        EXPECT_EQ(Look(k_minKey, c.language), c.german ? k_minGerman : k_minEnglish) << c.language;
-
-    for (std::string const& key : {std::string(), std::string("No such key"), k_minKey + '\0', k_minKey + '\0' + 'x',
-                                   std::string("{1}%s"), std::string(100'000, 'k')})
-    {
-        EXPECT_EQ(Look(key, ""), key);
+    for (auto const* german : {"de", "de-AT", "de_DE.UTF-8@euro", "de.UTF-8", "de_"})
+        EXPECT_EQ(Look(k_minKey, german), k_minGerman) << german;
+    for (auto const* other : {"", "en_GB.UTF-8", "xx", "C", "d", "deu", ".UTF-8", "../../de", "_de"})
+        EXPECT_EQ(Look(k_minKey, other), k_minEnglish) << other;
+    for (auto const& key : {""s, "No such {1}%s"s, k_minKey + '\0', k_minKey + "\0x"s, std::string(100'000, 'k')})
         EXPECT_EQ(Look(key, "de"), key);
-    }
-}
 
-TEST(Localization, DefaultLanguageServesWhatIsEmptyOrUnknown)
-{
-    EXPECT_EQ(Localization::GetDefaultLanguage(), "en");
     Localization::SetDefaultLanguage("de_CH.UTF-8");
     EXPECT_EQ(Localization::GetDefaultLanguage(), "de_CH.UTF-8");
     EXPECT_EQ(Look(k_minKey, ""), k_minGerman);
@@ -101,126 +62,78 @@ TEST(Localization, DefaultLanguageServesWhatIsEmptyOrUnknown)
     Localization::SetDefaultLanguage("xx");
     EXPECT_EQ(Look(k_minKey, ""), k_minEnglish);
     Localization::SetDefaultLanguage("en");
-}
-
-TEST(Localization, LeavesTheGlobalLocaleAlone)
-{
-    Look(k_minKey, "de");
-    EXPECT_EQ(std::locale(), std::locale::classic());
+    EXPECT_EQ(std::locale(), std::locale::classic()); // the global one is left alone
 }
 
 TEST(LocalizationHelper, SubstitutesWithoutLosingText)
 {
-    struct
-    {
-        char const* message;
-        std::vector<std::string> arguments;
-        char const* result;
-    } const cases[] = {
-        {"{1}: {2}", {"a", "b"}, "a: b"},
-        {"{2}{1}{2}", {"a", "b"}, "bab"},
-        {"{10}{1}", {"a", "2", "3", "4", "5", "6", "7", "8", "9", "j"}, "ja 2 3 4 5 6 7 8 9"},
-        {"", {}, ""},
-        // Too few, too many.
-        {"{1}: {2}.", {}, "{1}: {2}."},
+    std::tuple<char const*, std::vector<std::string>, char const*> const cases[] = {
+        {"{2}{10}{2}", {"1", "b", "3", "4", "5", "6", "7", "8", "9", "j"}, "bjb 1 3 4 5 6 7 8 9"},
         {"{1}: {2}.", {"a"}, "a: {2}."},
         {"{1}.", {"a", "b", ""}, "a. b "},
-        {"{2}.", {"a", "b"}, "b. a"},
-        // What is no placeholder.
         {"{1", {"a"}, "{1 a"},
         {"{", {}, "{"},
         {"{}{0}{x}{-1}{+1}{ 1}{1 }{1,num}", {"a"}, "{}{0}{x}{-1}{+1}{ 1}{1 }{1,num} a"},
         {"{{1}}", {"a"}, "{a}"},
         {"{99999999999999999999999}{18446744073709551615}", {"a"}, "{99999999999999999999999}{18446744073709551615} a"},
-        // Arguments are never looked at.
-        {"{1}{2}", {"{2}", "{1}%s"}, "{2}{1}%s"},
+        {"{1}{2}", {"{2}", "{1}%s"}, "{2}{1}%s"}, // arguments are never looked at
     };
-    for (auto const& c : cases) {
-        LocalizationHelper helper(c.message);
-        for (auto const& argument : c.arguments)
-            EXPECT_EQ(&(helper % argument), &helper);
-        std::string const text = helper;
-        EXPECT_EQ(text, c.result) << c.message;
-        EXPECT_EQ(helper.ToString(), c.result) << c.message;
+    for (auto const& [message, arguments, result] : cases) {
+        LocalizationHelper helper(message);
+        for (auto const& argument : arguments)
+            helper % argument;
+        EXPECT_EQ(helper.ToString(), result);
     }
 }
 
-/// A catalogue directory of one test, gone with it.
-class CatalogueDirectory : public testing::Test
+TEST(Localization, DirectoryOverridesAndAddsLanguagesAndMayHoldAnything)
 {
-protected:
-    void SetUp() override
-    {
-        std::ifstream in(fs::path(ORLEK_LOCALE_DIR) / "de/LC_MESSAGES/legacyif.mo", std::ios::binary);
-        m_german.assign(std::istreambuf_iterator<char>(in), {});
-        ASSERT_GT(m_german.size(), 28U);
-        m_root = fs::path(testing::TempDir()) / ("orlek-" + std::to_string(getpid()));
-    }
-
-    void TearDown() override
-    {
-        Localization::SetCatalogueDirectory("");
-        fs::remove_all(m_root);
-    }
-
-    std::size_t Use(std::string const& language, std::string const& content)
-    {
-        auto const directory = m_root / language / "LC_MESSAGES";
+    std::ifstream in(fs::path(ORLEK_LOCALE_DIR) / "de/LC_MESSAGES/legacyif.mo", std::ios::binary);
+    std::string const german(std::istreambuf_iterator<char>(in), {});
+    auto const root = fs::path(testing::TempDir()) / ("orlek-" + std::to_string(getpid()));
+    auto const use = [&root](std::string const& language, std::string const& content) {
+        auto const directory = root / language / "LC_MESSAGES";
         fs::create_directories(directory);
-        std::ofstream(directory / "legacyif.mo", std::ios::binary | std::ios::trunc) << content;
-        return Localization::SetCatalogueDirectory(m_root.string());
-    }
-
-    std::string m_german;
-    fs::path m_root;
-};
-
-TEST_F(CatalogueDirectory, OverridesAndAddsLanguages)
-{
-    auto changed = m_german;
-    changed.replace(changed.find("Der Wert liegt unter"), 3, "DER");
-    EXPECT_EQ(Use("de", changed), 1U);
-    EXPECT_THAT(Look(k_minKey, "de_DE"), HasSubstr("DER Wert"));
-    EXPECT_EQ(Use("pt_BR", m_german), 2U);
-    EXPECT_EQ(Look(k_minKey, "pt-BR.UTF-8"), k_minGerman);
-    EXPECT_EQ(Look(k_minKey, "pt"), k_minEnglish);
-    EXPECT_EQ(Localization::SetCatalogueDirectory((m_root / "missing").string()), 0U);
-    EXPECT_EQ(Look(k_minKey, "de"), k_minGerman);
-    EXPECT_EQ(Look(k_minKey, "pt_BR"), k_minEnglish);
-}
-
-TEST_F(CatalogueDirectory, DamagedFilesAreHarmless)
-{
+        std::ofstream(directory / "legacyif.mo", std::ios::binary) << content;
+        return Localization::SetCatalogueDirectory(root.string());
+    };
     // Every truncation, and every header and table byte at its ends and flipped, must neither throw nor read astray.
-    for (std::size_t size = 0; size < m_german.size(); size += size < 300 ? 1 : 97) {
-        EXPECT_EQ(Use("de", m_german.substr(0, size)), 0U) << size;
+    for (std::size_t size = 0; size < german.size(); size += size < 300 ? 1 : 97) {
+        EXPECT_EQ(use("de", german.substr(0, size)), 0U) << size;
         EXPECT_EQ(Look(k_minKey, "de"), k_minGerman);
     }
-    for (std::size_t at = 0; at < 28 + 16 * 15; ++at) {
-        for (char const value : {'\0', '\x7F', '\xFF', static_cast<char>(m_german[at] ^ 1)}) {
-            auto damaged = m_german;
+    for (std::size_t at = 0; at < 28 + 16 * 15; ++at)
+        for (char const value : {'\0', '\x7F', '\xFF', static_cast<char>(german.at(at) ^ 1)}) {
+            auto damaged = german;
             damaged[at] = value;
-            Use("de", damaged);
+            use("de", damaged);
             Look(k_minKey, "de");
             EXPECT_EQ(Look(k_minKey, "en"), k_minEnglish);
         }
-    }
-    EXPECT_EQ(Use("de", m_german), 1U);
+
+    auto changed = german;
+    changed.replace(changed.find("Der Wert liegt unter"), 3, "DER");
+    EXPECT_EQ(use("de", changed), 1U);
+    EXPECT_EQ(Look(k_minKey, "de_DE"), "{1}: DER Wert liegt unter dem Minimum von {2}.");
+    EXPECT_EQ(use("pt_BR", german), 2U);
+    EXPECT_EQ(Look(k_minKey, "pt-BR.UTF-8"), k_minGerman);
+    EXPECT_EQ(Look(k_minKey, "pt"), k_minEnglish);
+    EXPECT_EQ(Localization::SetCatalogueDirectory((root / "missing").string()), 0U);
+    EXPECT_EQ(Look(k_minKey, "de"), k_minGerman);
+    EXPECT_EQ(Look(k_minKey, "pt_BR"), k_minEnglish);
+    fs::remove_all(root);
 }
 
-TEST_F(CatalogueDirectory, LookUpsRunBesideChanges)
+TEST(Localization, LookUpsRunBesideChanges)
 {
-    Use("de", m_german);
     std::array<std::thread, 3> readers;
     for (auto& reader : readers)
         reader = std::thread([] {
-            for (int i = 0; i < 500; ++i) {
-                EXPECT_EQ(Look(k_minKey, "de"), k_minGerman);
-                EXPECT_NE(Look(k_minKey, ""), k_minKey);
-            }
+            for (int i = 0; i < 500; ++i)
+                EXPECT_NE(Look(k_minKey, i % 2 == 0 ? "de" : ""), k_minKey);
         });
     for (int i = 0; i < 20; ++i) {
-        Localization::SetCatalogueDirectory(i % 2 == 0 ? "" : m_root.string());
+        EXPECT_EQ(Localization::SetCatalogueDirectory(i % 2 == 0 ? ORLEK_LOCALE_DIR : ""), i % 2 == 0 ? 2U : 0U);
         Localization::SetDefaultLanguage(i % 2 == 0 ? "de" : "en");
     }
     for (auto& reader : readers)
