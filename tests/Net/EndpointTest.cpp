@@ -15,13 +15,6 @@ using Net::AddrStr;
 using EndpointStr = Net::Endpoint<AddrStr>;
 using EndpointIp = Net::Endpoint<AddrIp>;
 
-TEST(AddrStr, KeepsItsTextByteForByte)
-{
-    EXPECT_EQ(AddrStr(static_cast<char const*>(nullptr)).ToString(), "");
-    for (auto const& text : {" Cam "s, "rtsp://u:p@cam:554/a?b=c:1"s, "a\0b"s, "\xff"s})
-        EXPECT_EQ(AddrStr(text).ToString(), text);
-}
-
 TEST(AddrIp, ConvertsFromAndToTextAndAsio)
 {
     for (auto const* text : {"0.0.0.0", "10.1.2.3", "::1", "2001:db8::1", "fe80::1%7777", "::ffff:1.2.3.4"}) {
@@ -43,7 +36,7 @@ TEST(Endpoint, ReadsAnyText)
         {"", "", 0},
         {":80", "", 80},
         {"cam:00080", "cam", 80},
-        {"cam\0x:80"s, "cam\0x"s, 80},
+        {" C\0\xff:80"s, " C\0\xff"s, 80},
         // IPv6
         {"[::1]:80", "::1", 80},
         {"[::1]", "::1", 0},
@@ -74,7 +67,7 @@ TEST(Endpoint, ReadsAnyText)
 
 TEST(Endpoint, PrintsThePortBehindTheLastColon)
 {
-    EXPECT_EQ(EndpointStr().ToString(), ":0");
+    EXPECT_EQ(EndpointStr(static_cast<char const*>(nullptr)).ToString(), ":0");
     EXPECT_EQ(EndpointIp().ToString(), "0.0.0.0:0");
     EXPECT_EQ(EndpointStr("fe80::1%eth0", 80).ToString(), "[fe80::1%eth0]:80");
     EXPECT_EQ(EndpointStr("rtsp://cam:554").ToString(), "rtsp://cam:554:0");

@@ -24,14 +24,9 @@ TEST(Messages, CarryAnyEndpointAcrossTheWire)
         Net::Pb2Sys::Convert(received, back);
         EXPECT_EQ(back, sent);
     }
-}
-
-TEST(Messages, GiveDefaultsForWhatIsMissingOrTooLarge)
-{
     EndpointStr endpoint("old", 1);
     Net::Pb2Sys::Convert(Pb::Net::EndpointStr::default_instance(), endpoint);
     EXPECT_EQ(endpoint, EndpointStr());
-
     Pb::Net::EndpointStr message;
     message.set_port(65536 + 80);
     Net::Pb2Sys::Convert(message, endpoint);

