@@ -26,7 +26,7 @@ TYPED_TEST(Creators, MakeTheirClassInItsFirstState)
     EXPECT_EQ(made->GetRefCount(), 0);
     auto const held = Hold(made);
     auto const derived = Hold(creator.CreateDerivedItem(42));
-    EXPECT_EQ(typeid(*held), typeid(TypeParam));
+    EXPECT_EQ(typeid(*made), typeid(TypeParam));
     EXPECT_EQ(held->GetId(), 42U);
     EXPECT_EQ(held->GetType(), TypeParam::GetTypeStatic());
     EXPECT_EQ(held->GetNumericType(), TypeParam::GetNumericTypeStatic());
