@@ -19,9 +19,15 @@ constexpr Target Truncate(Source value) noexcept
 {
     // Both ends are powers of two and so exact in every floating-point type.
     constexpr auto end = static_cast<Source>(std::uint64_t{1} << (std::numeric_limits<Target>::digits - 1)) * 2;
-    // The lower end leaves room for a fraction that is cut away, where the type is wide enough to hold one.
-    bool const fits = value < end && (value >= -end || static_cast<double>(value) > -static_cast<double>(end) - 1.0);
-    return fits ? static_cast<Target>(value) : std::numeric_limits<Target>::min();
+    // What lies below the lower end by a fraction is cut to it, in the types that are wide enough to hold such a value.
+    bool isAbove = false;
+    if constexpr (std::numeric_limits<Source>::digits > std::numeric_limits<Target>::digits)
+        isAbove = value > -end - 1;
+    else
+        isAbove = value >= -end;
+    // Only now converted, so that nothing but the choice is conditional: compilers then cut many values at a time.
+    bool const fits = (static_cast<unsigned int>(isAbove) & static_cast<unsigned int>(value < end)) != 0;
+    return static_cast<Target>(fits ? value : -end);
 }
 
 /// Cuts towards zero; what is negative but in the signed range wraps modulo 2 to the 64. Out of range, and for a NaN,

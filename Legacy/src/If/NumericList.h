@@ -2,6 +2,7 @@
 
 #include "Change.h"
 #include "Convert.h"
+#include "Wide.h"
 
 #include <boost/integer.hpp>
 
@@ -33,10 +34,12 @@ constexpr bool IsOutside(Element value, Element min, Element max) noexcept
 template<typename Element>
 bool AnyOutside(std::vector<Element> const& list, Element min, Element max) noexcept
 {
-    BitsOf<Element> outside = 0;
-    for (Element const value : list)
-        outside = IsOutside(value, min, max) ? 1 : outside;
-    return outside != 0;
+    return RunLoop([first = list.data(), count = list.size(), min, max] {
+        BitsOf<Element> outside = 0;
+        for (std::size_t i = 0; i < count; ++i)
+            outside = IsOutside(first[i], min, max) ? 1 : outside;
+        return outside != 0;
+    });
 }
 
 /// Converts and stores `count` numbers, `valueAt` giving each, and tells whether anything changed. An element that the
@@ -82,8 +85,12 @@ void AssignByBytes(Change& change, std::vector<Target>& target, std::vector<Sour
 {
     change.Resize(target, source.size() * sizeof(Source) / sizeof(Target));
     std::size_t const taken = std::min(target.size(), source.size());
-    change.Note(store(target.data(), taken, [from = source.data()](std::size_t i) { return from[i]; }));
-    change.Note(store(target.data() + taken, target.size() - taken, [](std::size_t) { return Target{0}; }));
+    change.Note(RunLoop([store, taken, to = target.data(), from = source.data()] {
+        return store(to, taken, [from](std::size_t i) { return from[i]; });
+    }));
+    change.Note(RunLoop([store, to = target.data() + taken, count = target.size() - taken] {
+        return store(to, count, [](std::size_t) { return Target{0}; });
+    }));
 }
 
 } // namespace Legacy::If::Detail

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Convert.h"
+#include "Wide.h"
 
 #include <Legacy/If/ItemBase.h>
 
@@ -42,6 +43,20 @@ inline double WireForm(double value) noexcept
     return static_cast<double>(boost::endian::endian_reverse(TruncateU64(value)));
 }
 
+/// The wire forms of `count` numbers, out of bytes and into bytes, since payloads know no alignment.
+template<typename Number>
+void CopyWireForms(unsigned char* to, unsigned char const* from, std::size_t count) noexcept
+{
+    RunLoop([to, from, count] {
+        for (std::size_t i = 0; i < count; ++i) {
+            Number value;
+            std::memcpy(&value, from + i * sizeof(value), sizeof(value));
+            value = WireForm(value);
+            std::memcpy(to + i * sizeof(value), &value, sizeof(value));
+        }
+    });
+}
+
 /// Fills a payload of known size from front to back. The caller gives out exactly as much as it allocated.
 class PayloadWriter
 {
@@ -61,11 +76,7 @@ public:
     template<typename Number>
     void PutAll(std::span<Number const> values) noexcept
     {
-        unsigned char* const out = m_next;
-        for (std::size_t i = 0; i < values.size(); ++i) {
-            Number const wire = WireForm(values[i]);
-            std::memcpy(out + i * sizeof(wire), &wire, sizeof(wire));
-        }
+        CopyWireForms<Number>(m_next, reinterpret_cast<unsigned char const*>(values.data()), values.size());
         m_next += values.size_bytes();
     }
 
@@ -114,12 +125,8 @@ public:
     {
         if (!Take_(values.size_bytes()))
             return;
-        unsigned char const* const in = m_next - values.size_bytes();
-        for (std::size_t i = 0; i < values.size(); ++i) {
-            Number wire;
-            std::memcpy(&wire, in + i * sizeof(wire), sizeof(wire));
-            values[i] = WireForm(wire);
-        }
+        unsigned char const* const from = m_next - values.size_bytes();
+        CopyWireForms<Number>(reinterpret_cast<unsigned char*>(values.data()), from, values.size());
     }
 
     void Skip(std::size_t size) noexcept { Take_(size); }
