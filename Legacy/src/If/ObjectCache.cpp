@@ -21,9 +21,14 @@ namespace Legacy::If::Detail {
 
 namespace {
 
+// Common allocators hand out multiples of the step less a word of their own: blocks of just that size waste nothing.
 constexpr std::size_t k_step = 16;
+constexpr std::size_t k_word = sizeof(std::size_t);
 constexpr std::size_t k_largest = 128;
 constexpr std::size_t k_bytesKept = 8192; // for each size of block
+
+constexpr std::size_t BinOf(std::size_t size) noexcept { return (size + k_word - 1) / k_step; }
+constexpr std::size_t BlockSize(std::size_t bin) noexcept { return (bin + 1) * k_step - k_word; }
 
 struct Block
 {
@@ -45,7 +50,7 @@ enum class Phase : unsigned char
 
 struct Cache
 {
-    std::array<Bin, k_largest / k_step> bins;
+    std::array<Bin, BinOf(k_largest) + 1> bins;
     Phase phase = Phase::Fresh;
 };
 
@@ -55,9 +60,6 @@ struct Cache
 [[gnu::tls_model("initial-exec")]]
 #endif
 thread_local constinit Cache t_cache;
-
-constexpr std::size_t BinOf(std::size_t size) noexcept { return (size - 1) / k_step; }
-constexpr std::size_t BlockSize(std::size_t bin) noexcept { return (bin + 1) * k_step; }
 
 struct Closer
 {
