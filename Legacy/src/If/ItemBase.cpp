@@ -1,6 +1,5 @@
 #include "Finding.h"
 #include "ObjectCache.h"
-#include "TextCapture.h"
 
 #include <Legacy/If/ItemBase.h>
 
@@ -33,11 +32,6 @@ std::string const& ItemBase::GetName() const noexcept
 {
     static std::string const empty;
     return empty;
-}
-
-std::string ItemBase::GetValAsString() const
-{
-    return Detail::CaptureText([this](std::ostream& os) { operator<<(os); });
 }
 
 void* ItemBase::operator new(std::size_t size) { return Detail::AllocateObject(size); }

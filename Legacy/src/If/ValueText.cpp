@@ -1,0 +1,46 @@
+#include "Cast.h"
+#include "Convert.h"
+#include "Finding.h"
+#include "TextCapture.h"
+#include "Visit.h"
+
+#include <Legacy/If/Numeric.h>
+#include <Legacy/If/String.h>
+
+#include <locale>
+
+namespace Legacy::If {
+
+namespace {
+
+/// The text of a number or a text as a stream without settings prints it: most values are one or the other, and making
+/// a stream costs several times as much as printing them. False for other classes, derived ones among them, whose own
+/// operators decide, and for a number in a locale that groups digits.
+bool PrintPlain(ItemBase const& item, std::string& text)
+{
+    if (Detail::IsExactly<StringItem>(item)) {
+        text = static_cast<StringItem const&>(item).Val();
+        return true;
+    }
+    if (item.GetType() != IfType_t::Numeric || std::locale() != std::locale::classic())
+        return false;
+    auto const print = [&item, &text]<typename T>(T) {
+        if (!Detail::IsExactly<NumericItem<T>>(item))
+            return IfErrTypeNotAssignable;
+        text = Detail::DefaultText(Detail::TextForm<typename T::T>{static_cast<NumericItem<T> const&>(item).Val()});
+        return 0;
+    };
+    return Detail::VisitElement(item.GetNumericType(), print) == 0;
+}
+
+} // namespace
+
+std::string ItemBase::GetValAsString() const
+{
+    std::string text;
+    if (PrintPlain(*this, text))
+        return text;
+    return Detail::CaptureText([this](std::ostream& os) { operator<<(os); });
+}
+
+} // namespace Legacy::If
