@@ -195,6 +195,10 @@ int NumericItem<T>::Deserialize(ItemBase::ConstSerialStruct_t const* record)
 template<typename T>
 std::shared_ptr<ResultElem const> NumericItem<T>::Validate(boost::intrusive_ptr<InfoBase const> const& info)
 {
+    // Nearly every value is of this very class, and passes: both halves would find so.
+    auto const* const schema = Detail::IsExactly<NumericItem>(*this) ? Detail::CastTo<NumericInfo<T>>(info) : nullptr;
+    if (schema && WithinBounds(*schema))
+        return {};
     if (auto finding = this->ValidateMin(info))
         return finding;
     return this->ValidateMax(info);
