@@ -23,7 +23,7 @@ ItemBase* CompositeInfo::CreateItem() const
         [](InfoBase const& member) {
             if (!Detail::IsExactly<CompositeInfo>(member))
                 return Branch{};
-            boost::intrusive_ptr<CompositeItem> made(new CompositeItem(member.GetId()));
+            auto made = Detail::FirstReference::Of(new CompositeItem(member.GetId()));
             MemberList<ItemBase>& items = Detail::MemberAccess::Of(*made);
             auto const& schemas = Detail::MemberAccess::Of(static_cast<CompositeInfo const&>(member));
             return Branch{std::move(made), &schemas, &items};

@@ -68,7 +68,16 @@ public:
             std::memcpy(Extend(size), bytes, size);
     }
 
-    void PutHeader(ItemBase::SerialStruct_t const& header) { Put(&header, k_headerSize); }
+    /// Field by field: read as a whole, a header that was just filled makes processors wait for its parts.
+    void PutHeader(ItemBase::SerialStruct_t const& header)
+    {
+        std::uint32_t const words[] = {header.id, header.size};
+        unsigned char* const place = Extend(k_headerSize);
+        std::memcpy(place, &words[0], sizeof(words[0]));
+        std::memcpy(place + sizeof(words[0]), &words[1], sizeof(words[1]));
+        place[sizeof(words)] = header.type;
+        place[sizeof(words) + 1] = header.numericType;
+    }
 
     /// Contract: the count wraps at 16 bits while all members are written; a reader takes those that the count tells.
     void PutCount(std::size_t count)
@@ -312,8 +321,8 @@ int RebuildMembers(MemberList<ItemBase>& members, Detail::PayloadReader const& p
             here.Close(std::move(member), size);
             continue;
         }
-        boost::intrusive_ptr<CompositeItem> item(
-            new CompositeItem(boost::endian::big_to_native(std::uint32_t{record.id})));
+        auto item =
+            Detail::FirstReference::Of(new CompositeItem(boost::endian::big_to_native(std::uint32_t{record.id})));
         Detail::PayloadReader nested;
         if (Detail::OpenRecord(*item, &record, nested) != 0 || nested.Left() < k_countSize)
             return IfErrNotSerializable;

@@ -1,5 +1,6 @@
 #include "Finding.h"
 
+#include "FirstReference.h"
 #include "TypeText.h"
 
 #include <Legacy/If/LocalizedString.h>
@@ -14,9 +15,10 @@ namespace {
 
 void AddText(LocalizedString& message, std::string_view text)
 {
-    boost::intrusive_ptr<StringItem> const argument(new StringItem(0));
+    auto* const argument = new StringItem(0);
+    boost::intrusive_ptr<ItemBase const> const owner = FirstReference::Of<ItemBase const>(argument);
     argument->Val() = text;
-    message.AddArgument(argument);
+    message.AddArgument(owner);
 }
 
 } // namespace
@@ -31,7 +33,7 @@ Finding MakeFinding(char const* key, InfoPtr const& info, ItemBase const& item,
     if (t_messageObserver)
         t_messageObserver(message);
 
-    boost::intrusive_ptr<ItemBase const> const copy(item.DeepCopy(item.GetId()));
+    boost::intrusive_ptr<ItemBase const> const copy = FirstReference::Of<ItemBase const>(item.DeepCopy(item.GetId()));
     return std::make_shared<ResultElem const>(Orlek::SeverityLevel_t::Error, copy, nullptr);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Cast.h"
+#include "FirstReference.h"
 
 #include <Legacy/If/Collection.h>
 #include <Legacy/If/Composite.h>
@@ -164,7 +165,7 @@ void BuildMembers(MemberList<From> const& from, MemberList<To>& to, MakeBranch&&
             From const& member = *path.Here().left.Take();
             Branch<From, To> next = branch(member);
             if (!next.object) {
-                path.Here().to->Add(boost::intrusive_ptr<To>(leaf(member)));
+                path.Here().to->Add(FirstReference::Of<To>(leaf(member)));
                 continue;
             }
             path.Here().to->Add(std::move(next.object));
@@ -179,7 +180,7 @@ template<typename Root>
 void CopyMembers(MemberList<Root> const& from, MemberList<Root>& to)
 {
     auto const like = []<typename Family>(Family const& object) {
-        boost::intrusive_ptr<Family> made(Nesting<Root>::template MakeLike<Family>(object));
+        auto made = FirstReference::Of(Nesting<Root>::template MakeLike<Family>(object));
         MemberList<Root>& members = MemberAccess::Of(*made);
         return Branch<Root, Root>{std::move(made), &MemberAccess::Of(object), &members};
     };

@@ -1,3 +1,4 @@
+#include "FirstReference.h"
 #include "SerialRecord.h"
 
 #include <Legacy/If/Addr.h>
@@ -144,7 +145,7 @@ int ItemBase::Deserialize(ConstSerialStruct_t const* record, boost::intrusive_pt
     Factory const create = FindFactory(record->type, record->numericType);
     if (!create)
         return IfErrInvalidArgument;
-    item.reset(create(boost::endian::big_to_native(std::uint32_t{record->id})));
+    item = Detail::FirstReference::Of(create(boost::endian::big_to_native(std::uint32_t{record->id})));
     return item->Deserialize(record);
 }
 

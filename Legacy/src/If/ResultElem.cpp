@@ -1,3 +1,5 @@
+#include "FirstReference.h"
+
 #include <Legacy/If/ResultElem.h>
 
 namespace Legacy::If {
@@ -7,9 +9,9 @@ ResultElem::ResultElem(Orlek::SeverityLevel_t const& severity, boost::intrusive_
     : m_severity(severity)
 {
     if (item)
-        m_item = item->DeepCopy();
+        m_item = Detail::FirstReference::Of<ItemBase const>(item->DeepCopy());
     if (info)
-        m_info = info->DeepCopy();
+        m_info = Detail::FirstReference::Of<InfoBase const>(info->DeepCopy());
 }
 
 ResultElem::~ResultElem() = default;

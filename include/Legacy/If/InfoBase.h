@@ -17,6 +17,10 @@ namespace Legacy::If {
 
 class ItemBase;
 
+namespace Detail {
+struct FirstReference;
+}
+
 /// Root of all schemas: what a parameter is called, who may touch it, and, in the families, what values it may take.
 ///
 /// Schemas are made with `new` and shared through `boost::intrusive_ptr`. A new object has the count 0: wrap it at
@@ -97,6 +101,7 @@ public:
     static void operator delete(void*, void*) noexcept {}
 
 private:
+    friend struct Detail::FirstReference;
     friend void intrusive_ptr_add_ref(InfoBase const* info) noexcept;
     friend void intrusive_ptr_release(InfoBase const* info) noexcept;
 

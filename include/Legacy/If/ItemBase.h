@@ -18,6 +18,10 @@ namespace Legacy::If {
 class InfoBase;
 class ResultElem;
 
+namespace Detail {
+struct FirstReference;
+}
+
 /// Root of all values: the value of one parameter, under the parameter's id.
 ///
 /// Values are made with `new` and shared through `boost::intrusive_ptr`. A new object has the count 0: wrap it at once.
@@ -183,6 +187,7 @@ protected:
     ItemBase(ItemBase const& other) noexcept : m_id(other.m_id) {}
 
 private:
+    friend struct Detail::FirstReference;
     friend void intrusive_ptr_add_ref(ItemBase const* item) noexcept;
     friend void intrusive_ptr_release(ItemBase const* item) noexcept;
 
