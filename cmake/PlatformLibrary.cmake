@@ -12,7 +12,8 @@ endfunction()
 # Weak symbols of Boost and of the standard library stay inside a shared library: the script names what is ours.
 function(platform_version_script target script)
     if(EXISTS "${script}" AND NOT APPLE AND NOT WIN32)
-        target_link_options(${target} PRIVATE "LINKER:--version-script=${script}")
+        # A library's calls of its own functions need no detour by which a program could put others in their place.
+        target_link_options(${target} PRIVATE "LINKER:--version-script=${script}" "LINKER:-Bsymbolic-functions")
         set_target_properties(${target} PROPERTIES LINK_DEPENDS "${script}")
     endif()
 endfunction()
