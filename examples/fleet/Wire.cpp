@@ -4,6 +4,7 @@
 
 #include <boost/endian/conversion.hpp>
 
+#include <cstring>
 #include <stdexcept>
 #include <string_view>
 
@@ -27,15 +28,13 @@ public:
     template<typename Number>
     Writer& Put(Number value)
     {
-        m_bytes.resize(m_bytes.size() + sizeof(Number));
-        boost::endian::endian_store<Number, sizeof(Number), boost::endian::order::big>(
-            m_bytes.data() + m_bytes.size() - sizeof(Number), value);
+        boost::endian::endian_store<Number, sizeof(Number), boost::endian::order::big>(Extend_(sizeof(Number)), value);
         return *this;
     }
 
     Writer& Text(std::string_view text)
     {
-        m_bytes.insert(m_bytes.end(), text.begin(), text.end());
+        std::memcpy(Extend_(text.size()), text.data(), text.size());
         return *this;
     }
 
@@ -49,6 +48,13 @@ public:
     Bytes Take() { return std::move(m_bytes); }
 
 private:
+    /// Room for that many bytes at the end.
+    unsigned char* Extend_(std::size_t size)
+    {
+        m_bytes.resize(m_bytes.size() + size);
+        return m_bytes.data() + m_bytes.size() - size;
+    }
+
     Bytes m_bytes;
 };
 
