@@ -7,7 +7,7 @@
     done
     benchmarks/ratios.py *_bench.json
 
-Rows are named operation/subject/library or Operation<Library>/size. For every operation and subject that both we and a
+Rows are named operation/subject/library; a library that begins with legacyif is ours. For every operation and subject that both we and a
 peer have, the table tells how many times as long as ours the peer's median takes: above 1 we are faster. Processor time is compared, which a busy
 machine distorts least; rows of several threads are compared by the clock.
 """
@@ -16,12 +16,7 @@ import json
 import re
 import sys
 
-SLASHES = re.compile(r"(?P<operation>[^/<]+)/(?P<subject>[^/]+)/(?P<library>[a-z][^/]*)")
-ANGLES = re.compile(r"(?P<operation>\w+?)(Into)?(<(?P<library>.+)>|(?P<peer>FlatMap))?/(?P<subject>\d+)")
-
-
-def is_ours(library):
-    return library == "legacyif" or library.startswith("Our")
+OURS = "legacyif"
 
 
 def read_medians(paths):
@@ -35,10 +30,9 @@ def read_medians(paths):
                 if row["run_type"] == "aggregate" and row["aggregate_name"] != "median":
                     continue
                 name = re.sub(r"/(real_time|threads:\d+|iterations:\d+)", "", row["run_name"])
-                parts = (SLASHES.fullmatch(name) or ANGLES.fullmatch(name)).groupdict()
-                library = parts["library"] or parts.get("peer") or "Ours"
+                operation, subject, library = name.split("/")
                 clock = "real_time" if row.get("threads", 1) > 1 else "cpu_time"
-                rows = medians.setdefault((parts["operation"], parts["subject"]), {})
+                rows = medians.setdefault((operation, subject), {})
                 rows[library] = row.get("bytes/object", row[clock])
     return medians
 
@@ -47,11 +41,11 @@ def main():
     print("| operation | subject | beside ours |")
     print("|---|---|---|")
     for (operation, subject), rows in read_medians(sys.argv[1:]).items():
-        peers = {name: time for name, time in rows.items() if not is_ours(name)}
+        peers = {name: time for name, time in rows.items() if not name.startswith(OURS)}
         for name, ours in rows.items():
-            if not is_ours(name) or not peers:
+            if not name.startswith(OURS) or not peers:
                 continue
-            label = f"{operation}, {name[3:]}" if name.startswith("Our") and name != "Ours" else operation
+            label = operation + name.removeprefix(OURS).replace("-", ", ", 1)
             ratios = ", ".join(f"{peer} {time / ours:.2g}" for peer, time in peers.items())
             print(f"| {label} | {subject} | {ratios} |")
 
