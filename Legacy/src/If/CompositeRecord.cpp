@@ -1,5 +1,6 @@
 #include "MemberWalk.h"
 #include "SerialRecord.h"
+#include "Visit.h"
 
 #include <Legacy/If/Numeric.h>
 
@@ -285,6 +286,26 @@ struct Rebuilding
     }
 };
 
+/// A number, which is what most members are, out of its record and without a detour through the table of classes. Null
+/// for a member of another class and for a record that does not fit.
+boost::intrusive_ptr<ItemBase> RebuildNumber(ItemBase::ConstSerialStruct_t const& record)
+{
+    boost::intrusive_ptr<ItemBase> number;
+    if (record.type != static_cast<unsigned char>(IfType_t::Numeric))
+        return number;
+    Detail::VisitElement(static_cast<NumericType_t>(record.numericType), [&record, &number]<typename Traits>(Traits) {
+        using Element = typename Traits::T;
+        std::size_t const size = boost::endian::big_to_native(std::uint32_t{record.size});
+        if (size != sizeof(Element))
+            return IfErrInvalidArgument;
+        auto* const made = new NumericItem<Traits>(boost::endian::big_to_native(std::uint32_t{record.id}));
+        number = Detail::FirstReference::Of<ItemBase>(made);
+        made->SetVal(Detail::PayloadReader(record.data, size).Get<Element>());
+        return 0;
+    });
+    return number;
+}
+
 /// Rebuilds members into a list, at all depths, up to the first that fails. A composite joins the list above it only
 /// once it stands as a whole.
 int RebuildMembers(MemberList<ItemBase>& members, Detail::PayloadReader const& payload)
@@ -314,8 +335,8 @@ int RebuildMembers(MemberList<ItemBase>& members, Detail::PayloadReader const& p
         if (!here.Open(record))
             return IfErrNotSerializable;
         if (record.type != static_cast<unsigned char>(IfType_t::Composite)) {
-            boost::intrusive_ptr<ItemBase> member;
-            if (ItemBase::Deserialize(&record, member) < 0 || !member)
+            boost::intrusive_ptr<ItemBase> member = RebuildNumber(record);
+            if (!member && (ItemBase::Deserialize(&record, member) < 0 || !member))
                 return IfErrNotSerializable;
             unsigned int const size = member->GetSerialDataSize();
             here.Close(std::move(member), size);
