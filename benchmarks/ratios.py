@@ -7,9 +7,10 @@
     done
     benchmarks/ratios.py *_bench.json
 
-Rows are named operation/subject/library; a library that begins with legacyif is ours. For every operation and subject that both we and a
-peer have, the table tells how many times as long as ours the peer's median takes: above 1 we are faster. Processor time is compared, which a busy
-machine distorts least; rows of several threads are compared by the clock.
+Rows are named operation/subject/library; a library that begins with legacyif is ours. For every operation and subject
+that both we and a peer have, the table tells how many times as long as ours the peer's median takes: above 1 we are
+faster. Processor time is compared, which a busy machine distorts least; rows of several threads are compared by the
+clock, and rows of memory by their bytes.
 """
 
 import json

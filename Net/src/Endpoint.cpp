@@ -2,6 +2,9 @@
 
 #include <Net/Endpoint.h>
 
+#include <charconv>
+#include <iterator>
+#include <limits>
 #include <string_view>
 #include <type_traits>
 
@@ -46,10 +49,21 @@ Endpoint<Addr> Endpoint<Addr>::FromString(std::string const& text)
 template<class Addr>
 std::string Endpoint<Addr>::ToString() const
 {
-    std::string text = m_addr.ToString();
-    if (NeedsBrackets(text, m_port))
-        text = '[' + text + ']';
-    return text += ':' + std::to_string(m_port);
+    auto const& address = m_addr.ToString();
+    char port[std::numeric_limits<std::uint16_t>::digits10 + 1];
+    auto const end = std::to_chars(port, std::end(port), m_port).ptr;
+    bool const brackets = NeedsBrackets(address, m_port);
+
+    std::string text;
+    text.reserve(address.size() + sizeof("[]:") + sizeof(port));
+    if (brackets)
+        text += '[';
+    text += address;
+    if (brackets)
+        text += ']';
+    text += ':';
+    text.append(port, end);
+    return text;
 }
 
 template<class Addr>

@@ -53,7 +53,8 @@ std::string Joined(std::string_view scheme, std::string_view endpoint)
 {
     std::string text;
     text.reserve(scheme.size() + k_schemeEnd.size() + endpoint.size());
-    return text.append(scheme).append(k_schemeEnd).append(endpoint);
+    text.append(scheme).append(k_schemeEnd).append(endpoint);
+    return text;
 }
 
 } // namespace
@@ -112,7 +113,8 @@ std::string AppEndpoint<E>::ToString() const
     Row const& row = RowOf(GetAppProtocolType());
     if (!row.displayScheme.empty())
         return Joined(row.displayScheme, text);
-    return text.append(" (").append(row.name).append(")");
+    text.append(" (").append(row.name).append(")");
+    return text;
 }
 
 template class AppEndpoint<Net::Endpoint<Net::AddrIp>>;
