@@ -4,7 +4,7 @@
 
 #include <boost/endian/conversion.hpp>
 
-#include <cstring>
+#include <array>
 #include <stdexcept>
 #include <string_view>
 
@@ -28,13 +28,17 @@ public:
     template<typename Number>
     Writer& Put(Number value)
     {
-        boost::endian::endian_store<Number, sizeof(Number), boost::endian::order::big>(Extend_(sizeof(Number)), value);
+        std::array<unsigned char, sizeof(Number)> bytes{};
+        boost::endian::endian_store<Number, sizeof(Number), boost::endian::order::big>(bytes.data(), value);
+        for (unsigned char const byte : bytes)
+            m_bytes.push_back(byte);
         return *this;
     }
 
     Writer& Text(std::string_view text)
     {
-        std::memcpy(Extend_(text.size()), text.data(), text.size());
+        for (char const c : text)
+            m_bytes.push_back(static_cast<unsigned char>(c));
         return *this;
     }
 
@@ -48,13 +52,6 @@ public:
     Bytes Take() { return std::move(m_bytes); }
 
 private:
-    /// Room for that many bytes at the end.
-    unsigned char* Extend_(std::size_t size)
-    {
-        m_bytes.resize(m_bytes.size() + size);
-        return m_bytes.data() + m_bytes.size() - size;
-    }
-
     Bytes m_bytes;
 };
 
