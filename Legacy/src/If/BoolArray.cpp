@@ -7,6 +7,8 @@
 #include <Legacy/If/Bool.h>
 #include <Legacy/If/BoolArray.h>
 
+#include <stdexcept>
+
 namespace Legacy::If {
 
 namespace {
@@ -155,6 +157,8 @@ int BoolArrayItem::Deserialize(ConstSerialStruct_t const* record)
         return IfErrInvalidArgument;
     if (payload.Left() == 0)
         return 0;
+    if (payload.Left() > m_value.max_size() / k_bitsInByte) // where sizes are narrow, the product must not wrap
+        throw std::length_error("vector<bool>");
     std::size_t const begin = m_value.size();
     std::size_t const count = (payload.Left() - 1) * k_bitsInByte + (rest == 0 ? k_bitsInByte : rest);
     m_value.resize(begin + count);
