@@ -38,6 +38,10 @@ def read_medians(paths):
     return medians
 
 
+def as_text(ratio):
+    return f"{ratio:.2g}" if ratio < 10 else f"{ratio:.0f}"
+
+
 def main():
     print("| operation | subject | beside ours |")
     print("|---|---|---|")
@@ -47,7 +51,7 @@ def main():
             if not name.startswith(OURS) or not peers:
                 continue
             label = operation + name.removeprefix(OURS).replace("-", ", ", 1)
-            ratios = ", ".join(f"{peer} {time / ours:.2g}" for peer, time in peers.items())
+            ratios = ", ".join(f"{peer} {as_text(time / ours)}" for peer, time in peers.items())
             print(f"| {label} | {subject} | {ratios} |")
 
 
