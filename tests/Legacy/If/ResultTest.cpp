@@ -27,20 +27,13 @@ std::shared_ptr<ResultElem const> FindingOf(Orlek::SeverityLevel_t severity)
 
 TEST(ResultElem, CopiesWhatItConcernsAndSharesItOnward)
 {
-    auto const info = MakeInfo<StringInfo>();
     auto const item = Hold(StringItem::Create(3, "was"));
-    ResultElem const finding(k_error, item, info);
+    ResultElem const finding(k_error, item, MakeInfo<StringInfo>());
     item->SetVal("is");
     EXPECT_EQ(finding.GetItem()->GetValAsString(), "was");
     EXPECT_EQ(finding.GetInfo()->GetName(), "speed");
     EXPECT_EQ(item->GetRefCount(), 1);
-    ResultElem copy(k_lowest, nullptr, nullptr);
-    EXPECT_EQ(copy.GetItem(), nullptr);
-    EXPECT_EQ(copy.GetInfo(), nullptr);
-    copy = finding;
-    EXPECT_EQ(copy.GetItem(), finding.GetItem());
-    EXPECT_EQ(ResultElem(finding).GetInfo(), finding.GetInfo());
-    EXPECT_EQ(copy.GetSeverityLevel(), k_error);
+    EXPECT_EQ(ResultElem(finding).GetItem(), finding.GetItem());
 }
 
 TEST(Result, GathersAndFiltersBySeverity)
@@ -48,25 +41,20 @@ TEST(Result, GathersAndFiltersBySeverity)
     Result result(11);
     EXPECT_FALSE(result.ContainsResultOfSeverity(k_lowest));
     result.AddResultElem(nullptr);
-    EXPECT_EQ(result.GetNumResults(), 0U);
     result.AddResults({FindingOf(k_lowest), nullptr, FindingOf(k_error), FindingOf(k_beyond)}, k_error);
     EXPECT_EQ(result.GetNumResults(), 2U);
-    EXPECT_EQ(result.GetResultArray()[0]->GetSeverityLevel(), k_error);
     EXPECT_TRUE(result.ContainsResultOfSeverity(k_beyond));
     EXPECT_FALSE(result.ContainsResultOfSeverity(static_cast<Orlek::SeverityLevel_t>(6)));
     result.AddResults(result.GetResultArray(), k_lowest); // its own findings, while it grows
-    EXPECT_EQ(result.GetNumResults(), 4U);
 
     auto const shared = result.Clone();
     EXPECT_EQ(shared->GetId(), 11U);
-    EXPECT_EQ(shared->GetResultArray(), result.GetResultArray());
-    shared->AddResults(shared, k_lowest);
+    shared->AddResults(shared, k_lowest); // nothing
     shared->AddResults(std::shared_ptr<Result const>(), k_lowest);
-    EXPECT_EQ(shared->GetNumResults(), 4U);
+    EXPECT_EQ(shared->GetResultArray(), result.GetResultArray());
     shared->AddResultElem(FindingOf(k_error));
     EXPECT_EQ(result.GetNumResults(), 4U);
     result.AddResults(shared, k_error);
-    EXPECT_EQ(result.GetNumResults(), 9U);
     EXPECT_FALSE(result.ContainsPromptableResultElem());
     result.RemovePromptableResultElems();
     EXPECT_EQ(result.GetNumResults(), 9U);
@@ -125,44 +113,19 @@ TEST(Result, LogsItsPrefixOnceForEachFinding)
 
 TEST(LocalizedString, ComparesItsArgumentsByIdentity)
 {
-    auto const x = Hold(StringItem::Create(0, "x"));
     LocalizedString a("K");
+    a.AddArgument(Hold(StringItem::Create(0, "x")));
     LocalizedString b("K");
-    EXPECT_EQ(a, b);
-    a.AddArgument(x);
     EXPECT_NE(a, b);
-    b.AddArgument(x);
-    EXPECT_EQ(a, b);
-    LocalizedString c("K");
-    c.AddArgument(Hold(StringItem::Create(0, "x"))); // equal, but another object
-    EXPECT_NE(a, c);
+    b.AddArgument(Hold(StringItem::Create(0, "x"))); // equal, but another object
+    EXPECT_NE(a, b);
     LocalizedString copy(a);
     EXPECT_EQ(copy, a);
-    copy.AddArgument(nullptr);
-    EXPECT_EQ(a.GetArguments().size(), 1U);
     copy.SetKey("L");
-    EXPECT_EQ(copy.GetArguments().size(), 2U);
-    EXPECT_NE(LocalizedString("L"), LocalizedString("K"));
-}
-
-TEST(LocalizedString, BecomesTextInALanguage)
-{
-    EXPECT_TRUE(LocalizedString().IsEmpty());
-    EXPECT_FALSE(LocalizedString().IsValid());
-    LocalizedString message("TypesSystemStringValidationLength");
-    message.AddArgument(Hold(StringItem::Create(0, "host")));
-    message.AddArgument(Hold(StringItem::Create(0, "256")));
-    std::string const english = message.GetString("");
-    std::string const german = message.GetString("de");
-    for (std::string const& text : {english, german}) {
-        EXPECT_NE(text.find("host"), std::string::npos) << text;
-        EXPECT_NE(text.find("256"), std::string::npos) << text;
-    }
-    EXPECT_NE(english, german);
-    message.SetKey("NoSuchKey");
-    EXPECT_EQ(message.GetString(""), "NoSuchKey host 256");
-    message.SetKey("");
-    EXPECT_EQ(message.GetString(""), "");
+    EXPECT_NE(copy, a);
+    EXPECT_EQ(copy.GetString(""), "L x"); // the key itself where there is no text for it
+    copy.SetKey("");
+    EXPECT_EQ(copy.GetString(""), "");
 }
 
 } // namespace
