@@ -1,5 +1,7 @@
 #include "Maker.h"
 
+#include <Legacy/If/GenericContainerImpl.h>
+#include <Legacy/If/InfoItemContainer.h>
 #include <Legacy/If/ResultElem.h>
 #include <Orlek/LogicError.h>
 
@@ -34,6 +36,16 @@ TEST(CrossLibrary, AnApplicationsClassIsItsFamilysAndKeepsItsOwnWays)
     auto const finding = percent->Validate(Maker::MakePercentInfo());
     ASSERT_TRUE(finding);
     EXPECT_EQ(finding->GetItem()->GetValAsString(), "101%"); // copied as what it is
+}
+
+TEST(CrossLibrary, ContainersAreExported)
+{
+    InfoContainer infos;
+    EXPECT_EQ(infos.Add(Maker::MakePercentInfo()), 0);
+    EXPECT_TRUE(InfoContainer(infos).Find("load"));
+    GenericContainerImpl<Section, boost::intrusive_ptr<Section>, boost::intrusive_ptr<Section const>, SectionId_t> const
+        sections;
+    EXPECT_TRUE(sections.Empty());
 }
 
 TEST(CrossLibrary, WhatIsThrownThereIsCaughtHere)
