@@ -10,7 +10,7 @@
 namespace Legacy::If {
 
 template<typename Element, typename Ptr, typename ConstPtr, typename Key>
-class GenericContainerImpl;
+class LEGACY_IF_API GenericContainerImpl;
 
 /// A set of shared objects, found by key or by name and walked in ascending key order.
 ///

@@ -9,7 +9,7 @@
 namespace Legacy::If {
 
 template<class Family>
-class NetItem;
+class LEGACY_IF_API NetItem;
 
 /// Schema of a parameter that is one address or endpoint: a default and nothing to bound.
 ///

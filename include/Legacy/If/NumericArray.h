@@ -13,9 +13,9 @@
 namespace Legacy::If {
 
 template<typename T>
-class NumericArrayItem;
+class LEGACY_IF_API NumericArrayItem;
 template<typename T>
-class RectArrayInfo;
+class LEGACY_IF_API RectArrayInfo;
 
 /// Schema of a list of numbers: how many there may be, a least and a greatest value for each, all inclusive, and a
 /// default. `T` is one of the ten traits. The values of the default are not looked at.

@@ -12,7 +12,7 @@
 namespace Legacy::If {
 
 template<typename T>
-class NumericSparseItem;
+class LEGACY_IF_API NumericSparseItem;
 
 /// Schema of a number that may take only the values of a table: the table, in the order given and neither sorted nor
 /// freed of duplicates, and a default. `T` is one of the ten traits.
