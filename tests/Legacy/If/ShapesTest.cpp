@@ -1,14 +1,10 @@
 #include "TestSupport.h"
 
-#include <Legacy/If/Bool.h>
 #include <Legacy/If/Coordinate.h>
 #include <Legacy/If/NumericArray.h>
 #include <Legacy/If/Rect.h>
 #include <Legacy/If/RectArray.h>
-#include <Legacy/If/String.h>
 
-#include <array>
-#include <cstring>
 #include <limits>
 #include <stdexcept>
 
@@ -20,6 +16,10 @@ using S32 = S32Traits;
 using F = FloatTraits;
 
 template<typename T>
+using Flat = typename RectItem<T>::Flat;
+using Rects = std::vector<Flat<U16>>;
+
+template<typename T>
 boost::intrusive_ptr<CoordinateItem<T>> Point(typename T::T x, typename T::T y)
 {
     auto item = Make<CoordinateItem<T>>(7U);
@@ -29,14 +29,12 @@ boost::intrusive_ptr<CoordinateItem<T>> Point(typename T::T x, typename T::T y)
 }
 
 template<typename T>
-boost::intrusive_ptr<RectItem<T>> Rectangle(typename RectItem<T>::Flat const& numbers)
+boost::intrusive_ptr<RectItem<T>> Rectangle(Flat<T> const& numbers)
 {
     auto item = Make<RectItem<T>>(7U);
     item->SetFlat(numbers);
     return item;
 }
-
-using Rects = std::vector<std::array<unsigned short, 4>>;
 
 boost::intrusive_ptr<RectArrayItem<U16>> List(Rects const& rects)
 {
@@ -76,44 +74,17 @@ class Shapes : public testing::Test
 using ShapeTraits = testing::Types<U16, S32, F>;
 TYPED_TEST_SUITE(Shapes, ShapeTraits);
 
-TYPED_TEST(Shapes, HaveTagsAndFreshParts)
-{
-    using T = TypeParam;
-    auto const info = MakeInfo<RectInfo<T>>();
-    EXPECT_EQ(info->GetType(), IfType_t::Rectangle);
-    EXPECT_EQ(info->GetNumericType(), T::k_numericType);
-    EXPECT_EQ(info->GetTypeStatic(), IfType_t::Rectangle);
-    EXPECT_EQ(info->TopLeft()->GetType(), IfType_t::Coordinate);
-    EXPECT_EQ(info->TopLeft()->GetId(), 0U);
-    EXPECT_EQ(info->TopLeft()->GetName(), "");
-    EXPECT_EQ(info->BottomRight()->Y()->GetPermission(), info->GetPermission());
-    EXPECT_EQ(info->BottomRight()->Y()->GetMax(), T::k_defaultMax);
-    auto const item = Hold(info->CreateItem());
-    EXPECT_EQ(item->GetId(), 7U);
-    EXPECT_TRUE(item->IsEqualValue(Rectangle<T>({0, 0, 0, 0})));
-    EXPECT_FALSE(item->IsEmpty());
-    // What a fresh schema of a float allows begins above 0.
-    EXPECT_EQ(Point<T>(0, 0)->WithinBounds(*info->TopLeft()), T::k_numericType != NumericType_t::Float);
-}
-
 TYPED_TEST(Shapes, CopiesNeverShareParts)
 {
     using T = TypeParam;
     auto const info = MakeInfo<RectInfo<T>>();
-    Bound<T>(info->BottomRight()->Y(), 1, 2, 3);
     auto const deep = Hold(info->DeepCopy(9, "other", Permission_t{1}));
-    RectInfo<T> const constructed(*info);
     RectInfo<T> assigned(1, "target", {});
-    auto const kept = assigned.BottomRight();
     assigned = *info;
-    for (RectInfo<T> const* const copy : std::array<RectInfo<T> const*, 3>{&*deep, &constructed, &assigned}) {
-        EXPECT_EQ(Printed(*copy), Printed(*info));
-        EXPECT_NE(copy->BottomRight(), static_cast<RectInfo<T> const&>(*info).BottomRight());
-        EXPECT_NE(copy->BottomRight()->Y(), static_cast<RectInfo<T> const&>(*info).BottomRight()->Y());
-    }
+    info->BottomRight()->Y()->SetMax(60);
+    EXPECT_EQ(assigned.BottomRight()->Y()->GetMax(), T::k_defaultMax);
+    EXPECT_EQ(deep->BottomRight()->Y()->GetMax(), T::k_defaultMax);
     EXPECT_EQ(deep->BottomRight()->Y()->GetPermission(), info->GetPermission()); // the part's own, not the copy's
-    EXPECT_EQ(assigned.GetName(), "target");
-    EXPECT_EQ(assigned.BottomRight(), kept);
 
     auto const item = Rectangle<T>({1, 2, 3, 4});
     auto const copy = Hold(item->DeepCopy(9));
@@ -122,53 +93,35 @@ TYPED_TEST(Shapes, CopiesNeverShareParts)
     RectItem<T> moved(std::move(target));
     item->TopLeft()->SetValX(50);
     moved.BottomRight()->SetValY(60);
-    EXPECT_EQ(copy->GetFlat(), (typename RectItem<T>::Flat{1, 2, 3, 4}));
-    EXPECT_EQ(moved.GetFlat(), (typename RectItem<T>::Flat{1, 2, 3, 60}));
-    EXPECT_EQ(target.GetFlat(), (typename RectItem<T>::Flat{1, 2, 3, 4})); // whole after the move
-    EXPECT_EQ(target.GetId(), 1U);
+    EXPECT_EQ(copy->GetFlat(), (Flat<T>{1, 2, 3, 4}));
+    EXPECT_EQ(moved.GetFlat(), (Flat<T>{1, 2, 3, 60}));
+    EXPECT_EQ(target.GetFlat(), (Flat<T>{1, 2, 3, 4})); // whole after the move
 }
 
-TYPED_TEST(Shapes, AreBoundedPartByPart)
+TYPED_TEST(Shapes, AreBoundedPartByPartAndNeverValidate)
 {
     using T = TypeParam;
     auto const info = MakeInfo<RectInfo<T>>();
+    // What a fresh schema of a float allows begins above 0.
+    EXPECT_EQ(Point<T>(0, 0)->WithinBounds(*info->TopLeft()), T::k_numericType != NumericType_t::Float);
     Bound<T>(info->TopLeft()->X(), 10, 10, 20);
     Bound<T>(info->TopLeft()->Y(), 30, 30, 40);
     Bound<T>(info->BottomRight()->X(), 1, 1, 2);
     Bound<T>(info->BottomRight()->Y(), 3, 3, 4);
     auto const item = Rectangle<T>({5, 50, 0, 9});
     item->BoundVal(*info);
-    EXPECT_EQ(item->GetFlat(), (typename RectItem<T>::Flat{10, 40, 1, 4})); // the corners stay the wrong way round
+    EXPECT_EQ(item->GetFlat(), (Flat<T>{10, 40, 1, 4})); // the corners stay the wrong way round
     EXPECT_TRUE(item->WithinBounds(*info));
-    for (auto const& outside : {typename RectItem<T>::Flat{9, 30, 1, 3},
-                                {21, 30, 1, 3},
-                                {10, 29, 1, 3},
-                                {10, 41, 1, 3},
-                                {10, 30, 0, 3},
-                                {10, 30, 3, 3},
-                                {10, 30, 1, 2},
-                                {10, 30, 1, 5}})
-        EXPECT_FALSE(Rectangle<T>(outside)->WithinBounds(*info));
-    auto const point = Point<T>(15, 35);
-    point->BoundVal(*info->TopLeft());
-    EXPECT_TRUE(point->IsEqualValue(Point<T>(15, 35)));
-}
-
-// No shape passes, whatever it holds and whatever it is tested with.
-TYPED_TEST(Shapes, NeverValidate)
-{
-    using T = TypeParam;
-    std::string const element = T::k_numericType == NumericType_t::U16   ? "U16"
-                                : T::k_numericType == NumericType_t::S32 ? "S32"
-                                                                         : "Float";
-    auto const info = MakeInfo<RectInfo<T>>();
-    auto const item = Rectangle<T>({1, 1, 1, 1});
-    ASSERT_TRUE(item->WithinBounds(*info));
     std::string const key = "TypesSystemIllegalValidatationError";
-    EXPECT_EQ(Validated(*item, info), (Texts{key, "speed", "Rectangle(" + element + ')'}));
-    EXPECT_EQ(Validated(*item, nullptr), (Texts{key, "Unknown", "Rectangle(" + element + ')'}));
-    EXPECT_EQ(Validated(*Point<T>(1, 1), MakeInfo<CoordinateInfo<T>>()),
-              (Texts{key, "speed", "Coordinate(" + element + ')'}));
+    EXPECT_EQ(Validated(*item, info).front(), key);
+    EXPECT_EQ(Validated(*Point<T>(15, 35), info->TopLeft()).front(), key);
+    for (std::size_t place = 0; place < 4; ++place) {
+        auto outside = item->GetFlat();
+        outside[place] += 20;
+        EXPECT_FALSE(Rectangle<T>(outside)->WithinBounds(*info));
+        outside[place] = 0;
+        EXPECT_FALSE(Rectangle<T>(outside)->WithinBounds(*info));
+    }
 }
 
 TYPED_TEST(Shapes, MergePartAfterPart)
@@ -178,11 +131,9 @@ TYPED_TEST(Shapes, MergePartAfterPart)
     auto const b = MakeInfo<RectInfo<T>>();
     Bound<T>(a->TopLeft(), 1, 10);
     Bound<T>(b->TopLeft(), 5, 20);
-    Bound<T>(a->BottomRight()->X(), 1, 1, 10);
+    Bound<T>(a->BottomRight(), 1, 10);
     Bound<T>(b->BottomRight()->X(), 5, 5, 20);
-    Bound<T>(a->BottomRight()->Y(), 1, 1, 10);
     Bound<T>(b->BottomRight()->Y(), 11, 11, 20);
-    EXPECT_FALSE(a->IsEqualBounds(b));
     EXPECT_EQ(a->MergeBounds(b), IfErrBoundsDisjoint);
     std::string const merged = "5 <= 1 <= 10"; // defaults stay where they are
     EXPECT_EQ(Printed(*a), "TLC[x(" + merged + ") y(" + merged + ")] BRC[x(" + merged + ") y(1 <= 1 <= 10)]");
@@ -191,9 +142,7 @@ TYPED_TEST(Shapes, MergePartAfterPart)
     EXPECT_FALSE(a->IsEqualBounds(b)); // the maximum of the others is 20
     EXPECT_EQ(b->MergeBounds(a), 0);
     EXPECT_TRUE(a->IsEqualBounds(b));
-    EXPECT_FALSE(a->IsEqualBounds(nullptr));
-    for (InfoPtr const& foreign : {InfoPtr(a->TopLeft()), InfoPtr(), InfoPtr(MakeInfo<StringInfo>())})
-        EXPECT_EQ(a->MergeBounds(foreign), IfErrBoundsTypeMismatch);
+    EXPECT_EQ(a->MergeBounds(a->TopLeft()), IfErrBoundsTypeMismatch);
 
     Bound<T>(b->TopLeft(), 50, 60); // fails at once: nothing behind it is touched
     Bound<T>(b->BottomRight(), 6, 7);
@@ -210,16 +159,8 @@ TYPED_TEST(Shapes, AreAssignedFromTheirOwnKindOfAnyElementType)
     EXPECT_EQ(Assign(*item, narrow, 99), (Outcome{0, 1}));
     EXPECT_EQ(Assign(*item, narrow), (Outcome{0, 0}));
     EXPECT_EQ(Assign(*item, item), (Outcome{0, 0}));
-    EXPECT_EQ(item->GetFlat(), (typename RectItem<T>::Flat{1, 2, 3, static_cast<typename T::T>(65535)}));
+    EXPECT_EQ(item->GetFlat(), (Flat<T>{1, 2, 3, static_cast<typename T::T>(65535)}));
     EXPECT_EQ(item->IsEqualValue(narrow), T::k_numericType == NumericType_t::U16);
-    EXPECT_EQ(Assign(*item, Rectangle<F>({1.9F, 2.5F, 3.0F, 65535.0F})).code, 0);
-    EXPECT_EQ(item->BottomRight()->X()->GetVal(), 3);
-    for (ItemPtr const& foreign : {ItemPtr(item->TopLeft()), ItemPtr(List({})), ItemPtr(new BoolItem(1))})
-        EXPECT_EQ(Assign(*item, foreign), (Outcome{IfErrTypeNotAssignable, -1}));
-    for (ItemPtr const& foreign : {ItemPtr(item->TopLeft()->X()), ItemPtr(item), ItemPtr(new NumericArrayItem<T>(1))})
-        EXPECT_EQ(Assign(*item->TopLeft(), foreign), (Outcome{IfErrTypeNotAssignable, -1}));
-    EXPECT_EQ(Assign(*item, nullptr), (Outcome{IfErrNullSource, -1}));
-    EXPECT_EQ(Assign(*item->TopLeft(), nullptr), (Outcome{IfErrNullSource, -1}));
     EXPECT_EQ(Assign(*item->TopLeft(), Point<S32>(9, 8)), (Outcome{0, 1}));
     EXPECT_EQ(Printed(*item->TopLeft()), "(9,  8)");
 
@@ -232,129 +173,77 @@ TYPED_TEST(Shapes, AreAssignedFromTheirOwnKindOfAnyElementType)
     EXPECT_EQ(Printed(*info), Printed(*source));
     Bound<S32>(source->BottomRight()->Y(), 2, 3, 20);
     EXPECT_EQ(Assign(*info, source), (Outcome{0, 1}));
-    EXPECT_EQ(Assign(*info, nullptr), (Outcome{IfErrNullSource, -1}));
-    EXPECT_EQ(Assign(*info, source->TopLeft()), (Outcome{IfErrTypeNotAssignable, -1}));
-    EXPECT_EQ(Assign(*info->TopLeft(), source->TopLeft()->X()), (Outcome{IfErrTypeNotAssignable, -1}));
-    EXPECT_EQ(Assign(*info->TopLeft(), nullptr), (Outcome{IfErrNullSource, -1}));
 }
 
-TYPED_TEST(Shapes, HaveTheirTextForms)
+TEST(ShapeTexts, HaveTheirForms)
 {
-    using T = TypeParam;
-    auto const info = MakeInfo<RectInfo<T>>();
-    Bound<T>(info->TopLeft()->X(), 1, 2, 3);
-    Bound<T>(info->TopLeft()->Y(), 4, 5, 6);
-    Bound<T>(info->BottomRight(), 7, 8);
+    auto const info = MakeInfo<RectInfo<U16>>();
+    Bound<U16>(info->TopLeft()->X(), 1, 2, 3);
+    Bound<U16>(info->TopLeft()->Y(), 4, 5, 6);
+    Bound<U16>(info->BottomRight(), 7, 8);
     std::string const topLeft = "x(1 <= 2 <= 3) y(4 <= 5 <= 6)";
     std::string const bottomRight = "x(7 <= 7 <= 8) y(7 <= 7 <= 8)";
-    std::string element = Dumped(*info);
-    element = element.substr(element.find("numericType"), element.find("topLeft") - element.find("numericType"));
     std::string const head = "id: 7\npermission: 4660\nname: speed\ntype: ";
     EXPECT_EQ(Dumped(*info),
-              head + "Rectangle\n" + element + "topLeft: " + topLeft + "\ntopRight: " + bottomRight + '\n');
+              head + "Rectangle\nnumericType: U16\ntopLeft: " + topLeft + "\ntopRight: " + bottomRight + '\n');
     EXPECT_EQ(Printed(*info), "TLC[" + topLeft + "] BRC[" + bottomRight + ']');
-    auto const point = MakeInfo<CoordinateInfo<T>>();
+    auto const point = MakeInfo<CoordinateInfo<U16>>();
     *point = *info->TopLeft();
-    EXPECT_EQ(Dumped(*point), head + "Coordinate\n" + element + "X 1 <= 2 <= 3\nY 4 <= 5 <= 6\n");
-
-    auto const item = Hold(info->CreateItem());
-    EXPECT_EQ(Printed(*item), "(TLC(2,  5),  BRC(7,  7))");
-    EXPECT_EQ(Dumped(*item), "id: 7\ntype: Rectangle\nvalue: (TLC(2,  5),  BRC(7,  7))\n");
+    EXPECT_EQ(Dumped(*point), head + "Coordinate\nnumericType: U16\nX 1 <= 2 <= 3\nY 4 <= 5 <= 6\n");
     EXPECT_EQ(Dumped(*Hold(point->CreateItem())), "id: 7\ntype: Coordinate\nvalue: (2,  5)\n");
+    auto const item = Hold(info->CreateItem());
+    EXPECT_EQ(Dumped(*item), "id: 7\ntype: Rectangle\nvalue: (TLC(2,  5),  BRC(7,  7))\n");
+
+    // What was read before a failure stays.
+    EXPECT_EQ(ReadText(*item, "1 x").second, "Error parsing numericItem\nError parsing Y\nError parsing TopLeft\n");
+    EXPECT_EQ(Printed(*item), "(TLC(1,  5),  BRC(7,  7))");
+    EXPECT_EQ(ReadText(*item, "3 4").second, "Error parsing numericItem\nError parsing X\nError parsing BottomRight\n");
+    EXPECT_EQ(Printed(*item), "(TLC(3,  4),  BRC(7,  7))");
+    EXPECT_EQ(ReadText(*item, "1 2 3 4"), std::pair(true, std::string()));
+    EXPECT_EQ(Printed(*item), "(TLC(1,  2),  BRC(3,  4))");
 }
 
-TYPED_TEST(Shapes, KeepWhatWasReadBeforeAFailure)
+TEST(ShapeRecords, HaveTheirBytesAndSizes)
 {
-    using T = TypeParam;
     struct Case
     {
-        char const* text;
-        char const* message;
-        typename RectItem<T>::Flat numbers;
+        ItemPtr item;
+        unsigned char type;
+        unsigned char numericType;
+        Bytes payload;
+        bool takesMore; ///< whether more bytes than these are read
     };
-    for (Case const& c :
-         {Case{"1 2 3 4", "", {1, 2, 3, 4}},
-          Case{"", "Error parsing numericItem\nError parsing X\nError parsing TopLeft\n", {9, 9, 9, 9}},
-          Case{"1 x", "Error parsing numericItem\nError parsing Y\nError parsing TopLeft\n", {1, 9, 9, 9}},
-          Case{"1 2", "Error parsing numericItem\nError parsing X\nError parsing BottomRight\n", {1, 2, 9, 9}},
-          Case{"1 2 3 x", "Error parsing numericItem\nError parsing Y\nError parsing BottomRight\n", {1, 2, 3, 9}}})
-    {
-        auto const item = Rectangle<T>({9, 9, 9, 9});
-        EXPECT_EQ(ReadText(*item, c.text), std::pair(*c.message == '\0', std::string(c.message)));
-        EXPECT_EQ(item->GetFlat(), c.numbers) << c.text;
-    }
-}
-
-TYPED_TEST(Shapes, ComeBackFromTheirRecords)
-{
-    using T = TypeParam;
-    auto const rect = Rectangle<T>({1, 200, 3, 4});
-    auto const point = Point<T>(1, 200);
-    for (auto const& [item, isRect] : {std::pair(boost::intrusive_ptr<ItemBase>(rect), true),
-                                       std::pair(boost::intrusive_ptr<ItemBase>(point), false)})
+    // In this form of a float the bytes of its integer part are swapped: 1.5 stands as 16777216.
+    for (auto const& [item, type, numericType, payload, takesMore] :
+         {Case{Point<U16>(0x0102, 3), 0x81, 3, {1, 2, 0, 3}, false},
+          Case{Point<S32>(-2, 0x01020304), 0x81, 6, {255, 255, 255, 254, 1, 2, 3, 4}, false},
+          Case{Point<F>(1.5F, 255), 0x81, 9, {0, 0, 0x80, 0x4B, 0, 0, 0x7F, 0x4F}, false},
+          Case{Rectangle<U16>({1, 2, 3, 0x0405}), 0x82, 3, {0, 1, 0, 2, 0, 3, 4, 5}, true},
+          Case{List({{1, 2, 3, 4}}), 0x8d, 3, {0, 1, 0, 2, 0, 3, 0, 4}, false}})
     {
         Record const record = RecordOf(*item);
-        EXPECT_EQ(record.payload.size(), sizeof(typename T::T) * (isRect ? 4 : 2));
-        EXPECT_EQ(record.payload.size(), item->GetSerialDataSize());
-        EXPECT_EQ(record.type, isRect ? 0x82 : 0x81);
-        EXPECT_EQ(record.numericType, static_cast<int>(T::k_numericType));
-        EXPECT_TRUE(Rebuild(record).second->IsEqualValue(item));
-        std::string const before = Dumped(*item);
-        for (std::size_t size = 0; size < 2 * record.payload.size(); ++size) {
+        EXPECT_EQ(record.type, type);
+        EXPECT_EQ(record.numericType, numericType);
+        EXPECT_EQ(record.payload, payload);
+        auto const target = Rebuild(record).second;
+        std::string const before = Dumped(*target);
+        for (std::size_t size = 1; size < 2 * payload.size(); ++size) {
             Record other = record;
             other.payload.resize(size);
-            bool const fits = isRect ? size >= record.payload.size() : size == record.payload.size();
-            EXPECT_EQ(Read(*item, other), fits ? 0 : IfErrInvalidArgument) << size; // only a rectangle may be longer
-            EXPECT_EQ(Dumped(*item), before);
+            bool const fits = size == payload.size() || (takesMore && size > payload.size());
+            EXPECT_EQ(Read(*target, other), fits ? 0 : IfErrInvalidArgument) << size;
+            EXPECT_EQ(Dumped(*target), before);
         }
-        EXPECT_EQ(Read(*item, {8, record.type, record.numericType, record.payload}), IfErrInvalidArgument);
-        EXPECT_EQ(Read(*item, {7, 1, record.numericType, record.payload}), IfErrInvalidArgument);
-        EXPECT_EQ(Read(*item, {7, record.type, 10, record.payload}), IfErrInvalidArgument);
-        EXPECT_EQ(Rebuild({7, record.type, 10, record.payload}),
-                  std::pair(IfErrInvalidArgument, boost::intrusive_ptr<ItemBase>()));
-        EXPECT_EQ(item->Deserialize(nullptr), IfErrNullArgument);
-        EXPECT_EQ(item->Serialize(nullptr), IfErrInvalidArgument);
     }
-}
-
-TEST(ShapeRecords, HaveTheirBytes)
-{
-    EXPECT_EQ(RecordOf(*Point<U16>(0x0102, 3)).payload, (Bytes{1, 2, 0, 3}));
-    EXPECT_EQ(RecordOf(*Point<S32>(-2, 0x01020304)).payload, (Bytes{255, 255, 255, 254, 1, 2, 3, 4}));
-    EXPECT_EQ(RecordOf(*Rectangle<U16>({1, 2, 3, 0x0405})).payload, (Bytes{0, 1, 0, 2, 0, 3, 4, 5}));
-    std::array<float, 4> stored{};
-    Bytes const floats = RecordOf(*Rectangle<F>({1.5F, 2, -3, 255})).payload;
-    ASSERT_EQ(floats.size(), sizeof(stored));
-    std::memcpy(stored.data(), floats.data(), sizeof(stored));
-    EXPECT_EQ(stored, (std::array<float, 4>{16777216.0F, 33554432.0F, 4261412864.0F, 4278190080.0F}));
-
-    auto const list = List({{1, 2, 3, 4}, {5, 6, 7, 0x0809}});
-    Record const record = RecordOf(*list);
-    EXPECT_EQ(record.type, 0x8d);
-    EXPECT_EQ(record.numericType, 3);
-    EXPECT_EQ(record.payload, (Bytes{0, 1, 0, 2, 0, 3, 0, 4, 0, 5, 0, 6, 0, 7, 8, 9}));
-    EXPECT_EQ(list->GetSerialDataSize(), 16U);
-    EXPECT_TRUE(Rebuild(record).second->IsEqualValue(list));
-    for (std::size_t size = 0; size <= 24; ++size) {
-        auto const target = List({{9, 9, 9, 9}});
-        Record const other{7, 0x8d, 3, Bytes(size, 1)};
-        EXPECT_EQ(Read(*target, other), size % 8 == 0 ? 0 : IfErrInvalidArgument);
-        EXPECT_EQ(target->GetSize(), size % 8 == 0 ? size / 8 : 1);
-    }
-    EXPECT_EQ(Rebuild({7, 0x8d, 6, {}}).first, IfErrInvalidArgument);
-    EXPECT_EQ(list->Deserialize(nullptr), IfErrNullArgument);
 }
 
 TEST(Rect, CountsBothEdgesAndWraps)
 {
-    auto const unsigned_ = Rectangle<U16>({10, 20, 19, 29});
-    EXPECT_EQ(unsigned_->GetWidth(), 10);
-    EXPECT_EQ(unsigned_->GetHeight(), 10);
+    EXPECT_EQ(Rectangle<U16>({10, 20, 19, 29})->GetWidth(), 10);
     EXPECT_EQ(Rectangle<U16>({5, 5, 2, 5})->GetWidth(), 65534);
     EXPECT_EQ(Rectangle<U16>({0, 0, 65535, 0})->GetWidth(), 0);
     constexpr int max = std::numeric_limits<int>::max();
     constexpr int min = std::numeric_limits<int>::min();
-    EXPECT_EQ(Rectangle<S32>({5, 5, 2, 5})->GetWidth(), -2);
     EXPECT_EQ(Rectangle<S32>({min, max, max, min})->GetWidth(), 0);
     EXPECT_EQ(Rectangle<S32>({min, max, max, min})->GetHeight(), 2);
     EXPECT_EQ(Rectangle<F>({1.5F, 4, 3, 1})->GetWidth(), 2.5F);
@@ -364,23 +253,19 @@ TEST(Rect, CountsBothEdgesAndWraps)
 TEST(Rect, TakesCornersFromTheDefaultsOfASchema)
 {
     auto const corner = MakeInfo<CoordinateInfo<U16>>();
-    Bound<U16>(corner->X(), 5, 5, 9);
-    Bound<U16>(corner->Y(), 6, 6, 9);
+    Bound<U16>(corner, 5, 9);
     auto const item = Rectangle<U16>({1, 2, 3, 4});
     item->SetValTopLeft(corner);
-    EXPECT_EQ(item->GetFlat(), (RectItem<U16>::Flat{5, 6, 3, 4}));
+    EXPECT_EQ(item->GetFlat(), (Flat<U16>{5, 5, 3, 4}));
     item->SetValBottomRight(corner);
-    EXPECT_EQ(item->GetFlat(), (RectItem<U16>::Flat{5, 6, 5, 6}));
+    EXPECT_EQ(item->GetFlat(), (Flat<U16>{5, 5, 5, 5}));
 }
 
 TEST(Coordinate, ComparesFloatsWithinTheToleranceAndLetsANaNPass)
 {
     float const nan = std::numeric_limits<float>::quiet_NaN();
-    EXPECT_TRUE(Point<F>(0, 0)->IsEqualValue(Point<F>(0, 1e-11F)));
     EXPECT_FALSE(Point<F>(0, 0)->IsEqualValue(Point<F>(0, 1e-9F)));
     EXPECT_FALSE(Point<F>(nan, 0)->IsEqualValue(Point<F>(nan, 0)));
-    EXPECT_FALSE(Point<U16>(1, 1)->IsEqualValue(Point<S32>(1, 1)));
-    EXPECT_FALSE(Point<U16>(1, 1)->IsEqualValue(nullptr));
     auto const info = MakeInfo<CoordinateInfo<F>>();
     auto const point = Point<F>(nan, nan);
     EXPECT_TRUE(point->WithinBounds(*info));
@@ -388,22 +273,14 @@ TEST(Coordinate, ComparesFloatsWithinTheToleranceAndLetsANaNPass)
     EXPECT_EQ(Printed(*point), "(nan,  nan)");
     // A difference within the tolerance is taken over and not told.
     auto const target = Point<F>(0, 0);
+    EXPECT_TRUE(target->IsEqualValue(Point<F>(1e-11F, 0)));
     EXPECT_EQ(Assign(*target, Point<F>(1e-11F, 0)), (Outcome{0, 0}));
     EXPECT_EQ(target->X()->GetVal(), 1e-11F);
 }
 
-TEST(RectArrayInfo, GivesTheTagOfARectangleToStaticCallers)
-{
-    EXPECT_EQ(RectArrayInfo<U16>::GetTypeStatic(), IfType_t::Rectangle);
-    EXPECT_EQ(MakeInfo<RectArrayInfo<U16>>()->GetType(), IfType_t::RectArray);
-    EXPECT_EQ(RectArrayItem<U16>::GetTypeStatic(), IfType_t::RectArray);
-    EXPECT_EQ(List({})->GetType(), IfType_t::RectArray);
-}
-
-TEST(RectArrayInfo, HoldsSizesAndCorners)
+TEST(RectArrayInfo, SharesTheBoundsOfItsCornersAlone)
 {
     auto const info = MakeInfo<RectArrayInfo<U16>>();
-    EXPECT_EQ(info->GetMinSize(), 0U);
     EXPECT_EQ(info->GetMaxSize(), 0x7FFFFFFFU);
     Bound<U16>(info->TopLeft(), 0, 10);
     Bound<U16>(info->BottomRight(), 100, 200);
@@ -411,32 +288,23 @@ TEST(RectArrayInfo, HoldsSizesAndCorners)
     info->SetMinSize(3);
     EXPECT_EQ(info->GetMaxSize(), 3U);
     info->SetMaxSize(2);
-    EXPECT_EQ(info->GetMinSize(), 2U);
     std::string const topLeft = "x(0 <= 0 <= 10) y(0 <= 0 <= 10)";
     std::string const bottomRight = "x(100 <= 100 <= 200) y(100 <= 100 <= 200)";
     EXPECT_EQ(Printed(*info), "size(2, 2) " + topLeft + ",  " + bottomRight);
     EXPECT_EQ(Dumped(*info), "id: 7\npermission: 4660\nname: speed\ntype: Invalid\nnumericType: U16\nminSize: 2\n"
                              "maxSize: 2\ntopLeft: " +
                                  topLeft + "\ntopRight: " + bottomRight + '\n');
-    EXPECT_TRUE(Hold(info->CreateItem())->IsEmpty());
 
     auto const copy = Hold(info->DeepCopy(9));
-    RectArrayInfo<U16> const constructed(*info);
-    EXPECT_EQ(Printed(*copy), Printed(*info));
-    EXPECT_EQ(Printed(constructed), Printed(*info));
     copy->SetMaxSize(50);
-    EXPECT_TRUE(copy->IsEqualBounds(info)); // the corners alone are compared
+    EXPECT_TRUE(copy->IsEqualBounds(info));
     EXPECT_EQ(copy->MergeBounds(info), 0);
-    EXPECT_EQ(copy->GetMaxSize(), 50U); // and merged
-    copy->BottomRight()->Y()->SetMax(150);
-    EXPECT_FALSE(copy->IsEqualBounds(info)); // and not shared
-    EXPECT_EQ(info->MergeBounds(copy), 0);
-    EXPECT_EQ(info->BottomRight()->Y()->GetMax(), 150);
+    EXPECT_EQ(copy->GetMaxSize(), 50U);
     Bound<U16>(copy->TopLeft(), 1, 2);
+    EXPECT_FALSE(copy->IsEqualBounds(info));
     Bound<U16>(copy->BottomRight(), 1, 2);
     EXPECT_EQ(info->MergeBounds(copy), IfErrBoundsDisjoint);
     EXPECT_EQ(info->TopLeft()->X()->GetMax(), 2); // merged before the failure
-    EXPECT_EQ(info->MergeBounds(MakeInfo<RectInfo<U16>>()), IfErrBoundsTypeMismatch);
 }
 
 TEST(RectArrayInfo, IsAssignedFromItsKindAndFromListsOfNumbers)
@@ -444,19 +312,17 @@ TEST(RectArrayInfo, IsAssignedFromItsKindAndFromListsOfNumbers)
     auto const info = MakeInfo<RectArrayInfo<U16>>();
     auto const source = MakeInfo<RectArrayInfo<U16>>();
     Bound<U16>(source->BottomRight(), 1, 10);
-    source->SetMinSize(1);
+    EXPECT_EQ(Assign(*info, source), (Outcome{0, 1}));
+    source->SetMaxSize(9);
     EXPECT_EQ(Assign(*info, source), (Outcome{0, 1}));
     EXPECT_EQ(Assign(*info, source), (Outcome{0, 0}));
     EXPECT_EQ(Printed(*info), Printed(*source));
-    source->SetMaxSize(9);
-    EXPECT_EQ(Assign(*info, source), (Outcome{0, 1}));
-    EXPECT_EQ(Assign(*info, nullptr), (Outcome{IfErrNullSource, -1}));
-    EXPECT_EQ(Assign(*info, MakeInfo<RectInfo<U16>>()), (Outcome{IfErrTypeNotAssignable, -1}));
 
+    // Sizes and a default that are no whole rectangles.
     auto const numbers = MakeInfo<NumericArrayInfo<S32>>();
-    numbers->SetMaxSize(12);
     std::string const before = Printed(*info);
-    EXPECT_EQ(Assign(*info, numbers), (Outcome{IfErrInvalidArgument, -1})); // from 1 number on
+    numbers->SetMaxSize(12);
+    EXPECT_EQ(Assign(*info, numbers), (Outcome{IfErrInvalidArgument, -1}));
     numbers->SetMinSize(4);
     numbers->SetMaxSize(13);
     EXPECT_EQ(Assign(*info, numbers), (Outcome{IfErrInvalidArgument, -1}));
@@ -464,14 +330,11 @@ TEST(RectArrayInfo, IsAssignedFromItsKindAndFromListsOfNumbers)
     numbers->SetDefault({1, 2, 3, 4, 5, 6, 7, 8});
     EXPECT_EQ(Assign(*info, numbers), (Outcome{IfErrInvalidArgument, -1}));
     EXPECT_EQ(Printed(*info), before);
-
     auto const noDefault = MakeInfo<NumericArrayInfo<S32>>();
     noDefault->SetMinSize(4);
     noDefault->SetMaxSize(12);
     EXPECT_EQ(Assign(*info, noDefault), (Outcome{0, 1}));
-    EXPECT_EQ(Assign(*info, noDefault), (Outcome{0, 0}));
-    std::string const corners = before.substr(before.find(") ") + 2);
-    EXPECT_EQ(Printed(*info), "size(1, 3) " + corners);
+    EXPECT_EQ(Printed(*info), "size(1, 3) " + before.substr(before.find(") ") + 2));
 
     // Every axis ends at the source's least number, its default with it; the greatest plays no part.
     numbers->SetDefault({60, 70, 80, 90});
@@ -492,7 +355,6 @@ TEST(NumericArrayInfo, IsAssignedFromASchemaOfRectangles)
     EXPECT_EQ(Assign(*whole, rects), (Outcome{0, 1}));
     EXPECT_EQ(whole->GetMinSize(), 0U);
     EXPECT_EQ(whole->GetMaxSize(), 4294967292U);
-    EXPECT_EQ(Assign(*whole, rects), (Outcome{0, 0}));
 
     Bound<U16>(rects->TopLeft()->X(), 5, 6, 7);
     Bound<U16>(rects->TopLeft()->Y(), 3, 4, 300);
@@ -510,18 +372,13 @@ TEST(NumericArrayInfo, IsAssignedFromASchemaOfRectangles)
 TEST(NumericArrayItem, TakesRectanglesInFlatOrder)
 {
     NumericArrayItem<U16> item(1);
-    auto const rect = Rectangle<F>({1.9F, 2.9F, 3.9F, 4.9F});
+    auto const rect = Rectangle<S32>({-1, 70000, 3, 4});
     EXPECT_EQ(Assign(item, rect, 2), (Outcome{0, 1}));
-    EXPECT_EQ(item.GetVal(), (std::vector<unsigned short>{0, 0, 1, 2, 3, 4}));
     EXPECT_EQ(Assign(item, rect, 2), (Outcome{0, 0}));
-    EXPECT_EQ(Assign(item, Rectangle<S32>({-1, 70000, 3, 4}), 1), (Outcome{0, 1}));
-    EXPECT_EQ(item.GetVal(), (std::vector<unsigned short>{0, 65535, 4464, 3, 4, 4}));
-    EXPECT_EQ(Assign(item, List({{1, 2, 3, 4}, {5, 6, 7, 8}}), 99), (Outcome{0, 1}));
-    EXPECT_EQ(item.GetVal(), (std::vector<unsigned short>{1, 2, 3, 4, 5, 6, 7, 8}));
-    EXPECT_EQ(Assign(item, List({{1, 2, 3, 4}, {5, 6, 7, 8}})), (Outcome{0, 0}));
-    EXPECT_EQ(Assign(item, Point<U16>(1, 2)), (Outcome{IfErrTypeNotAssignable, -1}));
-    EXPECT_EQ(Assign(item, List({})), (Outcome{0, 1}));
-    EXPECT_TRUE(item.IsEmpty());
+    EXPECT_EQ(Assign(item, Rectangle<F>({1.9F, 2.9F, 3.9F, 4.9F}), 1), (Outcome{0, 1}));
+    EXPECT_EQ(item.GetVal(), (std::vector<unsigned short>{0, 1, 2, 3, 4, 4}));
+    EXPECT_EQ(Assign(item, List({{1, 2, 3, 4}}), 99), (Outcome{0, 1}));
+    EXPECT_EQ(item.GetVal(), (std::vector<unsigned short>{1, 2, 3, 4}));
     // Compared exactly: the tolerance of other sources plays no part.
     NumericArrayItem<F> floats(1);
     floats.SetVal({1e-11F, 0, 0, 0});
@@ -534,14 +391,9 @@ TEST(RectArrayItem, TakesNumbersRectanglesAndLists)
     auto const item = List({{9, 9, 9, 9}});
     NumericArrayItem<F> numbers(1);
     numbers.SetVal({1.5F, 2, 3, -1, 70000.5F, 6, 7, 8});
-    ItemPtr const source(numbers.DeepCopy());
-    EXPECT_EQ(Assign(*item, source, 99), (Outcome{0, 1}));
-    EXPECT_EQ(RectsOf(*item), (Rects{{1, 2, 3, 65535}, {4464, 6, 7, 8}}));
-    EXPECT_EQ(Assign(*item, source), (Outcome{0, 0}));
+    EXPECT_EQ(Assign(*item, Hold(numbers.DeepCopy()), 99), (Outcome{0, 1}));
     numbers.Val().pop_back();
-    EXPECT_EQ(Assign(*item, ItemPtr(numbers.DeepCopy())), (Outcome{IfErrInvalidArgument, -1}));
-    EXPECT_EQ(item->GetSize(), 2U);
-
+    EXPECT_EQ(Assign(*item, Hold(numbers.DeepCopy())), (Outcome{IfErrInvalidArgument, -1}));
     auto const rect = Rectangle<S32>({1, 2, 3, 65536 + 4});
     EXPECT_EQ(Assign(*item, rect, 3), (Outcome{0, 1}));
     EXPECT_EQ(RectsOf(*item), (Rects{{1, 2, 3, 65535}, {4464, 6, 7, 8}, {0, 0, 0, 0}, {1, 2, 3, 4}}));
@@ -551,32 +403,20 @@ TEST(RectArrayItem, TakesNumbersRectanglesAndLists)
 
     auto const list = List({{1, 1, 1, 1}, {2, 2, 2, 2}});
     EXPECT_EQ(Assign(*item, list, 9), (Outcome{0, 1}));
-    EXPECT_EQ(Assign(*item, list), (Outcome{0, 0}));
     EXPECT_EQ(Assign(*item, item), (Outcome{0, 0}));
-    EXPECT_TRUE(item->IsEqualValue(list));
     item->Val()[1].BottomRight()->SetValY(3);
     EXPECT_EQ(list->Val()[1].GetFlat()[3], 2); // nothing is shared
     EXPECT_FALSE(item->IsEqualValue(list));
-    EXPECT_FALSE(item->IsEqualValue(List({{1, 1, 1, 1}})));
-
-    EXPECT_EQ(Assign(*item, nullptr), (Outcome{IfErrNullSource, -1}));
-    for (ItemPtr const& foreign :
-         {ItemPtr(Point<U16>(1, 2)), ItemPtr(new BoolItem(1)), ItemPtr(new NumericItem<U16>(1))})
-        EXPECT_EQ(Assign(*item, foreign), (Outcome{IfErrTypeNotAssignable, -1}));
     for (unsigned int const index : {214748364U, 0xFFFFFFFFU})
         EXPECT_THROW(item->AssignArrayValue(rect, index, nullptr), std::length_error);
     EXPECT_EQ(item->GetSize(), 2U);
-}
 
-TEST(RectArrayItem, GrowsForARectangleOfItsOwn)
-{
-    auto const item = List({{1, 2, 3, 4}});
+    // A rectangle of its own, held by the list and not by this pointer, while the list grows.
     item->Val().shrink_to_fit();
-    ItemPtr own(&item->Val()[0], false); // held by the list and not by this pointer
-    EXPECT_EQ(item->AssignArrayValue(own, 0, nullptr), 0);
+    ItemPtr own(&item->Val()[0], false);
     EXPECT_EQ(item->AssignArrayValue(own, 2, nullptr), 0);
     own.detach();
-    EXPECT_EQ(RectsOf(*item), (Rects{{1, 2, 3, 4}, {0, 0, 0, 0}, {1, 2, 3, 4}}));
+    EXPECT_EQ(RectsOf(*item), (Rects{{1, 1, 1, 1}, {2, 2, 2, 3}, {1, 1, 1, 1}}));
 }
 
 TEST(RectArrayItem, ElementsStayWholeAsTheListMovesThem)
@@ -585,18 +425,11 @@ TEST(RectArrayItem, ElementsStayWholeAsTheListMovesThem)
     for (unsigned short i = 0; i < 100; ++i)
         item->Val().push_back(*Rectangle<U16>({i, i, i, i}));
     item->Val().erase(item->Val().begin());
-    auto copy = item->GetVal();
-    copy[0].TopLeft()->SetValX(7);
-    std::swap(copy[1], copy[2]);
-    EXPECT_EQ(copy[1].GetFlat()[0], 3);
-    EXPECT_EQ(copy[2].GetFlat()[0], 2);
-    for (unsigned short i = 0; i < 99; ++i) {
-        ASSERT_NE(item->Val()[i].TopLeft(), nullptr);
-        EXPECT_EQ(item->Val()[i].GetFlat()[0], i + 1);
-    }
+    std::swap(item->Val()[0], item->Val()[1]);
     auto const deep = Hold(item->DeepCopy(9));
     deep->Val()[0].TopLeft()->SetValX(50);
-    EXPECT_EQ(item->Val()[0].GetFlat()[0], 1);
+    for (unsigned short i = 0; i < 99; ++i)
+        EXPECT_EQ(item->Val()[i].GetFlat()[0], i == 0 ? 2 : i == 1 ? 1 : i + 1);
 }
 
 TEST(RectArrayItem, IsBoundedByTheTopLeftSchemaAlone)
@@ -604,8 +437,7 @@ TEST(RectArrayItem, IsBoundedByTheTopLeftSchemaAlone)
     auto const info = MakeInfo<RectArrayInfo<U16>>();
     Bound<U16>(info->TopLeft(), 0, 10);
     Bound<U16>(info->BottomRight(), 100, 200);
-    info->SetMinSize(3);
-    EXPECT_TRUE(List({})->WithinBounds(*info)); // the number of rectangles is not tested
+    info->SetMinSize(3); // no matter here
     auto const item = List({{1, 1, 150, 150}, {20, 5, 150, 150}});
     EXPECT_FALSE(item->WithinBounds(*info));
     item->Val()[1].TopLeft()->SetValX(10);
@@ -621,21 +453,14 @@ TEST(RectArrayItem, IsBoundedByTheTopLeftSchemaAlone)
     EXPECT_EQ(item->GetSize(), 2U);
     EXPECT_EQ(item->SetVal(List({{1, 2, 3, 4}})->GetVal(), *info), 0);
     EXPECT_EQ(RectsOf(*item), (Rects{{1, 2, 3, 4}}));
-    EXPECT_EQ(Validated(*item, info), (Texts{"TypesSystemIllegalValidatationError", "speed", "Invalid(U16)"}));
-}
-
-TEST(RectArrayItem, HasItsTextForms)
-{
-    EXPECT_EQ(Printed(*List({})), "()");
-    auto const item = List({{1, 2, 3, 4}, {5, 6, 7, 8}});
-    std::string const text = "((TLC(1,  2),  BRC(3,  4)), (TLC(5,  6),  BRC(7,  8)))";
-    EXPECT_EQ(Printed(*item), text);
-    EXPECT_EQ(Dumped(*item), "id: 7\ntype: Invalid\nvalue: " + text + '\n');
+    EXPECT_EQ(Validated(*item, info).front(), "TypesSystemIllegalValidatationError");
 }
 
 TEST(RectArrayItem, LooksForTheEndAloneBehindItsCount)
 {
-    std::string const number = "Error parsing numericItem\n";
+    EXPECT_EQ(Printed(*List({})), "()");
+    EXPECT_EQ(Dumped(*List({{1, 2, 3, 4}, {5, 6, 7, 8}})),
+              "id: 7\ntype: Invalid\nvalue: ((TLC(1,  2),  BRC(3,  4)), (TLC(5,  6),  BRC(7,  8)))\n");
     struct Case
     {
         char const* text;
@@ -643,13 +468,11 @@ TEST(RectArrayItem, LooksForTheEndAloneBehindItsCount)
         Rects rects;
     };
     Rects const old{{9, 9, 9, 9}};
+    std::string const atX = "Error parsing numericItem\nError parsing X\nError parsing TopLeft\n";
     for (Case const& c : {Case{"1 1 2 3 4", "", {{1, 2, 3, 4}}}, Case{"0 ", "", {}},
-                          Case{"x ", "", {}}, // no number, but no end either: taken as 0
+                          Case{"x", "", {}}, // no number, but no end either: taken as 0
                           Case{"0", "Error parsing arraySize\n", old}, Case{"", "Error parsing arraySize\n", old},
-                          Case{"x", "", {}}, Case{"1 x", number + "Error parsing X\nError parsing TopLeft\n", old},
-                          Case{"2 1 2 3 4 ", number + "Error parsing X\nError parsing TopLeft\n", old},
-                          Case{"1 1 2 3 x", number + "Error parsing Y\nError parsing BottomRight\n", old},
-                          Case{"214748364 ", number + "Error parsing X\nError parsing TopLeft\n", old}})
+                          Case{"2 1 2 3 4 ", atX, old}, Case{"214748364 ", atX, old}})
     {
         auto const item = List(old);
         EXPECT_EQ(ReadText(*item, c.text), std::pair(c.message.empty(), c.message)) << c.text;
