@@ -34,31 +34,19 @@ struct Cut
 // Narrow targets go through a signed 32-bit number, the others straight; what does not fit is the lowest number of the
 // type gone through.
 constexpr Cut k_cuts[] = {
-    {0.99, 0, 0, 0, 0, 0, 0, 0, 0},
-    {-0.99, 0, 0, 0, 0, 0, 0, 0, 0},
     {2.9, 2, 2, 2, 2, 2, 2, 2, 2},
     {-2.9, 254, -2, 65534, -2, 4294967294, -2, ~std::uint64_t{1}, -2},
-    {-1.5, 255, -1, 65535, -1, 4294967295, -1, ~std::uint64_t{0}, -1},
-    {200.0, 200, -56, 200, 200, 200, 200, 200, 200},
     {70000.5, 112, 112, 4464, 4464, 70000, 70000, 70000, 70000},
     {-70000.5, 144, -112, 61072, -4464, 4294897296, -70000, std::uint64_t(-70000), -70000},
-    {2147483647.0, 255, -1, 65535, -1, 2147483647, 2147483647, 2147483647, 2147483647},
     {2147483647.9, 255, -1, 65535, -1, 2147483647, 2147483647, 2147483647, 2147483647},
     {2147483648.0, 0, 0, 0, 0, 2147483648, k_s32Min, 2147483648, 2147483648},
-    {-2147483648.9, 0, 0, 0, 0, 2147483648, k_s32Min, std::uint64_t(-2147483648), -2147483648},
     {-2147483649.0, 0, 0, 0, 0, 2147483647, k_s32Min, std::uint64_t(-2147483649), -2147483649},
-    {4294967295.0, 0, 0, 0, 0, 4294967295, k_s32Min, 4294967295, 4294967295},
     {4294967301.0, 0, 0, 0, 0, 5, k_s32Min, 4294967301, 4294967301},
-    {k_2to63 - 1024, 0, 0, 0, 0, 4294966272, k_s32Min, k_highBit - 1024, 9223372036854774784},
     {k_2to63, 0, 0, 0, 0, 0, k_s32Min, k_highBit, k_s64Min},
-    {-k_2to63, 0, 0, 0, 0, 0, k_s32Min, k_highBit, k_s64Min},
     {-k_2to63 - 2048, 0, 0, 0, 0, 0, k_s32Min, k_highBit, k_s64Min},
     {k_2to63 * 2 - 2048, 0, 0, 0, 0, 0, k_s32Min, ~std::uint64_t{2047}, k_s64Min},
-    {k_2to63 * 2, 0, 0, 0, 0, 0, k_s32Min, k_highBit, k_s64Min},
     {1.7976931348623157e308, 0, 0, 0, 0, 0, k_s32Min, k_highBit, k_s64Min},
-    {-1.7976931348623157e308, 0, 0, 0, 0, 0, k_s32Min, k_highBit, k_s64Min},
     {k_inf, 0, 0, 0, 0, 0, k_s32Min, k_highBit, k_s64Min},
-    {-k_inf, 0, 0, 0, 0, 0, k_s32Min, k_highBit, k_s64Min},
     {k_nan, 0, 0, 0, 0, 0, k_s32Min, k_highBit, k_s64Min},
 };
 
@@ -85,44 +73,27 @@ TEST(Convert, CutsFractionsTowardsZero)
     }
 }
 
-TEST(Convert, KeepsLowBitsAndExtendsBySign)
+TEST(Convert, KeepsLowBitsAndTakesTheNearestFloat)
 {
     EXPECT_EQ((ConvertTo<unsigned char>(300)), 44);
-    EXPECT_EQ((ConvertTo<unsigned short>(-1)), 65535);
-    EXPECT_EQ((ConvertTo<unsigned int>(static_cast<signed char>(-1))), 4294967295U);
     EXPECT_EQ((ConvertTo<std::uint64_t>(static_cast<signed char>(-1))), ~std::uint64_t{0});
     EXPECT_EQ((ConvertTo<int>(static_cast<unsigned char>(255))), 255);
-    EXPECT_EQ((ConvertTo<signed char>(static_cast<unsigned char>(255))), -1);
-    EXPECT_EQ((ConvertTo<int>(0x100000002)), 2);
-    EXPECT_EQ((ConvertTo<std::int64_t>(~std::uint64_t{0})), -1);
-    EXPECT_EQ((ConvertTo<short>(true)), 1);
-}
-
-TEST(Convert, TakesTheNearestFloatingPointValue)
-{
     EXPECT_EQ((ConvertTo<float>(16777217)), 16777216.0F);
     EXPECT_EQ((ConvertTo<float>(~std::uint64_t{0})), 18446744073709551616.0F); // not -1
-    EXPECT_EQ((ConvertTo<double>(~std::uint64_t{0})), 18446744073709551616.0);
-    EXPECT_EQ((ConvertTo<double>(k_s64Min)), -9223372036854775808.0);
-    EXPECT_EQ((ConvertTo<float>(0.1)), 0.1F);
     EXPECT_EQ((ConvertTo<float>(1e300)), std::numeric_limits<float>::infinity());
     EXPECT_TRUE(std::isnan(ConvertTo<float>(k_nan)));
 }
 
 TEST(Convert, TestsForTruth)
 {
+    double const tolerance = k_floatTolerance;
     for (auto const& [value, truth] :
-         {std::pair(0.0, false), std::pair(-0.0, false), std::pair(1e-11, false), std::pair(-1e-11, false),
-          std::pair(1e-9, true), std::pair(-1e-9, true), std::pair(k_inf, true), std::pair(-k_inf, true),
-          std::pair(k_nan, false), std::pair(static_cast<double>(k_floatTolerance), true),
-          std::pair(std::nextafter(static_cast<double>(k_floatTolerance), 0.0), false)})
+         {std::pair(-0.0, false), std::pair(-1e-9, true), std::pair(-k_inf, true), std::pair(k_nan, false),
+          std::pair(tolerance, true), std::pair(std::nextafter(tolerance, 0.0), false)})
     {
         EXPECT_EQ(ToBool(value), truth) << value;
         EXPECT_EQ(ConvertTo<bool>(value), truth) << value;
     }
-    EXPECT_TRUE(ToBool(k_floatTolerance));
-    EXPECT_FALSE(ToBool(std::nextafter(k_floatTolerance, 0.0F)));
-    EXPECT_TRUE(ToBool(k_highBit));
     EXPECT_TRUE(ConvertTo<bool>(256)); // no low byte is taken
 }
 
@@ -134,22 +105,16 @@ TEST(Convert, ComparesWithinTheTolerance)
         bool equal, differs;
     };
     double const tolerance = k_floatTolerance;
-    for (Case const& c :
-         {Case{1, 1, true, false}, Case{0, 1e-11, true, false}, Case{0, tolerance, true, false},
-          Case{0, std::nextafter(tolerance, 1.0), false, true}, Case{0, -1e-9, false, true}, Case{0, -0.0, true, false},
-          Case{k_inf, k_inf, false, false}, Case{k_inf, -k_inf, false, true}, Case{k_inf, 0, false, true},
-          Case{k_nan, k_nan, false, false}, Case{k_nan, 0, false, false}})
+    for (Case const& c : {Case{0, tolerance, true, false}, Case{0, std::nextafter(tolerance, 1.0), false, true},
+                          Case{k_inf, k_inf, false, false}, Case{k_inf, -k_inf, false, true},
+                          Case{k_inf, 0, false, true}, Case{k_nan, k_nan, false, false}, Case{k_nan, 0, false, false}})
     {
         for (auto const& [a, b] : {std::pair(c.a, c.b), std::pair(c.b, c.a)}) {
             EXPECT_EQ(DoubleTraits::Equal(a, b), c.equal) << a << ' ' << b;
             EXPECT_EQ(Differs(a, b), c.differs) << a << ' ' << b;
         }
     }
-    EXPECT_TRUE(FloatTraits::Equal(0, k_floatTolerance));
-    EXPECT_FALSE(FloatTraits::Equal(0, std::nextafter(k_floatTolerance, 1.0F)));
     EXPECT_FALSE(U64Traits::Equal(k_highBit, k_highBit + 1));
-    static_assert(FloatTraits::Equal(0, 1e-11F) && !FloatTraits::Equal(0, 1e-9F));
-    static_assert(ConvertTo<unsigned char>(-1.5) == 255 && ConvertTo<int>(1e10) == k_s32Min);
 }
 
 } // namespace
