@@ -114,7 +114,6 @@ void ExpectSchema(Info& info)
     expectCopy(assigned, 8, "own", {5});
     expectCopy(Make<Info>(info), 7, "speed", {0x1234});
     expectCopy(Hold(info.DeepCopy()), 7, "speed", {0x1234});
-    expectCopy(Hold(info.DeepCopy(9)), 9, "speed", {0x1234});
     expectCopy(Hold(info.DeepCopy(9, "other")), 9, "other", {0x1234});
     expectCopy(Hold(info.DeepCopy(9, "other", {6})), 9, "other", {6});
 }
