@@ -19,6 +19,9 @@ template<typename T>
 using Flat = typename RectItem<T>::Flat;
 using Rects = std::vector<Flat<U16>>;
 
+/// The message of every validation, whatever the value.
+constexpr char k_illegal[] = "TypesSystemIllegalValidatationError";
+
 template<typename T>
 boost::intrusive_ptr<CoordinateItem<T>> Point(typename T::T x, typename T::T y)
 {
@@ -112,9 +115,8 @@ TYPED_TEST(Shapes, AreBoundedPartByPartAndNeverValidate)
     item->BoundVal(*info);
     EXPECT_EQ(item->GetFlat(), (Flat<T>{10, 40, 1, 4})); // the corners stay the wrong way round
     EXPECT_TRUE(item->WithinBounds(*info));
-    std::string const key = "TypesSystemIllegalValidatationError";
-    EXPECT_EQ(Validated(*item, info).front(), key);
-    EXPECT_EQ(Validated(*Point<T>(15, 35), info->TopLeft()).front(), key);
+    EXPECT_EQ(Validated(*item, info).front(), k_illegal);
+    EXPECT_EQ(Validated(*Point<T>(15, 35), info->TopLeft()).front(), k_illegal);
     for (std::size_t place = 0; place < 4; ++place) {
         auto outside = item->GetFlat();
         outside[place] += 20;
@@ -193,6 +195,9 @@ TEST(ShapeTexts, HaveTheirForms)
     EXPECT_EQ(Dumped(*Hold(point->CreateItem())), "id: 7\ntype: Coordinate\nvalue: (2,  5)\n");
     auto const item = Hold(info->CreateItem());
     EXPECT_EQ(Dumped(*item), "id: 7\ntype: Rectangle\nvalue: (TLC(2,  5),  BRC(7,  7))\n");
+
+    EXPECT_EQ(Validated(*item, info), (Texts{k_illegal, "speed", "Rectangle(U16)"}));
+    EXPECT_EQ(Validated(*Point<F>(1, 1), point), (Texts{k_illegal, "speed", "Coordinate(Float)"}));
 
     // What was read before a failure stays.
     EXPECT_EQ(ReadText(*item, "1 x").second, "Error parsing numericItem\nError parsing Y\nError parsing TopLeft\n");
@@ -453,7 +458,7 @@ TEST(RectArrayItem, IsBoundedByTheTopLeftSchemaAlone)
     EXPECT_EQ(item->GetSize(), 2U);
     EXPECT_EQ(item->SetVal(List({{1, 2, 3, 4}})->GetVal(), *info), 0);
     EXPECT_EQ(RectsOf(*item), (Rects{{1, 2, 3, 4}}));
-    EXPECT_EQ(Validated(*item, info).front(), "TypesSystemIllegalValidatationError");
+    EXPECT_EQ(Validated(*item, info), (Texts{k_illegal, "speed", "Invalid(U16)"}));
 }
 
 TEST(RectArrayItem, LooksForTheEndAloneBehindItsCount)

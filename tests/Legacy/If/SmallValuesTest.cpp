@@ -175,6 +175,8 @@ TEST(Extended, HoldsAPairOfTextsInMemoryAlone)
     auto const item = Hold(info->CreateItem());
     EXPECT_TRUE(item->IsEmpty()); // by the first text alone
     EXPECT_EQ(Validated(*item, info), Texts{});
+    EXPECT_EQ(Validated(*item, nullptr),
+              (Texts{"TypesSystemValidateTypeMismatch", "Unknown", "NULL-Info", "Invalid(Undefined)"}));
     EXPECT_EQ(Dumped(*item), "id: 7\ntype: Invalid\n");
     EXPECT_EQ(ReadText(*item, "a b"), std::pair(false, std::string()));
     ItemBase::SerialStruct_t record;
