@@ -38,7 +38,7 @@ void LogFinding(Orlek::LoggerFacade& logger, Orlek::LogLevel_t level, std::strin
 
 } // namespace
 
-Result::Result(Result const& other) : m_id(other.m_id), m_results(other.m_results) {}
+Result::Result(Result const& other) = default;
 
 Result& Result::operator=(Result const& other) = default;
 
