@@ -1,8 +1,9 @@
+#include "Wire.h"
+
 #include "Answers.h"
 #include "Mirror.h"
 #include "Model.h"
 #include "Topics.h"
-#include "Wire.h"
 
 #include <Legacy/If/Addr.h>
 #include <Legacy/If/Numeric.h>

@@ -7,8 +7,8 @@ namespace Legacy::If::Detail {
 /// own.
 #if defined(__x86_64__) && defined(__GNUC__)
 
-// Everything that the loop calls becomes part of it, and so is compiled for the wide registers too. The loop is taken by
-// value: what it has captured then cannot be among the bytes that it writes.
+// Everything that the loop calls becomes part of it, and so is compiled for the wide registers too. The loop is taken
+// by value: what it has captured then cannot be among the bytes that it writes.
 template<typename Loop>
 [[gnu::target("avx2"), gnu::flatten]] auto RunWide(Loop loop) noexcept
 {
