@@ -90,12 +90,12 @@ struct Rows
         AddRow("memory", "u32-schema", "glib", [](benchmark::State& state) {
             struct Unref
             {
-                void operator()(GParamSpec* spec) const { g_param_spec_unref(spec); }
+                void operator()(GParamSpec* schema) const { g_param_spec_unref(schema); }
             };
             Hold(state, [](unsigned int id) {
-                auto* const spec =
+                auto* const schema =
                     g_param_spec_uint(NameOf(id).c_str(), nullptr, nullptr, 0, 100, 7, G_PARAM_READWRITE);
-                return std::unique_ptr<GParamSpec, Unref>(g_param_spec_ref_sink(spec));
+                return std::unique_ptr<GParamSpec, Unref>(g_param_spec_ref_sink(schema));
             });
         });
 #endif

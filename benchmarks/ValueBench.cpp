@@ -47,14 +47,14 @@ struct OwnValue : boost::intrusive_ref_counter<OwnValue<Content>, boost::thread_
 
 struct ParamUnref
 {
-    void operator()(GParamSpec* spec) const { g_param_spec_unref(spec); }
+    void operator()(GParamSpec* schema) const { g_param_spec_unref(schema); }
 };
 using ParamPtr = std::unique_ptr<GParamSpec, ParamUnref>;
 
 template<typename Own>
-ParamPtr Sink(Own* spec)
+ParamPtr Sink(Own* schema)
 {
-    return ParamPtr(g_param_spec_ref_sink(spec));
+    return ParamPtr(g_param_spec_ref_sink(schema));
 }
 
 /// A value on the heap, as a container of values holds it.
@@ -124,10 +124,10 @@ void AddCreate()
         });
     });
     AddRow("create", "u32-from-schema", "glib", [](benchmark::State& state) {
-        ParamPtr const spec = Sink(g_param_spec_uint(k_name, nullptr, nullptr, 0, 100, 7, G_PARAM_READWRITE));
-        Measure(state, [&spec] {
+        ParamPtr const schema = Sink(g_param_spec_uint(k_name, nullptr, nullptr, 0, 100, 7, G_PARAM_READWRITE));
+        Measure(state, [&schema] {
             GlibValue const object(G_TYPE_UINT);
-            g_param_value_set_default(spec.get(), object.value);
+            g_param_value_set_default(schema.get(), object.value);
             benchmark::DoNotOptimize(object.value);
         });
     });
@@ -217,15 +217,15 @@ void AddValidateScalar(bool passes)
     });
 #ifdef BENCH_HAS_GLIB
     AddRow(operation, "u32", "glib", [=](benchmark::State& state) {
-        ParamPtr const spec = Sink(g_param_spec_uint(k_name, nullptr, nullptr, 0, 100, 7, G_PARAM_READWRITE));
+        ParamPtr const schema = Sink(g_param_spec_uint(k_name, nullptr, nullptr, 0, 100, 7, G_PARAM_READWRITE));
         GlibValue const value(G_TYPE_UINT);
         g_value_set_uint(value.value, number);
         bool right = true;
         Measure(state, [&] {
-            bool const valid = g_param_value_is_valid(spec.get(), value.value) != 0;
+            bool const valid = g_param_value_is_valid(schema.get(), value.value) != 0;
             if (!valid)
                 g_error_free(g_error_new(g_quark_from_static_string("bench"), 1, "value %u of \"%s\" is out of range",
-                                         g_value_get_uint(value.value), spec->name));
+                                         g_value_get_uint(value.value), schema->name));
             right &= valid == passes;
         });
         Check(state, right);
@@ -297,9 +297,9 @@ void AddShare()
         })->Threads(threads);
 #ifdef BENCH_HAS_GLIB
         AddRow("reference", subject, "glib", [](benchmark::State& state) {
-            static ParamPtr const spec =
+            static ParamPtr const schema =
                 Sink(g_param_spec_uint(k_name, nullptr, nullptr, 0, 100, 7, G_PARAM_READWRITE));
-            Measure(state, [] { g_param_spec_unref(g_param_spec_ref(spec.get())); });
+            Measure(state, [] { g_param_spec_unref(g_param_spec_ref(schema.get())); });
         })->Threads(threads);
 #endif
     }

@@ -49,7 +49,7 @@ public:
     std::uint16_t GetPort() const noexcept { return m_port; }
     void SetPort(std::uint16_t port) noexcept { m_port = port; }
 
-    /// Whether there is enough to connect to: a specified address (`IsSpecified`) and a port other than 0.
+    /// Whether there is enough to connect to: an address (`IsSpecified`) and a port other than 0.
     bool IsFullySpecified() const;
 
     /// Whether the address is the local host (`IsLocalhost`); the port has no say in it.

@@ -87,11 +87,11 @@ bool Both(std::string const& text, auto question)
 
 TEST(Endpoint, KnowsWhetherItIsFullySpecifiedAndTheLocalHost)
 {
-    auto const specified = [](auto const& endpoint) { return endpoint.IsFullySpecified(); };
+    auto const complete = [](auto const& endpoint) { return endpoint.IsFullySpecified(); };
     for (auto const* text : {"10.0.0.1:80", "[::1]:80", "[fe80::1%7777]:1"})
-        EXPECT_TRUE(Both(text, specified)) << text;
+        EXPECT_TRUE(Both(text, complete)) << text;
     for (auto const* text : {"", "10.0.0.1", ":80", "0.0.0.0:80", "[::]:80", "[::ffff:0.0.0.0]:80"})
-        EXPECT_FALSE(Both(text, specified)) << text;
+        EXPECT_FALSE(Both(text, complete)) << text;
     EXPECT_TRUE(EndpointStr("cam", 80).IsFullySpecified());
 
     auto const local = [](auto const& endpoint) { return endpoint.IsLocalhostAddr(); };
