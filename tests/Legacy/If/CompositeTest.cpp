@@ -367,12 +367,10 @@ private:
 TEST(CompositeRecord, HoldsNumbersAsTheyWriteThemselves)
 {
     ForAllTraits([]<typename Traits>(Traits) {
-        Item const number = Hold(NumericItem<Traits>::Create(0x01020304, static_cast<typename Traits::T>(77)));
-        ItemBase::SerialStruct_t record;
-        number->Serialize(&record);
-        auto const* const header = reinterpret_cast<unsigned char const*>(&record);
+        Item const number = Hold(NumericItem<Traits>::Create(9, static_cast<typename Traits::T>(77)));
+        Record const record = RecordOf(*number);
         EXPECT_EQ(RecordOf(*ListOf({number})).payload,
-                  Joined({{0, 1}, Bytes(header, header + 10), RecordOf(*number).payload}));
+                  Joined({{0, 1}, Wire(9, record.type, record.payload, record.numericType)}));
     });
 }
 
@@ -430,12 +428,10 @@ TEST(CompositeRecord, KeepsWhatCameBeforeAFailure)
              Case{Joined({{0, 1}, good}), 0, "(a)"},                         // one too many is not looked at
              Case{Joined({{0, 3}, good, Bytes(10, 0)}), -1, "(a, ())"},      // no serial form
              Case{Joined({{0, 3}, good, Wire(1, 0xfe, {})}), -1, "(a, ())"}, // a collection
-             Case{Joined({{0, 3}, good, Wire(1, 2, {1}, 5)}), -1, "(a, ())"},
              Case{Joined({{0, 3}, good, Wire(1, 0xfd, {0})}), -1, "(a, ())"},
              Case{Joined({{0, 3}, good, Wire(1, 0xfd, {0, 0}, 1)}), -1, "(a, ())"},
              Case{Joined({{0, 2}, text, Wire(1, 0xfd, Joined({{0, 2}, text}))}), -1, "(a)"}, // the inner one goes
              Case{Joined({{0, 2}, text, {0, 0, 0, 1, 0xff, 0xff, 0xff, 0xff, 0xfd, 0, 0, 0}}), -1, "(a)"},
-             Case{Joined({{0xff, 0xff}}), -1, "()"},
              // The step behind a sparse text is 34, not 15: the last may be one, the next is looked for further on.
              Case{Joined({{0, 1}, sparse}), 0, "(abcd)"},
              Case{Joined({{0, 2}, sparse, text, Bytes(19, 0)}), -1, "(abcd)"},
