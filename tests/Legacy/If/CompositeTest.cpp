@@ -344,14 +344,15 @@ TEST(CompositeRecord, HasItsBytes)
     EXPECT_EQ(CompositeItem(1).Serialize(nullptr), IfErrInvalidArgument);
 }
 
-/// Address space that the program may use while this lives; the address checker has its own idea of that.
+/// Address space that the program may use while this lives; the address and thread checkers have their own idea of
+/// that.
 class MemoryLimit
 {
 public:
     explicit MemoryLimit([[maybe_unused]] rlim_t bytes)
     {
         getrlimit(RLIMIT_AS, &m_before);
-#if !defined(__SANITIZE_ADDRESS__)
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
         rlimit const limit{bytes, m_before.rlim_max};
         setrlimit(RLIMIT_AS, &limit);
 #endif
