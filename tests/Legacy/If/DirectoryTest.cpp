@@ -362,8 +362,8 @@ TEST(WideDirectory, HoldsManyParametersUnderEqualNames)
         for (unsigned int k = 0; k < k_wide; ++k) {
             Id const section =
                 Added(directory, "s" + std::to_string(i) + "/t" + std::to_string(k)).GetInfoItemSectionId();
-            for (char const* const name : {"a", "b"})
-                ASSERT_EQ(directory.AddInfo(Schema(section.CreateInfoItemId(*name - 'a'), name)), 0);
+            for (unsigned int const n : {0U, 1U})
+                ASSERT_EQ(directory.AddInfo(Schema(section.CreateInfoItemId(n), n == 0 ? "a" : "b")), 0);
         }
     // Each refusal takes the holder out of a long range of equal names again.
     for (unsigned int n = 0; n < 4000; ++n)
