@@ -125,8 +125,11 @@ GenericContainerImpl<Element, Ptr, ConstPtr, Key>* GenericContainerImpl<Element,
     store.template get<1>().rehash(m_store.template get<1>().bucket_count());
     store.template get<2>().rehash(m_store.template get<2>().bucket_count());
     // The walk is in key order, so each copy goes to the end.
-    for (Entry const& entry : m_store)
-        store.emplace_hint(store.end(), Ptr(entry.element->DeepCopy()));
+    for (Entry const& entry : m_store) {
+        Ptr const element(entry.element->DeepCopy());
+        if (IsStorable(element)) // the holders of applications may give no copy
+            store.emplace_hint(store.end(), element);
+    }
     return copy.release();
 }
 

@@ -22,7 +22,7 @@ class LEGACY_IF_API GenericContainer
 {
 public:
     GenericContainer();
-    /// Copies every element by its own `DeepCopy`.
+    /// Copies every element by its own `DeepCopy`. One that gives null or a holder of nothing is left out.
     GenericContainer(GenericContainer const& other);
     virtual ~GenericContainer();
 

@@ -161,11 +161,21 @@ TYPED_TEST(Container, CopiesElementsOrSharesThem)
     EXPECT_EQ(copy->Get(this->K(3)) == mine, shares);
 }
 
+struct VanishingHolder : InfoHolder
+{
+    VanishingHolder(unsigned int id, InfoHolder* itsCopy) : InfoHolder(New<InfoBase>(id, "n")), copy(itsCopy) {}
+    InfoHolder* DeepCopy() const override { return copy.get(); }
+    boost::intrusive_ptr<InfoHolder> copy;
+};
+
 // A holder of nothing has no key: it is taken for null.
 TEST(ContainerOfHolders, RefusesAHolderOfNothing)
 {
     InfoHolderContainer infos;
     auto const empty = Make<InfoHolder>(nullptr);
+    infos.Add({Make<VanishingHolder>(1U, nullptr), Make<VanishingHolder>(2U, empty.get())});
+    EXPECT_TRUE(InfoHolderContainer(infos).Empty());
+    infos.Clear();
     EXPECT_EQ(infos.Add(empty), 0);
     EXPECT_EQ(infos.Add(std::vector{empty}), 0);
     infos.Set(empty);
