@@ -18,14 +18,14 @@ namespace Legacy::If::Detail {
 template<class Family>
 struct NetForm;
 
-/// The families whose record is a text and nothing else, the text being all that a value holds.
+/// The families whose record is a text and nothing else: the one that the value prints.
 template<class Value>
 struct PlainNetForm
 {
     static constexpr std::size_t k_prefixSize = 0;
 
     static std::string DisplayText(Value const& value) { return value.ToString(); }
-    static std::string RecordText(Value const& value) { return value.ToString(); }
+    static std::string RecordText(ItemBase const& item) { return item.GetValAsString(); }
     static void PutPrefix(PayloadWriter&, Value const&) noexcept {}
     static constexpr bool CanRead(InfoBase const*) noexcept { return true; }
 };
@@ -60,6 +60,7 @@ struct NetForm<AppEndpointFamily>
 
     static std::string DisplayText(Value const& value) { return value.ToString(); }
     static std::string RecordText(Value const& value) { return value.GetEndpoint().ToString(); }
+    static std::string RecordText(AppEndpointItem const& item) { return RecordText(item.Val()); }
 
     static void PutPrefix(PayloadWriter& payload, Value const& value) noexcept
     {

@@ -119,14 +119,14 @@ int NetItem<Family>::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const
 template<class Family>
 unsigned int NetItem<Family>::GetSerialDataSize() const
 {
-    auto const text = Detail::NetForm<Family>::RecordText(m_value);
+    auto const text = Detail::NetForm<Family>::RecordText(*this);
     return Detail::ClampSize(Detail::NetRecordSize<Family>(text.size()));
 }
 
 template<class Family>
 int NetItem<Family>::Serialize(SerialStruct_t* record) const
 {
-    auto const text = Detail::NetForm<Family>::RecordText(m_value);
+    auto const text = Detail::NetForm<Family>::RecordText(*this);
     return Detail::WriteRecord(*this, record, Detail::NetRecordSize<Family>(text.size()),
                                [this, &text](Detail::PayloadWriter payload) {
                                    Detail::NetForm<Family>::PutPrefix(payload, m_value);

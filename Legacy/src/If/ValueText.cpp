@@ -4,6 +4,8 @@
 #include "TextCapture.h"
 #include "Visit.h"
 
+#include <Legacy/If/Addr.h>
+#include <Legacy/If/Endpoint.h>
 #include <Legacy/If/Numeric.h>
 #include <Legacy/If/String.h>
 
@@ -13,13 +15,21 @@ namespace Legacy::If {
 
 namespace {
 
-/// The text of a number or a text as a stream without settings prints it: most values are one or the other, and making
-/// a stream costs several times as much as printing them. False for other classes, derived ones among them, whose own
-/// operators decide, and for a number in a locale that groups digits.
+/// The text of a number, a text, an address or an endpoint as a stream without settings prints it: most values are one
+/// of these, and making a stream costs several times as much as printing them. False for other classes, derived ones
+/// among them, whose own operators decide, and for a number in a locale that groups digits.
 bool PrintPlain(ItemBase const& item, std::string& text)
 {
     if (Detail::IsExactly<StringItem>(item)) {
         text = static_cast<StringItem const&>(item).Val();
+        return true;
+    }
+    if (Detail::IsExactly<AddrItem>(item)) {
+        text = static_cast<AddrItem const&>(item).Val().ToString();
+        return true;
+    }
+    if (Detail::IsExactly<EndpointItem>(item)) {
+        text = static_cast<EndpointItem const&>(item).Val().ToString();
         return true;
     }
     if (item.GetType() != IfType_t::Numeric || std::locale() != std::locale::classic())

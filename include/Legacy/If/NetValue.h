@@ -86,8 +86,8 @@ public:
     int AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index,
                          bool* changed) override;
 
-    /// The text of the address or endpoint and a zero byte, for an application endpoint behind six bytes with its other
-    /// fields. Reading takes the text up to the first zero byte; the last byte must be zero.
+    /// The text that the value prints and a zero byte; for an application endpoint the text of its endpoint, behind six
+    /// bytes with the other fields. Reading takes the text up to the first zero byte; the last byte must be zero.
     unsigned int GetSerialDataSize() const override;
     int Serialize(SerialStruct_t* record) const override;
     int Deserialize(ConstSerialStruct_t const* record) override;

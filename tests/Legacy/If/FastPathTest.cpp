@@ -1,6 +1,7 @@
 // Ways that are taken for speed lead where the plain ones do.
 #include "TestSupport.h"
 
+#include <Legacy/If/Addr.h>
 #include <Legacy/If/Numeric.h>
 #include <Legacy/If/NumericArray.h>
 
@@ -117,9 +118,10 @@ struct Grouping : std::numpunct<char>
     char do_decimal_point() const override { return ','; }
 };
 
-struct Shouting : NumericItem<U32Traits>
+template<typename Item>
+struct Shouting : Item
 {
-    using NumericItem::NumericItem;
+    using Item::Item;
     std::ostream& operator<<(std::ostream& os) const override { return os << "SEVEN"; }
 };
 
@@ -138,7 +140,8 @@ TEST(FastPath, PrintsAsAStreamDoes)
         });
     }
     std::locale::global(before);
-    EXPECT_EQ(Make<Shouting>(7U)->GetValAsString(), "SEVEN");
+    EXPECT_EQ(Make<Shouting<NumericItem<U32Traits>>>(7U)->GetValAsString(), "SEVEN");
+    EXPECT_EQ(RecordOf(Shouting<AddrItem>(7)).payload, (Bytes{'S', 'E', 'V', 'E', 'N', 0})); // what is printed
 }
 
 } // namespace
