@@ -2,27 +2,7 @@
 
 #include "TestSupport.h"
 
-#include <Legacy/If/Addr.h>
-#include <Legacy/If/AppEndpoint.h>
-#include <Legacy/If/AppEndpointArray.h>
-#include <Legacy/If/Bool.h>
-#include <Legacy/If/BoolArray.h>
-#include <Legacy/If/Collection.h>
-#include <Legacy/If/Colour.h>
-#include <Legacy/If/Composite.h>
-#include <Legacy/If/Coordinate.h>
-#include <Legacy/If/Endpoint.h>
-#include <Legacy/If/Enum.h>
-#include <Legacy/If/Extended.h>
-#include <Legacy/If/Numeric.h>
-#include <Legacy/If/NumericArray.h>
-#include <Legacy/If/NumericSparse.h>
-#include <Legacy/If/Orientation.h>
-#include <Legacy/If/Rect.h>
-#include <Legacy/If/RectArray.h>
-#include <Legacy/If/String.h>
-#include <Legacy/If/StringArray.h>
-#include <Legacy/If/StringSparse.h>
+#include <Legacy/If.h>
 
 /// All families, for the tests of what they have in common.
 namespace Legacy::If::Test {
@@ -36,8 +16,7 @@ struct Family
 };
 
 /// Calls `call` with a `Family` of each pair of classes.
-template<typename Call>
-void ForAllFamilies(Call&& call)
+void ForAllFamilies(auto&& call)
 {
     ForAllTraits([&]<typename T>(T) {
         call(Family<NumericInfo<T>, NumericItem<T>>());
