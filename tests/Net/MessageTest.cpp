@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-
 namespace {
 
 using EndpointStr = Net::Endpoint<Net::AddrStr>;
@@ -13,24 +11,19 @@ using EndpointStr = Net::Endpoint<Net::AddrStr>;
 TEST(Messages, CarryAnyEndpointAcrossTheWire)
 {
     using namespace std::string_literals;
-    for (auto const& address : {""s, "rtsp://cam/a"s, "a\0b"s, "\xff\xfe"s}) {
-        EndpointStr const sent(address, address.empty() ? 0 : 0xabcd);
-        Pb::Net::EndpointStr message;
+    Pb::Net::EndpointStr message;
+    EndpointStr back("old", 1);
+    for (auto const& sent : {EndpointStr(), EndpointStr("rtsp://cam/a", 0xabcd), EndpointStr("a\0\xff\xfe"s, 1)}) {
         Net::Sys2Pb::Convert(sent, message);
         EXPECT_TRUE(message.has_addr() && message.has_port());
-        Pb::Net::EndpointStr received;
-        ASSERT_TRUE(received.ParseFromString(message.SerializeAsString()));
-        EndpointStr back("old", 1);
-        Net::Pb2Sys::Convert(received, back);
+        ASSERT_TRUE(message.ParseFromString(message.SerializeAsString()));
+        Net::Pb2Sys::Convert(message, back);
         EXPECT_EQ(back, sent);
     }
-    EndpointStr endpoint("old", 1);
-    Net::Pb2Sys::Convert(Pb::Net::EndpointStr::default_instance(), endpoint);
-    EXPECT_EQ(endpoint, EndpointStr());
-    Pb::Net::EndpointStr message;
+    message.Clear();
     message.set_port(65536 + 80);
-    Net::Pb2Sys::Convert(message, endpoint);
-    EXPECT_EQ(endpoint.GetPort(), 0);
+    Net::Pb2Sys::Convert(message, back);
+    EXPECT_EQ(back, EndpointStr());
 }
 
 } // namespace

@@ -10,6 +10,7 @@
 namespace Legacy::If::Test {
 namespace {
 
+using namespace std::string_literals;
 using Place = Net::Endpoint<Net::AddrStr>;
 using App = AppEndpoint<Place>;
 
@@ -36,17 +37,16 @@ TEST(MessageConversions, SetEveryFieldAndReadMissingOnesAsDefaults)
     message.mutable_protocol_info()->set_version(77);
     message.mutable_endpoint()->set_addr("old");
     Sys2LegacyPb::Convert(App(), message);
-    EXPECT_TRUE(message.protocol_info().has_app_protocol_type());
-    EXPECT_TRUE(message.protocol_info().has_compat_version());
-    EXPECT_TRUE(message.has_addr_group_prefix());
-    EXPECT_EQ(message.protocol_info().version(), 0U);
-    EXPECT_EQ(message.endpoint().addr(), "");
-
+    EXPECT_EQ(message.SerializeAsString(), "\x0a\6\x08\0\x10\0\x18\0\x12\4\x0a\0\x10\0\x18\0"s);
     App const sent({AppProtocolType_t::Modbus, 0xfffe, 0xfffd}, Place("cam", 502), 255);
     Sys2LegacyPb::Convert(sent, message);
     App back;
     LegacyPb2Sys::Convert(message, back);
     EXPECT_EQ(back, sent);
+    std::string uri;
+    Sys2LegacyPb::Convert(sent, uri);
+    LegacyPb2Sys::Convert(uri, back);
+    EXPECT_EQ(back, App({AppProtocolType_t::Modbus, 0, 0}, sent.GetEndpoint(), 0));
     message.Clear();
     LegacyPb2Sys::Convert(message, back);
     EXPECT_EQ(back, App());
@@ -59,16 +59,13 @@ TEST(MessageConversions, SetEveryFieldAndReadMissingOnesAsDefaults)
 
 TEST(MessageConversions, TakeProtocolAndPlaceFromAnAppEndpoint)
 {
-    EXPECT_EQ(ToLegacyAppProtocolInfo(Net::UriScheme("X-QRV-DevSoap")),
-              AppProtocolInfo_t(AppProtocolType_t::Soap, 0, 0));
+    EXPECT_EQ(ToLegacyAppProtocolInfo(Net::UriScheme("X-QRV-DevSoap")).type, AppProtocolType_t::Soap);
     Net::AppEndpoint const web("https://u:p@10.0.0.1:8443/a?b");
     EXPECT_EQ(ToLegacyAppEndpointStr(web), App({AppProtocolType_t::Https, 0, 0}, {"10.0.0.1", 8443}, 0));
     EXPECT_EQ(ToLegacyAppEndpointIp(web).ToUri(), "https://10.0.0.1:8443");
-    Net::AppEndpoint const stream("rtsp://10.0.0.1:554/a");
-    EXPECT_EQ(ToLegacyAppEndpointIp(stream).ToUri(), "rtsp://10.0.0.1:554"); // the path is lost
-    EXPECT_TRUE(ToLegacyAppEndpointIp(Net::AppEndpoint("http://cam:80")).IsUnspecified());
-    // As a text the address holds the whole URL of a stream.
-    for (std::string const rest : {"://cam/a", "://u:p@cam:554/a?b=c:1#d", "://[::1]:554", "://u:p@ss@cam/a b", "://"})
+    // A path is lost in a numeric endpoint, while in a text the address holds the whole URL of a stream.
+    EXPECT_EQ(ToLegacyAppEndpointIp(Net::AppEndpoint("rtsp://10.0.0.1:554/a")).ToUri(), "rtsp://10.0.0.1:554");
+    for (std::string const rest : {"://cam/a", "://u:p@cam:554/a?b=c:1#d", "://[::1]:554", "://u:p@ss@cam/a b"})
         EXPECT_EQ(ToLegacyAppEndpointStr(Net::AppEndpoint("RTSP" + rest)),
                   App({AppProtocolType_t::Rtsp, 1, 1}, {"rtsp" + rest, 0}, 0));
 }
