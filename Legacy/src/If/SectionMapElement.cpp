@@ -86,8 +86,10 @@ SectionMapElement::SectionMapElement(SectionMapElement const& other)
         m_lookup->MakeRoomForSubsection(sub);
         m_lookup->subsectionsById[sub] = child.get();
     }
-    for (auto place = m_subsectionsByName.cbegin(); place != m_subsectionsByName.cend(); ++place)
+    for (auto place = m_subsectionsByName.cbegin(); place != m_subsectionsByName.cend(); ++place) {
+        m_lookup->subsections.MakeRoom();
         m_lookup->subsections.Insert(Detail::TagOf(place->first), place);
+    }
     for (auto place = m_infosByName.cbegin(); place != m_infosByName.cend(); ++place) {
         m_lookup->infos.MakeRoom();
         m_lookup->infos.Insert(Detail::TagOf(place->first), place);

@@ -29,8 +29,8 @@ public:
     ~SectionMap();
 
     /// Adds the section under its own id, and what is missing above it.
-    /// @return 0, also if it exists; #IfErrInvalidArgument for the invalid section; #IfErrAlreadyExists if a name on
-    /// the
+    /// @return 0, also if it exists; #IfErrInvalidArgument for the invalid section, for an empty level, and for a
+    ///         section on the way that stands under another spelling of its path; #IfErrAlreadyExists if a name on the
     ///         way has another id or an id another name. Sections made on the way down stay.
     int AddSection(SectionId const& id);
     /// Adds the section, and what is missing above it, under ids of the map's choice: one more than the greatest in use
@@ -39,8 +39,7 @@ public:
     /// Contract: a section that exists is #IfErrAlreadyExists here, with `section` filled, and 0 in the other form;
     /// callers add by path to learn the id in either case.
     /// @return 0; #IfErrInvalidArgument for an empty path or level and for a fifth level; #IfErrNoFreeId if a section
-    /// has
-    ///         63 subsections. Sections made on the way down stay.
+    ///         has 63 subsections. Sections made on the way down stay.
     int AddSection(std::string const& path, SectionId& section);
 
     /// @return 0; #IfErrNotFound, also for an empty path; #IfErrInvalidArgument. `section` is written on success alone.
@@ -59,8 +58,7 @@ public:
 
     /// Enters a parameter under its own id in the section that the id names.
     /// @return 0; #IfErrNotFound or #IfErrInvalidArgument if there is no such section; #IfErrAlreadyExists if the
-    /// section
-    ///         holds the id or the name.
+    ///         section holds the id or the name.
     int AddInfo(InfoItemSectionId const& id, std::string const& name);
     /// Enters a parameter under an id of the map's choice: one more than the greatest in use, as far as that can be
     /// told from its low eight bits.
