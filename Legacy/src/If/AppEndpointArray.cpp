@@ -1,10 +1,10 @@
-#include "Cast.h"
 #include "Change.h"
 #include "NetForm.h"
 #include "SerialRecord.h"
 #include "Text.h"
 
 #include <Legacy/If/AppEndpointArray.h>
+#include <Legacy/If/Cast.h>
 
 #include <cstdint>
 #include <utility>

@@ -1,4 +1,3 @@
-#include "Cast.h"
 #include "Change.h"
 #include "Finding.h"
 #include "SerialRecord.h"
@@ -6,6 +5,7 @@
 #include "Text.h"
 
 #include <Legacy/If/Bool.h>
+#include <Legacy/If/Cast.h>
 
 namespace Legacy::If {
 

@@ -1,6 +1,6 @@
-#include "Cast.h"
 #include "Text.h"
 
+#include <Legacy/If/Cast.h>
 #include <Legacy/If/Collection.h>
 
 #include <ostream>

@@ -1,8 +1,8 @@
-#include "Cast.h"
 #include "Change.h"
 #include "NumberTuple.h"
 #include "Text.h"
 
+#include <Legacy/If/Cast.h>
 #include <Legacy/If/Colour.h>
 
 #include <array>

@@ -1,10 +1,10 @@
-#include "Cast.h"
 #include "Change.h"
 #include "Finding.h"
 #include "SerialRecord.h"
 #include "Source.h"
 #include "Text.h"
 
+#include <Legacy/If/Cast.h>
 #include <Legacy/If/Enum.h>
 
 #include <algorithm>

@@ -1,8 +1,8 @@
-#include "Cast.h"
 #include "Change.h"
 #include "Finding.h"
 #include "Text.h"
 
+#include <Legacy/If/Cast.h>
 #include <Legacy/If/Extended.h>
 
 namespace Legacy::If {

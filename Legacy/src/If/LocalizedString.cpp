@@ -1,7 +1,7 @@
-#include "Cast.h"
 #include "Change.h"
 #include "Text.h"
 
+#include <Legacy/If/Cast.h>
 #include <Legacy/If/LocalizedString.h>
 #include <Orlek/Localization.h>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Cast.h"
 #include "FirstReference.h"
 
+#include <Legacy/If/Cast.h>
 #include <Legacy/If/Collection.h>
 #include <Legacy/If/Composite.h>
 

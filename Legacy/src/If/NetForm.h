@@ -1,10 +1,10 @@
 #pragma once
 
-#include "Cast.h"
 #include "SerialRecord.h"
 
 #include <Legacy/If/Addr.h>
 #include <Legacy/If/AppEndpoint.h>
+#include <Legacy/If/Cast.h>
 #include <Legacy/If/Endpoint.h>
 
 #include <cstddef>

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "Cast.h"
 #include "Change.h"
 #include "NetForm.h"
 #include "SerialRecord.h"
 #include "Text.h"
 
+#include <Legacy/If/Cast.h>
 #include <Legacy/If/NetValue.h>
 
 #include <istream>

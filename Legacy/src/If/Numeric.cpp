@@ -1,4 +1,3 @@
-#include "Cast.h"
 #include "Change.h"
 #include "Finding.h"
 #include "SerialRecord.h"
@@ -6,6 +5,7 @@
 #include "Text.h"
 #include "Visit.h"
 
+#include <Legacy/If/Cast.h>
 #include <Legacy/If/Numeric.h>
 
 #include <algorithm>

@@ -1,4 +1,3 @@
-#include "Cast.h"
 #include "Change.h"
 #include "Finding.h"
 #include "NumericList.h"
@@ -8,6 +7,7 @@
 #include "Text.h"
 #include "Visit.h"
 
+#include <Legacy/If/Cast.h>
 #include <Legacy/If/NumericArray.h>
 #include <Legacy/If/Rect.h>
 #include <Legacy/If/RectArray.h>

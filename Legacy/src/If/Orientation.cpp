@@ -1,8 +1,8 @@
-#include "Cast.h"
 #include "Change.h"
 #include "NumberTuple.h"
 #include "Text.h"
 
+#include <Legacy/If/Cast.h>
 #include <Legacy/If/Orientation.h>
 
 #include <array>

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "Cast.h"
 #include "Convert.h"
 #include "Visit.h"
 
 #include <Legacy/If/Bool.h>
 #include <Legacy/If/BoolArray.h>
+#include <Legacy/If/Cast.h>
 #include <Legacy/If/Enum.h>
 #include <Legacy/If/ItemBase.h>
 #include <Legacy/If/Numeric.h>

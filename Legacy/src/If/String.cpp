@@ -1,10 +1,10 @@
-#include "Cast.h"
 #include "Change.h"
 #include "Finding.h"
 #include "SerialRecord.h"
 #include "Text.h"
 
 #include <Legacy/If/Bool.h>
+#include <Legacy/If/Cast.h>
 #include <Legacy/If/String.h>
 #include <Legacy/If/StringArray.h>
 

@@ -1,9 +1,9 @@
-#include "Cast.h"
 #include "Change.h"
 #include "Finding.h"
 #include "SerialRecord.h"
 #include "Text.h"
 
+#include <Legacy/If/Cast.h>
 #include <Legacy/If/StringSparse.h>
 
 #include <algorithm>

@@ -1,10 +1,10 @@
-#include "Cast.h"
 #include "Convert.h"
 #include "Finding.h"
 #include "TextCapture.h"
 #include "Visit.h"
 
 #include <Legacy/If/Addr.h>
+#include <Legacy/If/Cast.h>
 #include <Legacy/If/Endpoint.h>
 #include <Legacy/If/Numeric.h>
 #include <Legacy/If/String.h>

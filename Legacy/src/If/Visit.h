@@ -1,7 +1,6 @@
 #pragma once
 
-#include "Cast.h"
-
+#include <Legacy/If/Cast.h>
 #include <Legacy/If/NumericTraits.h>
 #include <Legacy/If/ReturnCodes.h>
 
