@@ -30,12 +30,7 @@ AppEndpointArrayInfo* AppEndpointArrayInfo::DeepCopy(unsigned int id, std::strin
     return copy.release();
 }
 
-ItemBase* AppEndpointArrayInfo::CreateItem() const
-{
-    auto item = std::make_unique<AppEndpointArrayItem>(GetId());
-    item->SetVal(m_default);
-    return item.release();
-}
+ItemBase* AppEndpointArrayInfo::CreateItem() const { return AppEndpointArrayItem::Create(GetId(), m_default); }
 
 int AppEndpointArrayInfo::SetDefault(AppEndpointList const& list)
 {
@@ -67,19 +62,14 @@ int AppEndpointArrayInfo::MergeBounds(boost::intrusive_ptr<InfoBase const> const
 
 int AppEndpointArrayInfo::AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed)
 {
-    if (!source)
-        return IfErrNullSource;
-    auto const* const schema = Detail::CastTo<AppEndpointArrayInfo>(source);
-    if (!schema)
-        return IfErrTypeNotAssignable;
-    Detail::Change change;
-    if (m_default != schema->m_default)
-        change.Assign(m_default, schema->m_default);
-    else if (m_minSize != schema->m_minSize)
-        change.Assign(m_minSize, schema->m_minSize);
-    else
-        change.Assign(m_maxSize, schema->m_maxSize);
-    return change.Report(changed);
+    return Detail::AssignFrom<AppEndpointArrayInfo>(source, changed, [this](auto& change, auto const& schema) {
+        if (m_default != schema.m_default)
+            change.Assign(m_default, schema.m_default);
+        else if (m_minSize != schema.m_minSize)
+            change.Assign(m_minSize, schema.m_minSize);
+        else
+            change.Assign(m_maxSize, schema.m_maxSize);
+    });
 }
 
 void AppEndpointArrayInfo::DumpVal(std::ostream& os) const
@@ -90,17 +80,9 @@ void AppEndpointArrayInfo::DumpVal(std::ostream& os) const
 
 std::ostream& AppEndpointArrayInfo::operator<<(std::ostream& os) const { return os << "AppEndpointArrayInfo"; }
 
-AppEndpointArrayItem::AppEndpointArrayItem(unsigned int id) : ItemFamily(id) {}
+AppEndpointArrayItem::AppEndpointArrayItem(unsigned int id) : ArrayItem(id) {}
 
 AppEndpointArrayItem* AppEndpointArrayItem::DeepCopy(unsigned int id) const { return CopyAs_(id); }
-
-bool AppEndpointArrayItem::IsEmpty() const { return m_value.empty(); }
-
-bool AppEndpointArrayItem::IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const
-{
-    auto const* const item = Detail::CastTo<AppEndpointArrayItem>(other);
-    return item && IsEqualType(other) && m_value == item->m_value;
-}
 
 int AppEndpointArrayItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index,
                                            bool* changed)
@@ -164,8 +146,6 @@ bool AppEndpointArrayItem::SetValFromStream(std::istream&, std::ostream& out,
 {
     return Detail::NotReadable(out);
 }
-
-void AppEndpointArrayItem::DumpVal(std::ostream& os) const { Detail::DumpValue(os, *this); }
 
 std::ostream& AppEndpointArrayItem::operator<<(std::ostream& os) const
 {

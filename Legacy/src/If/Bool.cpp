@@ -37,15 +37,10 @@ int BoolInfo::MergeBounds(boost::intrusive_ptr<InfoBase const> const& other)
 
 int BoolInfo::AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed)
 {
-    if (!source)
-        return IfErrNullSource;
-    auto const* const schema = Detail::CastTo<BoolInfo>(source);
-    if (!schema)
-        return IfErrTypeNotAssignable;
-    Detail::Change change;
-    change.Assign(m_default, schema->m_default);
-    change.Assign(m_fixed, schema->m_fixed);
-    return change.Report(changed);
+    return Detail::AssignFrom<BoolInfo>(source, changed, [this](auto& change, auto const& schema) {
+        change.Assign(m_default, schema.m_default);
+        change.Assign(m_fixed, schema.m_fixed);
+    });
 }
 
 void BoolInfo::DumpVal(std::ostream& os) const
@@ -60,14 +55,7 @@ std::ostream& BoolInfo::operator<<(std::ostream& os) const
     return os << "default=" << Detail::BoolText(m_default) << (m_fixed ? " (fixed)" : "");
 }
 
-BoolItem::BoolItem(unsigned int id) : ItemFamily(id) {}
-
-BoolItem* BoolItem::Create(unsigned int id, bool const& value)
-{
-    auto item = std::make_unique<BoolItem>(id);
-    item->m_value = value;
-    return item.release();
-}
+BoolItem::BoolItem(unsigned int id) : ValueItem(id) {}
 
 BoolItem* BoolItem::DeepCopy(unsigned int id) const { return CopyAs_(id); }
 
@@ -80,12 +68,6 @@ void BoolItem::BoundVal(BoolInfo const& info) noexcept
 bool BoolItem::WithinBounds(BoolInfo const& info) const noexcept
 {
     return !info.GetFixed() || m_value == info.GetDefault();
-}
-
-bool BoolItem::IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const
-{
-    auto const* const item = Detail::CastTo<BoolItem>(other);
-    return item && IsEqualType(other) && m_value == item->m_value;
 }
 
 int BoolItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index, bool* changed)

@@ -29,7 +29,7 @@ unsigned char PackByte(std::vector<bool> const& list, std::size_t begin)
 } // namespace
 
 BoolArrayInfo::BoolArrayInfo(unsigned int const& id, std::string const& name, Permission_t const& permission)
-    : InfoFamily(id, name, permission), m_size(0, k_initialMaxSize)
+    : ArrayInfo(id, name, permission, SizeBounds(0, k_initialMaxSize))
 {}
 
 BoolArrayInfo* BoolArrayInfo::DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const
@@ -39,45 +39,12 @@ BoolArrayInfo* BoolArrayInfo::DeepCopy(unsigned int id, std::string const& name,
 
 ItemBase* BoolArrayInfo::CreateItem() const { return BoolArrayItem::Create(GetId(), m_default); }
 
-int BoolArrayInfo::SetMinSize(unsigned int n)
-{
-    m_size.SetMin(n, m_default);
-    return 0;
-}
-
-int BoolArrayInfo::SetMaxSize(unsigned int n)
-{
-    m_size.SetMax(n, m_default);
-    return 0;
-}
-
-int BoolArrayInfo::SetDefault(std::vector<bool> const& list) { return m_size.Store(list, m_default); }
-
-bool BoolArrayInfo::IsEqualBounds(boost::intrusive_ptr<InfoBase const> const& other) const
-{
-    auto const* const schema = Detail::CastTo<BoolArrayInfo>(other);
-    return schema && IsEqualType(other) && m_size == schema->m_size;
-}
-
-int BoolArrayInfo::MergeBounds(boost::intrusive_ptr<InfoBase const> const& other)
-{
-    auto const* const schema = Detail::CastTo<BoolArrayInfo>(other);
-    if (!schema || !IsEqualType(other))
-        return IfErrBoundsTypeMismatch;
-    return m_size.Merge(schema->m_size);
-}
-
 int BoolArrayInfo::AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed)
 {
-    if (!source)
-        return IfErrNullSource;
-    auto const* const schema = Detail::CastTo<BoolArrayInfo>(source);
-    if (!schema)
-        return IfErrTypeNotAssignable;
-    Detail::Change change;
-    change.Assign(m_default, schema->m_default);
-    change.Assign(m_size, schema->m_size);
-    return change.Report(changed);
+    return Detail::AssignFrom<BoolArrayInfo>(source, changed, [this](auto& change, auto const& schema) {
+        change.Assign(m_default, schema.m_default);
+        change.Assign(m_size, schema.m_size);
+    });
 }
 
 void BoolArrayInfo::DumpVal(std::ostream& os) const
@@ -91,29 +58,9 @@ std::ostream& BoolArrayInfo::operator<<(std::ostream& os) const
     return Detail::PrintSizes(os, m_size, m_default.size());
 }
 
-BoolArrayItem::BoolArrayItem(unsigned int id) : ItemFamily(id) {}
-
-BoolArrayItem* BoolArrayItem::Create(unsigned int id, std::vector<bool> const& value)
-{
-    auto item = std::make_unique<BoolArrayItem>(id);
-    item->m_value = value;
-    return item.release();
-}
+BoolArrayItem::BoolArrayItem(unsigned int id) : ArrayItem(id) {}
 
 BoolArrayItem* BoolArrayItem::DeepCopy(unsigned int id) const { return CopyAs_(id); }
-
-int BoolArrayItem::SetVal(std::vector<bool> const& value, BoolArrayInfo const& info)
-{
-    return info.m_size.Store(value, m_value);
-}
-
-bool BoolArrayItem::IsEmpty() const { return m_value.empty(); }
-
-bool BoolArrayItem::IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const
-{
-    auto const* const item = Detail::CastTo<BoolArrayItem>(other);
-    return item && IsEqualType(other) && m_value == item->m_value;
-}
 
 int BoolArrayItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index,
                                     bool* changed)
@@ -175,8 +122,8 @@ std::shared_ptr<ResultElem const> BoolArrayItem::Validate(boost::intrusive_ptr<I
     auto const* const schema = Detail::CastTo<BoolArrayInfo>(info);
     if (!schema)
         return Detail::TypeMismatch(info, *this);
-    return Detail::CheckSize(schema->m_size, m_value.size(), "BoolArrayValidationMinSize", "BoolArrayValidationMinSize",
-                             info, *this);
+    return Detail::CheckSize(schema->Sizes(), m_value.size(), "BoolArrayValidationMinSize",
+                             "BoolArrayValidationMinSize", info, *this);
 }
 
 bool BoolArrayItem::SetValFromStream(std::istream& in, std::ostream& out, boost::intrusive_ptr<InfoBase const> const&)
@@ -185,8 +132,6 @@ bool BoolArrayItem::SetValFromStream(std::istream& in, std::ostream& out, boost:
         return Detail::ReadValue(in, out, word, value);
     });
 }
-
-void BoolArrayItem::DumpVal(std::ostream& os) const { Detail::DumpValue(os, *this); }
 
 std::ostream& BoolArrayItem::operator<<(std::ostream& os) const
 {

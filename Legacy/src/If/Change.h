@@ -3,6 +3,9 @@
 #include "Convert.h"
 #include "ListLength.h"
 
+#include <Legacy/If/Cast.h>
+#include <Legacy/If/ReturnCodes.h>
+
 #include <cstdint>
 
 namespace Legacy::If::Detail {
@@ -73,5 +76,20 @@ public:
 private:
     bool m_changed = false;
 };
+
+/// The frame of an assignment from an object of one's own family: tests the source, and reports what `assign`, which
+/// takes the change and the source, has noted.
+template<typename Same, typename Pointer, typename Assign>
+int AssignFrom(Pointer const& source, bool* changed, Assign&& assign)
+{
+    if (!source)
+        return IfErrNullSource;
+    auto const* const same = CastTo<Same>(source);
+    if (!same)
+        return IfErrTypeNotAssignable;
+    Change change;
+    assign(change, *same);
+    return change.Report(changed);
+}
 
 } // namespace Legacy::If::Detail

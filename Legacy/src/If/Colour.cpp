@@ -65,16 +65,11 @@ int ColourInfo::MergeBounds(boost::intrusive_ptr<InfoBase const> const& other)
 
 int ColourInfo::AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed)
 {
-    if (!source)
-        return IfErrNullSource;
-    auto const* const schema = Detail::CastTo<ColourInfo>(source);
-    if (!schema)
-        return IfErrTypeNotAssignable;
-    Detail::Change change;
-    change.Assign(m_min, schema->m_min);
-    change.Assign(m_max, schema->m_max);
-    change.Assign(m_default, schema->m_default);
-    return change.Report(changed);
+    return Detail::AssignFrom<ColourInfo>(source, changed, [this](auto& change, auto const& schema) {
+        change.Assign(m_min, schema.m_min);
+        change.Assign(m_max, schema.m_max);
+        change.Assign(m_default, schema.m_default);
+    });
 }
 
 void ColourInfo::DumpVal(std::ostream& os) const
@@ -117,17 +112,12 @@ bool ColourItem::IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other)
 
 int ColourItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int, bool* changed)
 {
-    if (!source)
-        return IfErrNullSource;
-    auto const* const item = Detail::CastTo<ColourItem>(source);
-    if (!item)
-        return IfErrTypeNotAssignable;
-    Detail::Change change;
-    if (!IsEqualVal_(item->m_value)) {
-        m_value = item->m_value;
-        change.Note();
-    }
-    return change.Report(changed);
+    return Detail::AssignFrom<ColourItem>(source, changed, [this](auto& change, auto const& item) {
+        if (!IsEqualVal_(item.m_value)) {
+            m_value = item.m_value;
+            change.Note();
+        }
+    });
 }
 
 unsigned int ColourItem::GetSerialDataSize() const { return sizeof(Parts); }

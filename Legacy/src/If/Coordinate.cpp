@@ -12,20 +12,20 @@ namespace Legacy::If {
 
 template<typename T>
 CoordinateInfo<T>::CoordinateInfo(unsigned int const& id, std::string const& name, Permission_t const& permission)
-    : Family(id, name, permission), m_x(new Axis(0, {}, permission)), m_y(new Axis(0, {}, permission))
+    : Family(id, name, permission)
 {}
 
 template<typename T>
 CoordinateInfo<T>::CoordinateInfo(unsigned int id, std::string const& name, Permission_t const& permission,
-                                  OwnedPart<Axis> const& x, OwnedPart<Axis> const& y)
-    : Family(id, name, permission), m_x(x), m_y(y)
+                                  CoordinateInfo const& other)
+    : Family(id, name, permission, other)
 {}
 
 template<typename T>
 CoordinateInfo<T>* CoordinateInfo<T>::DeepCopy(unsigned int id, std::string const& name,
                                                Permission_t const& permission) const
 {
-    return new CoordinateInfo(id, name, permission, m_x, m_y);
+    return new CoordinateInfo(id, name, permission, *this);
 }
 
 template<typename T>
@@ -38,23 +38,6 @@ ItemBase* CoordinateInfo<T>::CreateItem() const
 }
 
 template<typename T>
-bool CoordinateInfo<T>::IsEqualBounds(boost::intrusive_ptr<InfoBase const> const& other) const
-{
-    auto const* const schema = Detail::CastTo<CoordinateInfo>(other);
-    return schema && this->IsEqualType(other) && m_x->IsEqualBounds(schema->m_x.Get()) &&
-           m_y->IsEqualBounds(schema->m_y.Get());
-}
-
-template<typename T>
-int CoordinateInfo<T>::MergeBounds(boost::intrusive_ptr<InfoBase const> const& other)
-{
-    auto const* const schema = Detail::CastTo<CoordinateInfo>(other);
-    if (!schema || !this->IsEqualType(other))
-        return IfErrBoundsTypeMismatch;
-    return Detail::MergeBoth(*m_x, schema->m_x.Get(), *m_y, schema->m_y.Get());
-}
-
-template<typename T>
 int CoordinateInfo<T>::AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed)
 {
     if (!source)
@@ -63,7 +46,7 @@ int CoordinateInfo<T>::AssignValue(boost::intrusive_ptr<InfoBase const> const& s
         return IfErrTypeNotAssignable;
     return Detail::VisitShape<If::CoordinateInfo>(*source, [this, changed](auto const& schema) {
         Detail::Change change;
-        if (int const code = Detail::AssignBoth(change, *m_x, schema.X(), *m_y, schema.Y()))
+        if (int const code = Detail::AssignBoth(change, *m_first, schema.X(), *m_second, schema.Y()))
             return code;
         return change.Report(changed);
     });
@@ -73,14 +56,14 @@ template<typename T>
 void CoordinateInfo<T>::DumpVal(std::ostream& os) const
 {
     Detail::DumpNumericHead(os, *this);
-    Detail::DumpLine(os, "X ", *m_x);
-    Detail::DumpLine(os, "Y ", *m_y);
+    Detail::DumpLine(os, "X ", *m_first);
+    Detail::DumpLine(os, "Y ", *m_second);
 }
 
 template<typename T>
 std::ostream& CoordinateInfo<T>::operator<<(std::ostream& os) const
 {
-    return os << "x(" << *m_x << ") y(" << *m_y << ')';
+    return os << "x(" << *m_first << ") y(" << *m_second << ')';
 }
 
 template<typename T>
@@ -166,12 +149,6 @@ bool CoordinateItem<T>::SetValFromStream(std::istream& in, std::ostream& out,
     if (!m_y->SetValFromStream(in, out, info))
         return Detail::ParseError(out, "Y");
     return true;
-}
-
-template<typename T>
-void CoordinateItem<T>::DumpVal(std::ostream& os) const
-{
-    Detail::DumpValue(os, *this);
 }
 
 template<typename T>

@@ -128,15 +128,10 @@ int EnumInfo::MergeBounds(boost::intrusive_ptr<InfoBase const> const& other)
 
 int EnumInfo::AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed)
 {
-    if (!source)
-        return IfErrNullSource;
-    auto const* const schema = Detail::CastTo<EnumInfo>(source);
-    if (!schema)
-        return IfErrTypeNotAssignable;
-    Detail::Change change;
-    change.AssignList(m_table, schema->m_table);
-    change.Assign(m_default, schema->m_default);
-    return change.Report(changed);
+    return Detail::AssignFrom<EnumInfo>(source, changed, [this](auto& change, auto const& schema) {
+        change.AssignList(m_table, schema.m_table);
+        change.Assign(m_default, schema.m_default);
+    });
 }
 
 void EnumInfo::DumpVal(std::ostream& os) const { Detail::DumpHead(os, *this); }
@@ -166,24 +161,11 @@ bool EnumInfo::Find(std::string const& name, Table::const_iterator& elem) const
     return FindBy(m_table, &ElemType<int>::name, name, elem);
 }
 
-EnumItem::EnumItem(unsigned int id) : ItemFamily(id) {}
-
-EnumItem* EnumItem::Create(unsigned int id, int const& value)
-{
-    auto item = std::make_unique<EnumItem>(id);
-    item->m_value = value;
-    return item.release();
-}
+EnumItem::EnumItem(unsigned int id) : ValueItem(id) {}
 
 EnumItem* EnumItem::DeepCopy(unsigned int id) const { return CopyAs_(id); }
 
 void EnumItem::SetVal(int value, EnumInfo const& info) { m_value = info.IsEnabled(value) ? value : info.GetDefault(); }
-
-bool EnumItem::IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const
-{
-    auto const* const item = Detail::CastTo<EnumItem>(other);
-    return item && IsEqualType(other) && m_value == item->m_value;
-}
 
 int EnumItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index, bool* changed)
 {
@@ -224,8 +206,6 @@ bool EnumItem::SetValFromStream(std::istream& in, std::ostream& out, boost::intr
     m_value = static_cast<int>(value);
     return true;
 }
-
-void EnumItem::DumpVal(std::ostream& os) const { Detail::DumpValue(os, *this); }
 
 std::ostream& EnumItem::operator<<(std::ostream& os) const { return os << m_value; }
 

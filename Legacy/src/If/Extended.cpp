@@ -30,28 +30,15 @@ int ExtendedInfo::MergeBounds(boost::intrusive_ptr<InfoBase const> const&) { ret
 
 int ExtendedInfo::AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed)
 {
-    if (!source)
-        return IfErrNullSource;
-    auto const* const schema = Detail::CastTo<ExtendedInfo>(source);
-    if (!schema)
-        return IfErrTypeNotAssignable;
-    Detail::Change change;
-    change.Assign(m_default, schema->m_default);
-    return change.Report(changed);
+    return Detail::AssignFrom<ExtendedInfo>(
+        source, changed, [this](auto& change, auto const& schema) { change.Assign(m_default, schema.m_default); });
 }
 
 void ExtendedInfo::DumpVal(std::ostream& os) const { Detail::DumpHead(os, *this); }
 
 std::ostream& ExtendedInfo::operator<<(std::ostream& os) const { return os; }
 
-ExtendedItem::ExtendedItem(unsigned int id) : ItemFamily(id) {}
-
-ExtendedItem* ExtendedItem::Create(unsigned int id, std::pair<std::string, std::string> const& value)
-{
-    auto item = std::make_unique<ExtendedItem>(id);
-    item->m_value = value;
-    return item.release();
-}
+ExtendedItem::ExtendedItem(unsigned int id) : ValueItem(id) {}
 
 ExtendedItem* ExtendedItem::DeepCopy(unsigned int id) const { return CopyAs_(id); }
 
@@ -59,22 +46,10 @@ void ExtendedItem::SetVal(std::pair<std::string, std::string> const& value, Exte
 
 bool ExtendedItem::IsEmpty() const { return m_value.first.empty(); }
 
-bool ExtendedItem::IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const
-{
-    auto const* const item = Detail::CastTo<ExtendedItem>(other);
-    return item && IsEqualType(other) && m_value == item->m_value;
-}
-
 int ExtendedItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int, bool* changed)
 {
-    if (!source)
-        return IfErrNullSource;
-    auto const* const item = Detail::CastTo<ExtendedItem>(source);
-    if (!item)
-        return IfErrTypeNotAssignable;
-    Detail::Change change;
-    change.Assign(m_value, item->m_value);
-    return change.Report(changed);
+    return Detail::AssignFrom<ExtendedItem>(
+        source, changed, [this](auto& change, auto const& item) { change.Assign(m_value, item.m_value); });
 }
 
 unsigned int ExtendedItem::GetSerialDataSize() const { return 0; }

@@ -1,7 +1,8 @@
 #include "Finding.h"
 #include "ObjectCache.h"
+#include "Text.h"
 
-#include <Legacy/If/ItemBase.h>
+#include <Legacy/If/Family.h>
 
 #include <ostream>
 
@@ -36,6 +37,13 @@ std::string const& ItemBase::GetName() const noexcept
 
 void* ItemBase::operator new(std::size_t size) { return Detail::AllocateObject(size); }
 void ItemBase::operator delete(void* object, std::size_t size) noexcept { Detail::FreeObject(object, size); }
+
+void Detail::DumpValue(std::ostream& os, ItemBase const& item)
+{
+    DumpHead(os, item);
+    os << "value: ";
+    item.operator<<(os) << std::endl;
+}
 
 std::ostream& operator<<(std::ostream& os, ItemBase const& item) { return item.operator<<(os); }
 

@@ -48,14 +48,8 @@ int LocalizedStringInfo::MergeBounds(boost::intrusive_ptr<InfoBase const> const&
 
 int LocalizedStringInfo::AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed)
 {
-    if (!source)
-        return IfErrNullSource;
-    auto const* const schema = Detail::CastTo<LocalizedStringInfo>(source);
-    if (!schema)
-        return IfErrTypeNotAssignable;
-    Detail::Change change;
-    change.Assign(m_default, schema->m_default);
-    return change.Report(changed);
+    return Detail::AssignFrom<LocalizedStringInfo>(
+        source, changed, [this](auto& change, auto const& schema) { change.Assign(m_default, schema.m_default); });
 }
 
 void LocalizedStringInfo::DumpVal(std::ostream& os) const
@@ -79,14 +73,8 @@ bool LocalizedStringItem::IsEqualValue(boost::intrusive_ptr<ItemBase const> cons
 int LocalizedStringItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int,
                                           bool* changed)
 {
-    if (!source)
-        return IfErrNullSource;
-    auto const* const item = Detail::CastTo<LocalizedStringItem>(source);
-    if (!item)
-        return IfErrTypeNotAssignable;
-    Detail::Change change;
-    change.Assign(m_value, item->m_value);
-    return change.Report(changed);
+    return Detail::AssignFrom<LocalizedStringItem>(
+        source, changed, [this](auto& change, auto const& item) { change.Assign(m_value, item.m_value); });
 }
 
 unsigned int LocalizedStringItem::GetSerialDataSize() const { return 0; }
@@ -105,8 +93,6 @@ bool LocalizedStringItem::SetValFromStream(std::istream&, std::ostream& out,
 {
     return Detail::NotReadable(out);
 }
-
-void LocalizedStringItem::DumpVal(std::ostream& os) const { Detail::DumpValue(os, *this); }
 
 std::ostream& LocalizedStringItem::operator<<(std::ostream& os) const { return os << m_value.GetString(""); }
 

@@ -55,14 +55,8 @@ int NetInfo<Family>::MergeBounds(boost::intrusive_ptr<InfoBase const> const& oth
 template<class Family>
 int NetInfo<Family>::AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed)
 {
-    if (!source)
-        return IfErrNullSource;
-    auto const* const schema = Detail::CastTo<NetInfo>(source);
-    if (!schema)
-        return IfErrTypeNotAssignable;
-    Detail::Change change;
-    change.Assign(m_default, schema->m_default);
-    return change.Report(changed);
+    return Detail::AssignFrom<NetInfo>(
+        source, changed, [this](auto& change, auto const& schema) { change.Assign(m_default, schema.m_default); });
 }
 
 template<class Family>
@@ -83,37 +77,16 @@ NetItem<Family>::NetItem(unsigned int id) : Base(id)
 {}
 
 template<class Family>
-NetItem<Family>* NetItem<Family>::Create(unsigned int id, Value const& value)
-{
-    auto item = std::make_unique<NetItem>(id);
-    item->m_value = value;
-    return item.release();
-}
-
-template<class Family>
 NetItem<Family>* NetItem<Family>::DeepCopy(unsigned int id) const
 {
     return this->CopyAs_(id);
 }
 
 template<class Family>
-bool NetItem<Family>::IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const
-{
-    auto const* const item = Detail::CastTo<NetItem>(other);
-    return item && this->IsEqualType(other) && m_value == item->m_value;
-}
-
-template<class Family>
 int NetItem<Family>::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int, bool* changed)
 {
-    if (!source)
-        return IfErrNullSource;
-    auto const* const item = Detail::CastTo<NetItem>(source);
-    if (!item)
-        return IfErrTypeNotAssignable;
-    Detail::Change change;
-    change.Assign(m_value, item->m_value);
-    return change.Report(changed);
+    return Detail::AssignFrom<NetItem>(
+        source, changed, [this](auto& change, auto const& item) { change.Assign(m_value, item.m_value); });
 }
 
 template<class Family>
@@ -164,12 +137,6 @@ bool NetItem<Family>::SetValFromStream(std::istream& in, std::ostream&,
         m_value = Detail::NetForm<Family>::FromWord(word, info.get());
     }
     return true;
-}
-
-template<class Family>
-void NetItem<Family>::DumpVal(std::ostream& os) const
-{
-    Detail::DumpValue(os, *this);
 }
 
 template<class Family>

@@ -113,16 +113,8 @@ std::ostream& NumericInfo<T>::operator<<(std::ostream& os) const
 }
 
 template<typename T>
-NumericItem<T>::NumericItem(unsigned int id) : Family(id), m_value(0)
+NumericItem<T>::NumericItem(unsigned int id) : Family(id)
 {}
-
-template<typename T>
-NumericItem<T>* NumericItem<T>::Create(unsigned int id, Element const& value)
-{
-    auto item = std::make_unique<NumericItem>(id);
-    item->m_value = value;
-    return item.release();
-}
 
 template<typename T>
 NumericItem<T>* NumericItem<T>::DeepCopy(unsigned int id) const
@@ -151,13 +143,6 @@ template<typename T>
 bool NumericItem<T>::WithinBounds(NumericInfo<T> const& info) const noexcept
 {
     return !(info.GetMin() > m_value) && !(m_value > info.GetMax());
-}
-
-template<typename T>
-bool NumericItem<T>::IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const
-{
-    auto const* const item = Detail::CastTo<NumericItem>(other);
-    return item && this->IsEqualType(other) && IsEqualVal_(item->m_value);
 }
 
 template<typename T>

@@ -26,7 +26,7 @@ constexpr unsigned int k_initialMaxSize = 0x7FFFFFFF;
 
 template<typename T>
 NumericArrayInfo<T>::NumericArrayInfo(unsigned int const& id, std::string const& name, Permission_t const& permission)
-    : Family(id, name, permission), m_size(k_initialMinSize, k_initialMaxSize), m_max(T::k_defaultMax),
+    : Family(id, name, permission, SizeBounds(k_initialMinSize, k_initialMaxSize)), m_max(T::k_defaultMax),
       m_min(T::k_defaultMin)
 {}
 
@@ -43,9 +43,7 @@ NumericArrayInfo<T>* NumericArrayInfo<T>::DeepCopy(unsigned int id, std::string 
 template<typename T>
 ItemBase* NumericArrayInfo<T>::CreateItem() const
 {
-    auto item = std::make_unique<NumericArrayItem<T>>(this->GetId());
-    item->SetVal(m_default);
-    return item.release();
+    return NumericArrayItem<T>::Create(this->GetId(), m_default);
 }
 
 template<typename T>
@@ -62,42 +60,6 @@ void NumericArrayInfo<T>::SetMax(Element value) noexcept
     m_max = value;
     if (value < m_min)
         m_min = value;
-}
-
-template<typename T>
-int NumericArrayInfo<T>::SetMinSize(unsigned int n)
-{
-    m_size.SetMin(n, m_default);
-    return 0;
-}
-
-template<typename T>
-int NumericArrayInfo<T>::SetMaxSize(unsigned int n)
-{
-    m_size.SetMax(n, m_default);
-    return 0;
-}
-
-template<typename T>
-int NumericArrayInfo<T>::SetDefault(std::vector<Element> const& list)
-{
-    return m_size.Store(list, m_default);
-}
-
-template<typename T>
-bool NumericArrayInfo<T>::IsEqualBounds(boost::intrusive_ptr<InfoBase const> const& other) const
-{
-    auto const* const schema = Detail::CastTo<NumericArrayInfo>(other);
-    return schema && this->IsEqualType(other) && m_size == schema->m_size;
-}
-
-template<typename T>
-int NumericArrayInfo<T>::MergeBounds(boost::intrusive_ptr<InfoBase const> const& other)
-{
-    auto const* const schema = Detail::CastTo<NumericArrayInfo>(other);
-    if (!schema || !this->IsEqualType(other))
-        return IfErrBoundsTypeMismatch;
-    return m_size.Merge(schema->m_size);
 }
 
 template<typename T>
@@ -165,25 +127,6 @@ template<typename T>
 NumericArrayItem<T>* NumericArrayItem<T>::DeepCopy(unsigned int id) const
 {
     return this->CopyAs_(id);
-}
-
-template<typename T>
-int NumericArrayItem<T>::SetVal(std::vector<Element> const& value, NumericArrayInfo<T> const& info)
-{
-    return info.m_size.Store(value, m_value);
-}
-
-template<typename T>
-bool NumericArrayItem<T>::IsEmpty() const
-{
-    return m_value.empty();
-}
-
-template<typename T>
-bool NumericArrayItem<T>::IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const
-{
-    auto const* const item = Detail::CastTo<NumericArrayItem>(other);
-    return item && this->IsEqualType(other) && std::ranges::equal(m_value, item->m_value, T::Equal);
 }
 
 template<typename T>
@@ -293,11 +236,11 @@ std::shared_ptr<ResultElem const> NumericArrayItem<T>::Validate(boost::intrusive
     auto const* const schema = Detail::CastTo<NumericArrayInfo<T>>(info);
     if (!schema)
         return Detail::TypeMismatch(info, *this);
-    if (auto finding = Detail::CheckSize(schema->m_size, m_value.size(), "TypesSystemNumericArrayValidationMinSize",
+    if (auto finding = Detail::CheckSize(schema->Sizes(), m_value.size(), "TypesSystemNumericArrayValidationMinSize",
                                          "TypesSystemNumericArrayValidationMaxSize", info, *this))
         return finding;
-    Element const min = schema->m_min;
-    Element const max = schema->m_max;
+    Element const min = schema->GetMin();
+    Element const max = schema->GetMax();
     if (!Detail::AnyOutside(m_value, min, max))
         return {};
     auto const first =
@@ -314,12 +257,6 @@ bool NumericArrayItem<T>::SetValFromStream(std::istream& in, std::ostream& out,
     return Detail::ReadList(in, out, m_value, [&in, &out](char const* word, Element& value) {
         return Detail::ReadNumber(in, out, word, value);
     });
-}
-
-template<typename T>
-void NumericArrayItem<T>::DumpVal(std::ostream& os) const
-{
-    Detail::DumpValue(os, *this);
 }
 
 template<typename T>

@@ -5,7 +5,6 @@
 #include "Text.h"
 #include "Visit.h"
 
-#include <Legacy/If/Cast.h>
 #include <Legacy/If/NumericSparse.h>
 
 namespace Legacy::If {
@@ -92,16 +91,8 @@ std::ostream& NumericSparseInfo<T>::operator<<(std::ostream& os) const
 }
 
 template<typename T>
-NumericSparseItem<T>::NumericSparseItem(unsigned int id) : Family(id), m_value(0)
+NumericSparseItem<T>::NumericSparseItem(unsigned int id) : Family(id)
 {}
-
-template<typename T>
-NumericSparseItem<T>* NumericSparseItem<T>::Create(unsigned int id, Element const& value)
-{
-    auto item = std::make_unique<NumericSparseItem>(id);
-    item->m_value = value;
-    return item.release();
-}
 
 template<typename T>
 NumericSparseItem<T>* NumericSparseItem<T>::DeepCopy(unsigned int id) const
@@ -113,13 +104,6 @@ template<typename T>
 void NumericSparseItem<T>::SetVal(Element value, NumericSparseInfo<T> const& info) noexcept
 {
     m_value = info.m_allowed.AllowedOrDefault(value);
-}
-
-template<typename T>
-bool NumericSparseItem<T>::IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const
-{
-    auto const* const item = Detail::CastTo<NumericSparseItem>(other);
-    return item && this->IsEqualType(other) && IsEqualVal_(item->m_value);
 }
 
 template<typename T>

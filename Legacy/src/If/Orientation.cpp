@@ -34,17 +34,12 @@ bool OrientationItem::IsEqualValue(boost::intrusive_ptr<ItemBase const> const& o
 
 int OrientationItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int, bool* changed)
 {
-    if (!source)
-        return IfErrNullSource;
-    auto const* const item = Detail::CastTo<OrientationItem>(source);
-    if (!item)
-        return IfErrTypeNotAssignable;
-    Detail::Change change;
-    if (!IsEqualVal_(item->m_value)) {
-        m_value = item->m_value;
-        change.Note();
-    }
-    return change.Report(changed);
+    return Detail::AssignFrom<OrientationItem>(source, changed, [this](auto& change, auto const& item) {
+        if (!IsEqualVal_(item.m_value)) {
+            m_value = item.m_value;
+            change.Note();
+        }
+    });
 }
 
 unsigned int OrientationItem::GetSerialDataSize() const { return sizeof(Parts); }

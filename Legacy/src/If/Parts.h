@@ -34,15 +34,6 @@ int AssignCorners(Change& change, RectItem<T>& target, Corner const& topLeft, Co
     return 0;
 }
 
-/// Narrows the first part and then, unless that failed, the second.
-template<typename Part, typename Other>
-int MergeBoth(Part& first, Other const& firstOther, Part& second, Other const& secondOther)
-{
-    if (int const code = first.MergeBounds(firstOther))
-        return code;
-    return second.MergeBounds(secondOther);
-}
-
 /// The lines of a schema's two corners. Contract: that of the bottom right one is labelled so, as readers of dumps know
 /// it.
 template<typename Corner>

@@ -29,46 +29,27 @@ Element Extent(Element first, Element last) noexcept
 
 template<typename T>
 RectInfo<T>::RectInfo(unsigned int const& id, std::string const& name, Permission_t const& permission)
-    : Family(id, name, permission), m_topLeft(new Corner(0, {}, permission)),
-      m_bottomRight(new Corner(0, {}, permission))
+    : Family(id, name, permission)
 {}
 
 template<typename T>
-RectInfo<T>::RectInfo(unsigned int id, std::string const& name, Permission_t const& permission,
-                      OwnedPart<Corner> const& topLeft, OwnedPart<Corner> const& bottomRight)
-    : Family(id, name, permission), m_topLeft(topLeft), m_bottomRight(bottomRight)
+RectInfo<T>::RectInfo(unsigned int id, std::string const& name, Permission_t const& permission, RectInfo const& other)
+    : Family(id, name, permission, other)
 {}
 
 template<typename T>
 RectInfo<T>* RectInfo<T>::DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const
 {
-    return new RectInfo(id, name, permission, m_topLeft, m_bottomRight);
+    return new RectInfo(id, name, permission, *this);
 }
 
 template<typename T>
 ItemBase* RectInfo<T>::CreateItem() const
 {
     auto item = std::make_unique<RectItem<T>>(this->GetId());
-    item->SetValTopLeft(m_topLeft.Get());
-    item->SetValBottomRight(m_bottomRight.Get());
+    item->SetValTopLeft(m_first.Get());
+    item->SetValBottomRight(m_second.Get());
     return item.release();
-}
-
-template<typename T>
-bool RectInfo<T>::IsEqualBounds(boost::intrusive_ptr<InfoBase const> const& other) const
-{
-    auto const* const schema = Detail::CastTo<RectInfo>(other);
-    return schema && this->IsEqualType(other) && m_topLeft->IsEqualBounds(schema->m_topLeft.Get()) &&
-           m_bottomRight->IsEqualBounds(schema->m_bottomRight.Get());
-}
-
-template<typename T>
-int RectInfo<T>::MergeBounds(boost::intrusive_ptr<InfoBase const> const& other)
-{
-    auto const* const schema = Detail::CastTo<RectInfo>(other);
-    if (!schema || !this->IsEqualType(other))
-        return IfErrBoundsTypeMismatch;
-    return Detail::MergeBoth(*m_topLeft, schema->m_topLeft.Get(), *m_bottomRight, schema->m_bottomRight.Get());
 }
 
 template<typename T>
@@ -80,8 +61,7 @@ int RectInfo<T>::AssignValue(boost::intrusive_ptr<InfoBase const> const& source,
         return IfErrTypeNotAssignable;
     return Detail::VisitShape<If::RectInfo>(*source, [this, changed](auto const& schema) {
         Detail::Change change;
-        if (int const code =
-                Detail::AssignBoth(change, *m_topLeft, schema.TopLeft(), *m_bottomRight, schema.BottomRight()))
+        if (int const code = Detail::AssignBoth(change, *m_first, schema.TopLeft(), *m_second, schema.BottomRight()))
             return code;
         return change.Report(changed);
     });
@@ -91,13 +71,13 @@ template<typename T>
 void RectInfo<T>::DumpVal(std::ostream& os) const
 {
     Detail::DumpNumericHead(os, *this);
-    Detail::DumpCorners(os, *m_topLeft, *m_bottomRight);
+    Detail::DumpCorners(os, *m_first, *m_second);
 }
 
 template<typename T>
 std::ostream& RectInfo<T>::operator<<(std::ostream& os) const
 {
-    return os << "TLC[" << *m_topLeft << "] BRC[" << *m_bottomRight << ']';
+    return os << "TLC[" << *m_first << "] BRC[" << *m_second << ']';
 }
 
 template<typename T>
@@ -228,12 +208,6 @@ bool RectItem<T>::SetValFromStream(std::istream& in, std::ostream& out,
     if (!m_bottomRight->SetValFromStream(in, out, info))
         return Detail::ParseError(out, "BottomRight");
     return true;
-}
-
-template<typename T>
-void RectItem<T>::DumpVal(std::ostream& os) const
-{
-    Detail::DumpValue(os, *this);
 }
 
 template<typename T>

@@ -27,14 +27,13 @@ constexpr std::uint64_t k_maxRects = 0x0CCCCCCC;
 
 template<typename T>
 RectArrayInfo<T>::RectArrayInfo(unsigned int const& id, std::string const& name, Permission_t const& permission)
-    : Family(id, name, permission), m_size(0, k_initialMaxSize), m_topLeft(new Corner(0, {}, permission)),
-      m_bottomRight(new Corner(0, {}, permission))
+    : Family(id, name, permission), m_size(0, k_initialMaxSize)
 {}
 
 template<typename T>
 RectArrayInfo<T>::RectArrayInfo(unsigned int id, std::string const& name, Permission_t const& permission,
                                 RectArrayInfo const& other)
-    : Family(id, name, permission), m_size(other.m_size), m_topLeft(other.m_topLeft), m_bottomRight(other.m_bottomRight)
+    : Family(id, name, permission, other), m_size(other.m_size)
 {}
 
 template<typename T>
@@ -65,23 +64,6 @@ int RectArrayInfo<T>::SetMaxSize(unsigned int n)
 }
 
 template<typename T>
-bool RectArrayInfo<T>::IsEqualBounds(boost::intrusive_ptr<InfoBase const> const& other) const
-{
-    auto const* const schema = Detail::CastTo<RectArrayInfo>(other);
-    return schema && this->IsEqualType(other) && m_topLeft->IsEqualBounds(schema->m_topLeft.Get()) &&
-           m_bottomRight->IsEqualBounds(schema->m_bottomRight.Get());
-}
-
-template<typename T>
-int RectArrayInfo<T>::MergeBounds(boost::intrusive_ptr<InfoBase const> const& other)
-{
-    auto const* const schema = Detail::CastTo<RectArrayInfo>(other);
-    if (!schema || !this->IsEqualType(other))
-        return IfErrBoundsTypeMismatch;
-    return Detail::MergeBoth(*m_topLeft, schema->m_topLeft.Get(), *m_bottomRight, schema->m_bottomRight.Get());
-}
-
-template<typename T>
 int RectArrayInfo<T>::AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed)
 {
     if (!source)
@@ -93,8 +75,7 @@ int RectArrayInfo<T>::AssignValue(boost::intrusive_ptr<InfoBase const> const& so
     if (!schema)
         return IfErrTypeNotAssignable;
     Detail::Change change;
-    int const code =
-        Detail::AssignBoth(change, *m_topLeft, schema->m_topLeft.Get(), *m_bottomRight, schema->m_bottomRight.Get());
+    int const code = Detail::AssignBoth(change, *m_first, schema->m_first.Get(), *m_second, schema->m_second.Get());
     change.Assign(m_size, schema->m_size);
     return code != 0 ? code : change.Report(changed);
 }
@@ -115,7 +96,7 @@ int RectArrayInfo<T>::AssignNumbers_(Schema const& schema, bool* changed)
         return change.Report(changed);
     auto const least = Detail::ConvertTo<typename T::T>(schema.GetMin());
     auto number = numbers.begin();
-    for (auto const& axis : {m_topLeft->X(), m_topLeft->Y(), m_bottomRight->X(), m_bottomRight->Y()}) {
+    for (auto const& axis : {m_first->X(), m_first->Y(), m_second->X(), m_second->Y()}) {
         auto const before = axis->GetDefault();
         axis->SetDefault(Detail::ConvertTo<typename T::T>(*number++));
         axis->SetMin(least);
@@ -131,14 +112,14 @@ void RectArrayInfo<T>::DumpVal(std::ostream& os) const
     Detail::DumpNumericHead(os, *this);
     Detail::DumpLine(os, "minSize: ", m_size.Min());
     Detail::DumpLine(os, "maxSize: ", m_size.Max());
-    Detail::DumpCorners(os, *m_topLeft, *m_bottomRight);
+    Detail::DumpCorners(os, *m_first, *m_second);
 }
 
 template<typename T>
 std::ostream& RectArrayInfo<T>::operator<<(std::ostream& os) const
 {
-    return os << "size(" << m_size.Min() << Detail::k_separator << m_size.Max() << ") " << *m_topLeft
-              << Detail::k_partSeparator << *m_bottomRight;
+    return os << "size(" << m_size.Min() << Detail::k_separator << m_size.Max() << ") " << *m_first
+              << Detail::k_partSeparator << *m_second;
 }
 
 template<typename T>
@@ -154,15 +135,15 @@ RectArrayItem<T>* RectArrayItem<T>::DeepCopy(unsigned int id) const
 template<typename T>
 int RectArrayItem<T>::SetVal(std::vector<Rect> const& value, RectArrayInfo<T> const& info)
 {
-    return info.m_size.Store(value, m_value);
+    return info.Sizes().Store(value, m_value);
 }
 
 template<typename T>
 void RectArrayItem<T>::BoundVal(RectArrayInfo<T> const& info) noexcept
 {
     for (Rect& rect : m_value) {
-        rect.TopLeft()->BoundVal(*info.m_topLeft);
-        rect.BottomRight()->BoundVal(*info.m_topLeft);
+        rect.TopLeft()->BoundVal(*info.TopLeft());
+        rect.BottomRight()->BoundVal(*info.TopLeft());
     }
 }
 
@@ -170,7 +151,7 @@ template<typename T>
 bool RectArrayItem<T>::WithinBounds(RectArrayInfo<T> const& info) const noexcept
 {
     return std::all_of(m_value.begin(), m_value.end(), [&info](Rect const& rect) {
-        return rect.TopLeft()->WithinBounds(*info.m_topLeft) && rect.BottomRight()->WithinBounds(*info.m_bottomRight);
+        return rect.TopLeft()->WithinBounds(*info.TopLeft()) && rect.BottomRight()->WithinBounds(*info.BottomRight());
     });
 }
 
@@ -342,12 +323,6 @@ bool RectArrayItem<T>::SetValFromStream(std::istream& in, std::ostream& out,
             return false;
     m_value = std::move(rects);
     return true;
-}
-
-template<typename T>
-void RectArrayItem<T>::DumpVal(std::ostream& os) const
-{
-    Detail::DumpValue(os, *this);
 }
 
 template<typename T>

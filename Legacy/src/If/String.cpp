@@ -65,15 +65,10 @@ int StringInfo::MergeBounds(boost::intrusive_ptr<InfoBase const> const& other)
 
 int StringInfo::AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed)
 {
-    if (!source)
-        return IfErrNullSource;
-    auto const* const schema = Detail::CastTo<StringInfo>(source);
-    if (!schema)
-        return IfErrTypeNotAssignable;
-    Detail::Change change;
-    change.Assign(m_default, schema->m_default);
-    change.Assign(m_maxLength, schema->m_maxLength);
-    return change.Report(changed);
+    return Detail::AssignFrom<StringInfo>(source, changed, [this](auto& change, auto const& schema) {
+        change.Assign(m_default, schema.m_default);
+        change.Assign(m_maxLength, schema.m_maxLength);
+    });
 }
 
 void StringInfo::DumpVal(std::ostream& os) const
@@ -88,14 +83,7 @@ std::ostream& StringInfo::operator<<(std::ostream& os) const
     return os << '"' << m_default << "\"; max length=" << m_maxLength;
 }
 
-StringItem::StringItem(unsigned int id) : ItemFamily(id) {}
-
-StringItem* StringItem::Create(unsigned int id, std::string const& value)
-{
-    auto item = std::make_unique<StringItem>(id);
-    item->m_value = value;
-    return item.release();
-}
+StringItem::StringItem(unsigned int id) : ValueItem(id) {}
 
 StringItem* StringItem::DeepCopy(unsigned int id) const { return CopyAs_(id); }
 
@@ -106,12 +94,6 @@ void StringItem::SetVal(std::string const& value, StringInfo const& info)
 }
 
 bool StringItem::IsEmpty() const { return m_value.empty(); }
-
-bool StringItem::IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const
-{
-    auto const* const item = Detail::CastTo<StringItem>(other);
-    return item && IsEqualType(other) && m_value == item->m_value;
-}
 
 int StringItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index, bool* changed)
 {
@@ -164,8 +146,6 @@ bool StringItem::SetValFromStream(std::istream& in, std::ostream&, boost::intrus
     }
     return true;
 }
-
-void StringItem::DumpVal(std::ostream& os) const { Detail::DumpValue(os, *this); }
 
 std::ostream& StringItem::operator<<(std::ostream& os) const { return os << m_value; }
 

@@ -13,7 +13,7 @@
 namespace Legacy::If {
 
 StringArrayInfo::StringArrayInfo(unsigned int const& id, std::string const& name, Permission_t const& permission)
-    : InfoFamily(id, name, permission), m_size(0, 0)
+    : ArrayInfo(id, name, permission, SizeBounds(0, 0))
 {}
 
 StringArrayInfo* StringArrayInfo::DeepCopy(unsigned int id, std::string const& name,
@@ -24,45 +24,12 @@ StringArrayInfo* StringArrayInfo::DeepCopy(unsigned int id, std::string const& n
 
 ItemBase* StringArrayInfo::CreateItem() const { return StringArrayItem::Create(GetId(), m_default); }
 
-int StringArrayInfo::SetMinSize(unsigned int n)
-{
-    m_size.SetMin(n, m_default);
-    return 0;
-}
-
-int StringArrayInfo::SetMaxSize(unsigned int n)
-{
-    m_size.SetMax(n, m_default);
-    return 0;
-}
-
-int StringArrayInfo::SetDefault(std::vector<std::string> const& list) { return m_size.Store(list, m_default); }
-
-bool StringArrayInfo::IsEqualBounds(boost::intrusive_ptr<InfoBase const> const& other) const
-{
-    auto const* const schema = Detail::CastTo<StringArrayInfo>(other);
-    return schema && IsEqualType(other) && m_size == schema->m_size;
-}
-
-int StringArrayInfo::MergeBounds(boost::intrusive_ptr<InfoBase const> const& other)
-{
-    auto const* const schema = Detail::CastTo<StringArrayInfo>(other);
-    if (!schema || !IsEqualType(other))
-        return IfErrBoundsTypeMismatch;
-    return m_size.Merge(schema->m_size);
-}
-
 int StringArrayInfo::AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed)
 {
-    if (!source)
-        return IfErrNullSource;
-    auto const* const schema = Detail::CastTo<StringArrayInfo>(source);
-    if (!schema)
-        return IfErrTypeNotAssignable;
-    Detail::Change change;
-    change.AssignList(m_default, schema->m_default);
-    change.Assign(m_size, schema->m_size);
-    return change.Report(changed);
+    return Detail::AssignFrom<StringArrayInfo>(source, changed, [this](auto& change, auto const& schema) {
+        change.AssignList(m_default, schema.m_default);
+        change.Assign(m_size, schema.m_size);
+    });
 }
 
 void StringArrayInfo::DumpVal(std::ostream& os) const
@@ -76,29 +43,9 @@ std::ostream& StringArrayInfo::operator<<(std::ostream& os) const
     return Detail::PrintSizes(os, m_size, m_default.size());
 }
 
-StringArrayItem::StringArrayItem(unsigned int id) : ItemFamily(id) {}
-
-StringArrayItem* StringArrayItem::Create(unsigned int id, std::vector<std::string> const& value)
-{
-    auto item = std::make_unique<StringArrayItem>(id);
-    item->m_value = value;
-    return item.release();
-}
+StringArrayItem::StringArrayItem(unsigned int id) : ArrayItem(id) {}
 
 StringArrayItem* StringArrayItem::DeepCopy(unsigned int id) const { return CopyAs_(id); }
-
-int StringArrayItem::SetVal(std::vector<std::string> const& value, StringArrayInfo const& info)
-{
-    return info.m_size.Store(value, m_value);
-}
-
-bool StringArrayItem::IsEmpty() const { return m_value.empty(); }
-
-bool StringArrayItem::IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const
-{
-    auto const* const item = Detail::CastTo<StringArrayItem>(other);
-    return item && IsEqualType(other) && m_value == item->m_value;
-}
 
 int StringArrayItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index,
                                       bool* changed)
@@ -153,7 +100,7 @@ std::shared_ptr<ResultElem const> StringArrayItem::Validate(boost::intrusive_ptr
     auto const* const schema = Detail::CastTo<StringArrayInfo>(info);
     if (!schema)
         return Detail::TypeMismatch(info, *this);
-    return Detail::CheckSize(schema->m_size, m_value.size(), "TypesSystemStringArrayValidationMinSize",
+    return Detail::CheckSize(schema->Sizes(), m_value.size(), "TypesSystemStringArrayValidationMinSize",
                              "TypesSystemStringArrayValidationMaxSize", info, *this);
 }
 
@@ -163,8 +110,6 @@ bool StringArrayItem::SetValFromStream(std::istream& in, std::ostream& out, boos
         return Detail::ReadValue(in, out, word, text);
     });
 }
-
-void StringArrayItem::DumpVal(std::ostream& os) const { Detail::DumpValue(os, *this); }
 
 std::ostream& StringArrayItem::operator<<(std::ostream& os) const
 {

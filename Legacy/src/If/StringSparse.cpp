@@ -3,7 +3,6 @@
 #include "SerialRecord.h"
 #include "Text.h"
 
-#include <Legacy/If/Cast.h>
 #include <Legacy/If/StringSparse.h>
 
 #include <algorithm>
@@ -48,15 +47,10 @@ int StringSparseInfo::MergeBounds(boost::intrusive_ptr<InfoBase const> const& ot
 
 int StringSparseInfo::AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed)
 {
-    if (!source)
-        return IfErrNullSource;
-    auto const* const schema = Detail::CastTo<StringSparseInfo>(source);
-    if (!schema)
-        return IfErrTypeNotAssignable;
-    Detail::Change change;
-    change.AssignList(m_allowed.Table(), schema->m_allowed.Table());
-    change.Assign(m_allowed.Default(), schema->m_allowed.Default());
-    return change.Report(changed);
+    return Detail::AssignFrom<StringSparseInfo>(source, changed, [this](auto& change, auto const& schema) {
+        change.AssignList(m_allowed.Table(), schema.m_allowed.Table());
+        change.Assign(m_allowed.Default(), schema.m_allowed.Default());
+    });
 }
 
 void StringSparseInfo::DumpVal(std::ostream& os) const
@@ -71,14 +65,7 @@ std::ostream& StringSparseInfo::operator<<(std::ostream& os) const
     return os;
 }
 
-StringSparseItem::StringSparseItem(unsigned int id) : ItemFamily(id) {}
-
-StringSparseItem* StringSparseItem::Create(unsigned int id, std::string const& value)
-{
-    auto item = std::make_unique<StringSparseItem>(id);
-    item->m_value = value;
-    return item.release();
-}
+StringSparseItem::StringSparseItem(unsigned int id) : ValueItem(id) {}
 
 StringSparseItem* StringSparseItem::DeepCopy(unsigned int id) const { return CopyAs_(id); }
 
@@ -87,22 +74,10 @@ void StringSparseItem::SetVal(std::string const& value, StringSparseInfo const& 
     m_value = info.m_allowed.AllowedOrDefault(value);
 }
 
-bool StringSparseItem::IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const
-{
-    auto const* const item = Detail::CastTo<StringSparseItem>(other);
-    return item && IsEqualType(other) && m_value == item->m_value;
-}
-
 int StringSparseItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int, bool* changed)
 {
-    if (!source)
-        return IfErrNullSource;
-    auto const* const item = Detail::CastTo<StringSparseItem>(source);
-    if (!item)
-        return IfErrTypeNotAssignable;
-    Detail::Change change;
-    change.Assign(m_value, item->m_value);
-    return change.Report(changed);
+    return Detail::AssignFrom<StringSparseItem>(
+        source, changed, [this](auto& change, auto const& item) { change.Assign(m_value, item.m_value); });
 }
 
 unsigned int StringSparseItem::GetSerialDataSize() const { return k_announcedSize; }
@@ -129,8 +104,6 @@ bool StringSparseItem::SetValFromStream(std::istream& in, std::ostream& out,
 {
     return Detail::ReadValue(in, out, "stringSparseItem", m_value);
 }
-
-void StringSparseItem::DumpVal(std::ostream& os) const { Detail::DumpValue(os, *this); }
 
 std::ostream& StringSparseItem::operator<<(std::ostream& os) const { return os << m_value; }
 

@@ -56,14 +56,6 @@ inline void DumpHead(std::ostream& os, ItemBase const& item)
     DumpLine(os, "type: ", item.GetType());
 }
 
-/// The whole dump of a value whose third line is its compact form.
-inline void DumpValue(std::ostream& os, ItemBase const& item)
-{
-    DumpHead(os, item);
-    os << "value: ";
-    item.operator<<(os) << std::endl;
-}
-
 /// A list in its compact form, without brackets; `print` takes the stream and an element.
 template<typename List, typename Print>
 void PrintList(std::ostream& os, List const& list, Print&& print)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Legacy/If/AppEndpoint.h>
+#include <Legacy/If/Array.h>
 #include <Legacy/If/Export.h>
 #include <Legacy/If/Family.h>
 
@@ -61,22 +62,15 @@ private:
 };
 
 /// Value of a parameter that is a list of application endpoints.
-class LEGACY_IF_API AppEndpointArrayItem : public ItemFamily<AppEndpointArrayItem, IfType_t::AppEndpointArray>
+class LEGACY_IF_API AppEndpointArrayItem
+    : public ArrayItem<AppEndpointArrayItem, IfType_t::AppEndpointArray, AppEndpointList::value_type>
 {
 public:
     explicit AppEndpointArrayItem(unsigned int id); ///< empty
 
-    using ItemFamily::DeepCopy;
+    using ArrayItem::DeepCopy;
     AppEndpointArrayItem* DeepCopy(unsigned int id) const override;
 
-    AppEndpointList GetVal() const { return m_value; }
-    AppEndpointList& Val() noexcept { return m_value; }
-    AppEndpointList const& Val() const noexcept { return m_value; }
-    void SetVal(AppEndpointList const& value) { m_value = value; }
-
-    bool IsEmpty() const override; ///< there are no elements
-    /// Equal types and lists, every element exactly equal.
-    bool IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const override;
     /// From an application endpoint, into the element at `index`: the list grows to hold it, with default elements
     /// before it. From a list as a whole, with `index` ignored.
     int AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index,
@@ -95,11 +89,7 @@ public:
     /// A list cannot be read: writes "Impl. me" to `out` and returns false.
     bool SetValFromStream(std::istream& in, std::ostream& out,
                           boost::intrusive_ptr<InfoBase const> const& info) override;
-    void DumpVal(std::ostream& os) const override;
     std::ostream& operator<<(std::ostream& os) const override;
-
-private:
-    AppEndpointList m_value;
 };
 
 } // namespace Legacy::If

@@ -2,6 +2,7 @@
 
 #include <Legacy/If/Export.h>
 #include <Legacy/If/Family.h>
+#include <Legacy/If/ValueItem.h>
 
 #include <memory>
 #include <string>
@@ -41,27 +42,20 @@ private:
 };
 
 /// Value of a yes-or-no parameter. Prints as "True" or "False" in compact forms and as 1 or 0 in dumps.
-class LEGACY_IF_API BoolItem : public ItemFamily<BoolItem, IfType_t::Bool>
+class LEGACY_IF_API BoolItem : public ValueItem<BoolItem, IfType_t::Bool, bool>
 {
 public:
     explicit BoolItem(unsigned int id); ///< false
 
-    /// A value of that truth, whatever any schema says. The caller owns it: count 0.
-    static BoolItem* Create(unsigned int id, bool const& value);
-
-    using ItemFamily::DeepCopy;
+    using ValueItem::DeepCopy;
     BoolItem* DeepCopy(unsigned int id) const override;
 
-    bool GetVal() const noexcept { return m_value; }
-    bool& Val() noexcept { return m_value; }
-    bool const& Val() const noexcept { return m_value; }
-    void SetVal(bool value) noexcept { m_value = value; }
+    using ValueItem::SetVal;
     /// Takes the default of a fixed schema.
     void BoundVal(BoolInfo const& info) noexcept;
     /// Whether the schema is free or its default is the value.
     bool WithinBounds(BoolInfo const& info) const noexcept;
 
-    bool IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const override;
     /// From a boolean, a number, or the element at `index` of a list of either, whose end is #IfErrInvalidArgument. A
     /// number is true unless it is 0, or, with a fraction, nearer to 0 than the tolerance; a NaN is false.
     int AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index,
@@ -79,9 +73,6 @@ public:
                           boost::intrusive_ptr<InfoBase const> const& info) override;
     void DumpVal(std::ostream& os) const override;
     std::ostream& operator<<(std::ostream& os) const override;
-
-private:
-    bool m_value = false;
 };
 
 } // namespace Legacy::If

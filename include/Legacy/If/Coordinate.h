@@ -4,6 +4,7 @@
 #include <Legacy/If/Family.h>
 #include <Legacy/If/Numeric.h>
 #include <Legacy/If/OwnedPart.h>
+#include <Legacy/If/PairInfo.h>
 
 #include <array>
 #include <memory>
@@ -16,9 +17,10 @@ namespace Legacy::If {
 /// The axes are objects of their own, always there and never shared with another point. Whatever is done with a point
 /// is done with X and then with Y.
 template<typename T>
-class LEGACY_IF_API CoordinateInfo : public InfoFamily<CoordinateInfo<T>, IfType_t::Coordinate, T::k_numericType>
+class LEGACY_IF_API CoordinateInfo
+    : public PairInfo<CoordinateInfo<T>, IfType_t::Coordinate, NumericInfo<T>, T::k_numericType>
 {
-    using Family = InfoFamily<CoordinateInfo<T>, IfType_t::Coordinate, T::k_numericType>;
+    using Family = PairInfo<CoordinateInfo, IfType_t::Coordinate, NumericInfo<T>, T::k_numericType>;
 
 public:
     using Element = typename T::T; ///< the type of the numbers
@@ -32,18 +34,13 @@ public:
     CoordinateInfo* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const override;
     ItemBase* CreateItem() const override;
 
-    boost::intrusive_ptr<Axis> const& X() noexcept { return m_x.Get(); }
-    boost::intrusive_ptr<Axis> const& Y() noexcept { return m_y.Get(); }
-    boost::intrusive_ptr<Axis const> X() const noexcept { return m_x.Get(); }
-    boost::intrusive_ptr<Axis const> Y() const noexcept { return m_y.Get(); }
-    Element GetDefaultX() const noexcept { return m_x->GetDefault(); }
-    Element GetDefaultY() const noexcept { return m_y->GetDefault(); }
+    boost::intrusive_ptr<Axis> const& X() noexcept { return m_first.Get(); }
+    boost::intrusive_ptr<Axis> const& Y() noexcept { return m_second.Get(); }
+    boost::intrusive_ptr<Axis const> X() const noexcept { return m_first.Get(); }
+    boost::intrusive_ptr<Axis const> Y() const noexcept { return m_second.Get(); }
+    Element GetDefaultX() const noexcept { return m_first->GetDefault(); }
+    Element GetDefaultY() const noexcept { return m_second->GetDefault(); }
 
-    /// Equal types and bounds of both axes.
-    bool IsEqualBounds(boost::intrusive_ptr<InfoBase const> const& other) const override;
-    /// Narrows X and then Y. Where Y fails, X stays narrowed.
-    /// @return 0; #IfErrBoundsTypeMismatch; #IfErrBoundsDisjoint.
-    int MergeBounds(boost::intrusive_ptr<InfoBase const> const& other) override;
     /// From a point's schema of any element type: default and bounds of both axes, converted.
     int AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed) override;
 
@@ -51,11 +48,11 @@ public:
     std::ostream& operator<<(std::ostream& os) const override;
 
 private:
-    CoordinateInfo(unsigned int id, std::string const& name, Permission_t const& permission, OwnedPart<Axis> const& x,
-                   OwnedPart<Axis> const& y);
+    CoordinateInfo(unsigned int id, std::string const& name, Permission_t const& permission,
+                   CoordinateInfo const& other);
 
-    OwnedPart<Axis> m_x;
-    OwnedPart<Axis> m_y;
+    using Family::m_first;
+    using Family::m_second;
 };
 
 /// Value of a parameter that is a point.
@@ -107,7 +104,6 @@ public:
     /// Reads X and then Y. Where Y cannot be read, X keeps its new value.
     bool SetValFromStream(std::istream& in, std::ostream& out,
                           boost::intrusive_ptr<InfoBase const> const& info) override;
-    void DumpVal(std::ostream& os) const override;
     std::ostream& operator<<(std::ostream& os) const override;
 
 private:

@@ -2,6 +2,7 @@
 
 #include <Legacy/If/Export.h>
 #include <Legacy/If/Family.h>
+#include <Legacy/If/ValueItem.h>
 
 #include <memory>
 #include <string>
@@ -91,25 +92,18 @@ private:
 };
 
 /// Value of an enumeration parameter: the number, not the name.
-class LEGACY_IF_API EnumItem : public ItemFamily<EnumItem, IfType_t::Enum>
+class LEGACY_IF_API EnumItem : public ValueItem<EnumItem, IfType_t::Enum, int>
 {
 public:
     explicit EnumItem(unsigned int id); ///< 0
 
-    /// A value with that number, whatever any schema says. The caller owns it: count 0.
-    static EnumItem* Create(unsigned int id, int const& value);
-
-    using ItemFamily::DeepCopy;
+    using ValueItem::DeepCopy;
     EnumItem* DeepCopy(unsigned int id) const override;
 
-    int GetVal() const noexcept { return m_value; }
-    int& Val() noexcept { return m_value; } ///< no table is consulted
-    int const& Val() const noexcept { return m_value; }
-    void SetVal(int value) noexcept { m_value = value; }
+    using ValueItem::SetVal;
     /// Stores the value of an enabled element, and the schema's default for any other.
     void SetVal(int value, EnumInfo const& info);
 
-    bool IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const override;
     /// From a boolean (1 or 0), a number, an enumeration value, or the element at `index` of a list of numbers, whose
     /// end is #IfErrInvalidArgument. The number is converted and need not name an element.
     int AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index,
@@ -125,11 +119,7 @@ public:
     /// Reads the number, not a name, as an unsigned one whose bits are taken.
     bool SetValFromStream(std::istream& in, std::ostream& out,
                           boost::intrusive_ptr<InfoBase const> const& info) override;
-    void DumpVal(std::ostream& os) const override;
     std::ostream& operator<<(std::ostream& os) const override;
-
-private:
-    int m_value = 0;
 };
 
 } // namespace Legacy::If

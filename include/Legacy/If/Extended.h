@@ -2,6 +2,7 @@
 
 #include <Legacy/If/Export.h>
 #include <Legacy/If/Family.h>
+#include <Legacy/If/ValueItem.h>
 
 #include <memory>
 #include <string>
@@ -41,26 +42,20 @@ private:
 };
 
 /// Value that is a pair of texts. It lives in memory alone: it has no serial form and no text form.
-class LEGACY_IF_API ExtendedItem : public ItemFamily<ExtendedItem, IfType_t::Extended>
+class LEGACY_IF_API ExtendedItem
+    : public ValueItem<ExtendedItem, IfType_t::Extended, std::pair<std::string, std::string>>
 {
 public:
     explicit ExtendedItem(unsigned int id); ///< two empty texts
 
-    /// A value with those texts. The caller owns it: count 0.
-    static ExtendedItem* Create(unsigned int id, std::pair<std::string, std::string> const& value);
-
-    using ItemFamily::DeepCopy;
+    using ValueItem::DeepCopy;
     ExtendedItem* DeepCopy(unsigned int id) const override;
 
-    std::pair<std::string, std::string> GetVal() const { return m_value; }
-    std::pair<std::string, std::string>& Val() noexcept { return m_value; }
-    std::pair<std::string, std::string> const& Val() const noexcept { return m_value; }
-    void SetVal(std::pair<std::string, std::string> const& value) { m_value = value; }
+    using ValueItem::SetVal;
     /// The same: the schema has nothing to say.
     void SetVal(std::pair<std::string, std::string> const& value, ExtendedInfo const& info);
 
     bool IsEmpty() const override; ///< the first text has no bytes; the second does not count
-    bool IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const override;
     /// From a value of the same family: both texts.
     int AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index,
                          bool* changed) override;
@@ -82,9 +77,6 @@ public:
     void DumpVal(std::ostream& os) const override;
     /// Prints nothing.
     std::ostream& operator<<(std::ostream& os) const override;
-
-private:
-    std::pair<std::string, std::string> m_value;
 };
 
 } // namespace Legacy::If

@@ -9,6 +9,13 @@
 
 namespace Legacy::If {
 
+namespace Detail {
+
+/// The dump of a value whose third line is its compact form.
+LEGACY_IF_API void DumpValue(std::ostream& os, ItemBase const& item);
+
+} // namespace Detail
+
 /// What the schemas of all families say alike: the two tags and the short copies. `Self` is the family's own class.
 template<typename Self, IfType_t Type, NumericType_t Element = NumericType_t::Undefined>
 class LEGACY_IF_API InfoFamily : public InfoBase
@@ -45,7 +52,8 @@ private:
     Self const& Derived_() const noexcept { return static_cast<Self const&>(*this); }
 };
 
-/// What the values of all families say alike: the two tags and the short copy. `Self` is the family's own class.
+/// What the values of all families say alike: the two tags, the short copy and the dump of most. `Self` is the family's
+/// own class.
 template<typename Self, IfType_t Type, NumericType_t Element = NumericType_t::Undefined>
 class LEGACY_IF_API ItemFamily : public ItemBase
 {
@@ -60,6 +68,9 @@ public:
     /// A copy under the own id. The caller owns it: count 0.
     Self* DeepCopy() const { return Derived_().DeepCopy(GetId()); }
     using ItemBase::DeepCopy;
+
+    /// Prints id, type and what the virtual `operator<<` prints.
+    void DumpVal(std::ostream& os) const override { Detail::DumpValue(os, *this); }
 
 protected:
     /// A new object of the family's class under the given id that takes over all that the family declares.

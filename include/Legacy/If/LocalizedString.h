@@ -109,7 +109,6 @@ public:
     /// Always false: a message cannot be read from text, and `out` is told so.
     bool SetValFromStream(std::istream& in, std::ostream& out,
                           boost::intrusive_ptr<InfoBase const> const& info) override;
-    void DumpVal(std::ostream& os) const override;
     /// Prints the message in the default language.
     std::ostream& operator<<(std::ostream& os) const override;
 

@@ -2,6 +2,7 @@
 
 #include <Legacy/If/Export.h>
 #include <Legacy/If/Family.h>
+#include <Legacy/If/ValueItem.h>
 
 #include <memory>
 #include <string>
@@ -56,9 +57,9 @@ private:
 /// The families #AddrItem, #EndpointItem and #AppEndpointItem are its instances. `IsEmpty` is always false, also for an
 /// unspecified value.
 template<class Family>
-class LEGACY_IF_API NetItem : public ItemFamily<NetItem<Family>, Family::k_type>
+class LEGACY_IF_API NetItem : public ValueItem<NetItem<Family>, Family::k_type, typename Family::Value>
 {
-    using Base = ItemFamily<NetItem, Family::k_type>;
+    using Base = ValueItem<NetItem, Family::k_type, typename Family::Value>;
 
 public:
     using Value = typename Family::Value;
@@ -67,21 +68,13 @@ public:
 
     explicit NetItem(unsigned int id); ///< the value type's default
 
-    /// A new value. The caller owns it: count 0.
-    static NetItem* Create(unsigned int id, Value const& value);
-
     using Base::DeepCopy;
     NetItem* DeepCopy(unsigned int id) const override;
 
-    Value GetVal() const { return m_value; }
-    Value& Val() noexcept { return m_value; }
-    Value const& Val() const noexcept { return m_value; }
-    void SetVal(Value const& value) { m_value = value; }
+    using Base::SetVal;
     /// The same: the schema has nothing to say.
-    void SetVal(Value const& value, NetInfo<Family> const&) { m_value = value; }
+    void SetVal(Value const& value, NetInfo<Family> const&) { SetVal(value); }
 
-    /// Equal types and values; application endpoints are compared exactly, by `==`.
-    bool IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const override;
     /// From a value of the same family; `index` is ignored.
     int AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index,
                          bool* changed) override;
@@ -103,11 +96,10 @@ public:
     /// schema's default, and the address group becomes 0. Without an #AppEndpointInfo it returns false and stays.
     bool SetValFromStream(std::istream& in, std::ostream& out,
                           boost::intrusive_ptr<InfoBase const> const& info) override;
-    void DumpVal(std::ostream& os) const override;
     std::ostream& operator<<(std::ostream& os) const override;
 
 private:
-    Value m_value;
+    using Base::m_value;
 };
 
 } // namespace Legacy::If

@@ -3,6 +3,7 @@
 #include <Legacy/If/Export.h>
 #include <Legacy/If/Family.h>
 #include <Legacy/If/NumericTraits.h>
+#include <Legacy/If/ValueItem.h>
 
 #include <memory>
 #include <string>
@@ -59,25 +60,20 @@ private:
 
 /// Value of a parameter that is a number.
 template<typename T>
-class LEGACY_IF_API NumericItem : public ItemFamily<NumericItem<T>, IfType_t::Numeric, T::k_numericType>
+class LEGACY_IF_API NumericItem
+    : public ValueItem<NumericItem<T>, IfType_t::Numeric, typename T::T, T::k_numericType, NumericEqual<T>>
 {
-    using Family = ItemFamily<NumericItem<T>, IfType_t::Numeric, T::k_numericType>;
+    using Family = ValueItem<NumericItem<T>, IfType_t::Numeric, typename T::T, T::k_numericType, NumericEqual<T>>;
 
 public:
     using Element = typename T::T; ///< the type of the number
 
     explicit NumericItem(unsigned int id); ///< 0
 
-    /// A value with that number, whatever any schema says. The caller owns it: count 0.
-    static NumericItem* Create(unsigned int id, Element const& value);
-
     using Family::DeepCopy;
     NumericItem* DeepCopy(unsigned int id) const override;
 
-    Element GetVal() const noexcept { return m_value; }
-    Element& Val() noexcept { return m_value; } ///< no bound is applied
-    Element const& Val() const noexcept { return m_value; }
-    void SetVal(Element value) noexcept { m_value = value; }
+    using Family::SetVal;
     /// Stores the value if it lies within the bounds and the schema's default otherwise; nothing is cut to a bound.
     void SetVal(Element value, NumericInfo<T> const& info) noexcept;
     /// Moves a value that lies beyond a bound to that bound.
@@ -85,8 +81,6 @@ public:
     /// Whether the value is neither below the least nor above the greatest; true for a NaN.
     bool WithinBounds(NumericInfo<T> const& info) const noexcept;
 
-    /// Equal types and values, within the tolerance for floating-point types.
-    bool IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const override;
     /// From a boolean (1 or 0), a number or an enumeration value, or the element at `index` of a list of numbers, whose
     /// end is #IfErrInvalidArgument. The number is converted, never cut to a bound. A floating-point difference within
     /// the tolerance is stored and not told as a change.
@@ -112,9 +106,7 @@ public:
     std::ostream& operator<<(std::ostream& os) const override;
 
 private:
-    bool IsEqualVal_(Element value) const noexcept { return T::Equal(m_value, value); }
-
-    Element m_value;
+    using Family::m_value;
 };
 
 extern template class NumericInfo<U8Traits>;

@@ -1,9 +1,8 @@
 #pragma once
 
+#include <Legacy/If/Array.h>
 #include <Legacy/If/Export.h>
-#include <Legacy/If/Family.h>
 #include <Legacy/If/NumericTraits.h>
-#include <Legacy/If/SizeBounds.h>
 
 #include <cstddef>
 #include <memory>
@@ -19,10 +18,14 @@ class LEGACY_IF_API RectArrayInfo;
 
 /// Schema of a list of numbers: how many there may be, a least and a greatest value for each, all inclusive, and a
 /// default. `T` is one of the ten traits. The values of the default are not looked at.
+///
+/// Contract: the element bounds take no part in `IsEqualBounds` and `MergeBounds`, for any element type: callers take
+/// schemas for interchangeable that differ in them alone.
 template<typename T>
-class LEGACY_IF_API NumericArrayInfo : public InfoFamily<NumericArrayInfo<T>, IfType_t::NumericArray, T::k_numericType>
+class LEGACY_IF_API NumericArrayInfo
+    : public ArrayInfo<NumericArrayInfo<T>, IfType_t::NumericArray, typename T::T, T::k_numericType>
 {
-    using Family = InfoFamily<NumericArrayInfo<T>, IfType_t::NumericArray, T::k_numericType>;
+    using Family = ArrayInfo<NumericArrayInfo, IfType_t::NumericArray, typename T::T, T::k_numericType>;
 
 public:
     using Element = typename T::T; ///< the type of a number
@@ -37,31 +40,13 @@ public:
     NumericArrayInfo* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const override;
     ItemBase* CreateItem() const override;
 
-    std::vector<Element> const& GetDefault() const noexcept { return m_default; }
-    unsigned int GetDefaultSize() const noexcept { return static_cast<unsigned int>(m_default.size()); }
-    unsigned int GetMinSize() const noexcept { return m_size.Min(); }
-    unsigned int GetMaxSize() const noexcept { return m_size.Max(); }
     Element GetMin() const noexcept { return m_min; }
     Element GetMax() const noexcept { return m_max; }
     /// Stores the least value; a smaller greatest value is raised to it.
     void SetMin(Element value) noexcept;
     /// Stores the greatest value; a greater least value is lowered to it.
     void SetMax(Element value) noexcept;
-    /// Pushes the greatest size along, and fills a default that is not empty up with zeros. Always 0.
-    int SetMinSize(unsigned int n);
-    /// Pushes the least size along, and cuts a longer default. Always 0.
-    int SetMaxSize(unsigned int n);
-    /// @return 0; #IfErrSizeOutOfRange, and nothing stored, for a list outside the sizes.
-    int SetDefault(std::vector<Element> const& list);
 
-    /// Equal types and sizes.
-    ///
-    /// Contract: the element bounds are not compared, for any element type: callers take schemas for interchangeable
-    /// that differ in them.
-    bool IsEqualBounds(boost::intrusive_ptr<InfoBase const> const& other) const override;
-    /// Narrows the sizes; element bounds and default stay.
-    /// @return 0; #IfErrBoundsTypeMismatch; #IfErrBoundsDisjoint with nothing changed.
-    int MergeBounds(boost::intrusive_ptr<InfoBase const> const& other) override;
     /// From a schema of a list of numbers of any element type: default, sizes and element bounds, converted. A
     /// floating-point difference within the tolerance is stored and not told as a change.
     ///
@@ -78,19 +63,20 @@ public:
 private:
     int AssignRects_(RectArrayInfo<U16Traits> const& schema, bool* changed);
 
-    SizeBounds m_size;
+    using Family::m_default;
+    using Family::m_size;
+
     Element m_max;
     Element m_min;
-    std::vector<Element> m_default;
-
-    friend class NumericArrayItem<T>;
 };
 
 /// Value of a parameter that is a list of numbers.
 template<typename T>
-class LEGACY_IF_API NumericArrayItem : public ItemFamily<NumericArrayItem<T>, IfType_t::NumericArray, T::k_numericType>
+class LEGACY_IF_API NumericArrayItem
+    : public ArrayItem<NumericArrayItem<T>, IfType_t::NumericArray, typename T::T, T::k_numericType, NumericEqual<T>>
 {
-    using Family = ItemFamily<NumericArrayItem<T>, IfType_t::NumericArray, T::k_numericType>;
+    using Family =
+        ArrayItem<NumericArrayItem, IfType_t::NumericArray, typename T::T, T::k_numericType, NumericEqual<T>>;
 
 public:
     using Element = typename T::T; ///< the type of a number
@@ -100,18 +86,6 @@ public:
     using Family::DeepCopy;
     NumericArrayItem* DeepCopy(unsigned int id) const override;
 
-    unsigned int GetSize() const noexcept { return static_cast<unsigned int>(m_value.size()); }
-    std::vector<Element> GetVal() const { return m_value; }
-    std::vector<Element>& Val() noexcept { return m_value; } ///< no bound is applied
-    std::vector<Element> const& Val() const noexcept { return m_value; }
-    void SetVal(std::vector<Element> const& value) { m_value = value; }
-    /// The values of the elements are not looked at.
-    /// @return 0; #IfErrSizeOutOfRange, and nothing stored, for a list outside the schema's sizes.
-    int SetVal(std::vector<Element> const& value, NumericArrayInfo<T> const& info);
-
-    bool IsEmpty() const override; ///< there are no elements
-    /// Equal types, sizes and elements, within the tolerance for floating-point types.
-    bool IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const override;
     /// From a boolean (1 or 0), a number or an enumeration value, into the element at `index`: the list grows to hold
     /// it, with zeros before it. From a list of numbers as a whole, with `index` ignored. From a rectangle, into the
     /// four elements from `index` on, and from a list of rectangles as a whole, both in the order of RectItem::Flat and
@@ -136,7 +110,6 @@ public:
     /// Reads a count and that many numbers, 8-bit ones with the low byte kept; on failure the list stays as it was.
     bool SetValFromStream(std::istream& in, std::ostream& out,
                           boost::intrusive_ptr<InfoBase const> const& info) override;
-    void DumpVal(std::ostream& os) const override;
     std::ostream& operator<<(std::ostream& os) const override;
 
 private:
@@ -146,7 +119,7 @@ private:
     template<typename Rect>
     bool AssignRect_(std::size_t index, Rect const& rect) noexcept;
 
-    std::vector<Element> m_value;
+    using Family::m_value;
 };
 
 extern template class NumericArrayInfo<U8Traits>;

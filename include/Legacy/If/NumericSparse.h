@@ -4,6 +4,7 @@
 #include <Legacy/If/Export.h>
 #include <Legacy/If/Family.h>
 #include <Legacy/If/NumericTraits.h>
+#include <Legacy/If/ValueItem.h>
 
 #include <memory>
 #include <string>
@@ -71,30 +72,23 @@ private:
 /// Value of a parameter that is a number out of a table. It may at any time lie outside the table.
 template<typename T>
 class LEGACY_IF_API NumericSparseItem
-    : public ItemFamily<NumericSparseItem<T>, IfType_t::NumericSparse, T::k_numericType>
+    : public ValueItem<NumericSparseItem<T>, IfType_t::NumericSparse, typename T::T, T::k_numericType, NumericEqual<T>>
 {
-    using Family = ItemFamily<NumericSparseItem<T>, IfType_t::NumericSparse, T::k_numericType>;
+    using Family =
+        ValueItem<NumericSparseItem<T>, IfType_t::NumericSparse, typename T::T, T::k_numericType, NumericEqual<T>>;
 
 public:
     using Element = typename T::T; ///< the type of the number
 
     explicit NumericSparseItem(unsigned int id); ///< 0
 
-    /// A value with that number, whatever any schema says. The caller owns it: count 0.
-    static NumericSparseItem* Create(unsigned int id, Element const& value);
-
     using Family::DeepCopy;
     NumericSparseItem* DeepCopy(unsigned int id) const override;
 
-    Element GetVal() const noexcept { return m_value; }
-    Element& Val() noexcept { return m_value; } ///< no table is consulted
-    Element const& Val() const noexcept { return m_value; }
-    void SetVal(Element value) noexcept { m_value = value; }
+    using Family::SetVal;
     /// Stores a value of the table, and the schema's default for any other.
     void SetVal(Element value, NumericSparseInfo<T> const& info) noexcept;
 
-    /// Equal types and values, within the tolerance for floating-point types.
-    bool IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const override;
     /// From a value of this family of any element type, converted; `index` is ignored. A floating-point difference
     /// within the tolerance is stored and not told as a change.
     int AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index,
@@ -116,9 +110,7 @@ public:
     std::ostream& operator<<(std::ostream& os) const override;
 
 private:
-    bool IsEqualVal_(Element value) const noexcept { return T::Equal(m_value, value); }
-
-    Element m_value;
+    using Family::m_value;
 };
 
 extern template class NumericSparseInfo<U8Traits>;

@@ -3,10 +3,12 @@
 #include <Legacy/If/Export.h>
 #include <Legacy/If/IfType.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <limits>
 #include <type_traits>
+#include <vector>
 
 namespace Legacy::If {
 
@@ -73,6 +75,19 @@ struct LEGACY_IF_API FloatTraits : NumericTraitsBase<float, NumericType_t::Float
 struct LEGACY_IF_API DoubleTraits : NumericTraitsBase<double, NumericType_t::Double>
 {};
 /// @}
+
+/// Equality of numbers, and of lists number by number, in the sense of the traits.
+template<typename Traits>
+struct LEGACY_IF_API NumericEqual
+{
+    using T = typename Traits::T;
+
+    bool operator()(T a, T b) const noexcept { return Traits::Equal(a, b); }
+    bool operator()(std::vector<T> const& a, std::vector<T> const& b) const noexcept
+    {
+        return std::equal(a.begin(), a.end(), b.begin(), b.end(), Traits::Equal);
+    }
+};
 
 static_assert(std::numeric_limits<float>::is_iec559 && std::numeric_limits<double>::is_iec559,
               "values and records rest on IEEE 754");

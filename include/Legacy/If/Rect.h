@@ -4,6 +4,7 @@
 #include <Legacy/If/Export.h>
 #include <Legacy/If/Family.h>
 #include <Legacy/If/OwnedPart.h>
+#include <Legacy/If/PairInfo.h>
 
 #include <array>
 #include <memory>
@@ -17,9 +18,9 @@ namespace Legacy::If {
 /// The corners are objects of their own, always there and never shared with another rectangle. Whatever is done with a
 /// rectangle is done with the top left corner and then with the bottom right one.
 template<typename T>
-class LEGACY_IF_API RectInfo : public InfoFamily<RectInfo<T>, IfType_t::Rectangle, T::k_numericType>
+class LEGACY_IF_API RectInfo : public PairInfo<RectInfo<T>, IfType_t::Rectangle, CoordinateInfo<T>, T::k_numericType>
 {
-    using Family = InfoFamily<RectInfo<T>, IfType_t::Rectangle, T::k_numericType>;
+    using Family = PairInfo<RectInfo, IfType_t::Rectangle, CoordinateInfo<T>, T::k_numericType>;
 
 public:
     using Corner = CoordinateInfo<T>;
@@ -32,16 +33,11 @@ public:
     RectInfo* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const override;
     ItemBase* CreateItem() const override;
 
-    boost::intrusive_ptr<Corner> const& TopLeft() noexcept { return m_topLeft.Get(); }
-    boost::intrusive_ptr<Corner> const& BottomRight() noexcept { return m_bottomRight.Get(); }
-    boost::intrusive_ptr<Corner const> TopLeft() const noexcept { return m_topLeft.Get(); }
-    boost::intrusive_ptr<Corner const> BottomRight() const noexcept { return m_bottomRight.Get(); }
+    boost::intrusive_ptr<Corner> const& TopLeft() noexcept { return m_first.Get(); }
+    boost::intrusive_ptr<Corner> const& BottomRight() noexcept { return m_second.Get(); }
+    boost::intrusive_ptr<Corner const> TopLeft() const noexcept { return m_first.Get(); }
+    boost::intrusive_ptr<Corner const> BottomRight() const noexcept { return m_second.Get(); }
 
-    /// Equal types and bounds of both corners.
-    bool IsEqualBounds(boost::intrusive_ptr<InfoBase const> const& other) const override;
-    /// Narrows the corners in order. What was narrowed before a failure stays so.
-    /// @return 0; #IfErrBoundsTypeMismatch; #IfErrBoundsDisjoint.
-    int MergeBounds(boost::intrusive_ptr<InfoBase const> const& other) override;
     /// From a rectangle's schema of any element type: default and bounds of both corners, converted.
     int AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed) override;
 
@@ -50,11 +46,10 @@ public:
     std::ostream& operator<<(std::ostream& os) const override;
 
 private:
-    RectInfo(unsigned int id, std::string const& name, Permission_t const& permission, OwnedPart<Corner> const& topLeft,
-             OwnedPart<Corner> const& bottomRight);
+    RectInfo(unsigned int id, std::string const& name, Permission_t const& permission, RectInfo const& other);
 
-    OwnedPart<Corner> m_topLeft;
-    OwnedPart<Corner> m_bottomRight;
+    using Family::m_first;
+    using Family::m_second;
 };
 
 /// Value of a parameter that is a rectangle with sides along the axes. Both corners belong to it, as with pixels.
@@ -122,7 +117,6 @@ public:
     /// Reads the four numbers in flat order. What was read before a failure stays.
     bool SetValFromStream(std::istream& in, std::ostream& out,
                           boost::intrusive_ptr<InfoBase const> const& info) override;
-    void DumpVal(std::ostream& os) const override;
     std::ostream& operator<<(std::ostream& os) const override;
 
 private:

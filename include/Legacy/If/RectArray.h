@@ -4,6 +4,7 @@
 #include <Legacy/If/Export.h>
 #include <Legacy/If/Family.h>
 #include <Legacy/If/OwnedPart.h>
+#include <Legacy/If/PairInfo.h>
 #include <Legacy/If/Rect.h>
 #include <Legacy/If/SizeBounds.h>
 
@@ -18,10 +19,14 @@ namespace Legacy::If {
 /// bottom right corners. There is no default. The element type is that of `U16Traits` alone.
 ///
 /// The corners are objects of their own, always there and never shared with another schema.
+///
+/// Contract: the sizes take no part in `IsEqualBounds` and `MergeBounds`. Callers share the bounds of regions between
+/// lists of different lengths.
 template<typename T>
-class LEGACY_IF_API RectArrayInfo : public InfoFamily<RectArrayInfo<T>, IfType_t::RectArray, T::k_numericType>
+class LEGACY_IF_API RectArrayInfo
+    : public PairInfo<RectArrayInfo<T>, IfType_t::RectArray, CoordinateInfo<T>, T::k_numericType>
 {
-    using Family = InfoFamily<RectArrayInfo<T>, IfType_t::RectArray, T::k_numericType>;
+    using Family = PairInfo<RectArrayInfo, IfType_t::RectArray, CoordinateInfo<T>, T::k_numericType>;
 
 public:
     using Corner = CoordinateInfo<T>;
@@ -40,21 +45,15 @@ public:
 
     unsigned int GetMinSize() const noexcept { return m_size.Min(); }
     unsigned int GetMaxSize() const noexcept { return m_size.Max(); }
-    int SetMinSize(unsigned int n); ///< Pushes the greatest size along. Always 0.
-    int SetMaxSize(unsigned int n); ///< Pushes the least size along. Always 0.
+    SizeBounds const& Sizes() const noexcept { return m_size; } ///< the least and the greatest size
+    int SetMinSize(unsigned int n);                             ///< Pushes the greatest size along. Always 0.
+    int SetMaxSize(unsigned int n);                             ///< Pushes the least size along. Always 0.
 
-    boost::intrusive_ptr<Corner> const& TopLeft() noexcept { return m_topLeft.Get(); }
-    boost::intrusive_ptr<Corner> const& BottomRight() noexcept { return m_bottomRight.Get(); }
-    boost::intrusive_ptr<Corner const> TopLeft() const noexcept { return m_topLeft.Get(); }
-    boost::intrusive_ptr<Corner const> BottomRight() const noexcept { return m_bottomRight.Get(); }
+    boost::intrusive_ptr<Corner> const& TopLeft() noexcept { return m_first.Get(); }
+    boost::intrusive_ptr<Corner> const& BottomRight() noexcept { return m_second.Get(); }
+    boost::intrusive_ptr<Corner const> TopLeft() const noexcept { return m_first.Get(); }
+    boost::intrusive_ptr<Corner const> BottomRight() const noexcept { return m_second.Get(); }
 
-    /// Equal types and bounds of both corners.
-    ///
-    /// Contract: the sizes are not compared. Callers share the bounds of regions between lists of different lengths.
-    bool IsEqualBounds(boost::intrusive_ptr<InfoBase const> const& other) const override;
-    /// Narrows the corners in order; the sizes take no part. What was narrowed before a failure stays so.
-    /// @return 0; #IfErrBoundsTypeMismatch; #IfErrBoundsDisjoint.
-    int MergeBounds(boost::intrusive_ptr<InfoBase const> const& other) override;
     /// From a schema of a list of rectangles: corners and sizes. From a schema of a list of numbers, four to a
     /// rectangle: sizes, and with a default of four numbers the corners' defaults.
     ///
@@ -74,11 +73,8 @@ private:
     int AssignNumbers_(Schema const& schema, bool* changed);
 
     SizeBounds m_size;
-    OwnedPart<Corner> m_topLeft;
-    OwnedPart<Corner> m_bottomRight;
-
-    template<typename>
-    friend class RectArrayItem;
+    using Family::m_first;
+    using Family::m_second;
 };
 
 /// Value of a parameter that is a list of rectangles, each held by value with the id 0.
@@ -136,7 +132,6 @@ public:
     /// @throws std::length_error for a count above 214748364
     bool SetValFromStream(std::istream& in, std::ostream& out,
                           boost::intrusive_ptr<InfoBase const> const& info) override;
-    void DumpVal(std::ostream& os) const override;
     std::ostream& operator<<(std::ostream& os) const override;
 
 private:

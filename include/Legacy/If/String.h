@@ -2,6 +2,7 @@
 
 #include <Legacy/If/Export.h>
 #include <Legacy/If/Family.h>
+#include <Legacy/If/ValueItem.h>
 
 #include <memory>
 #include <string>
@@ -49,26 +50,19 @@ private:
 };
 
 /// Value of a text parameter.
-class LEGACY_IF_API StringItem : public ItemFamily<StringItem, IfType_t::String>
+class LEGACY_IF_API StringItem : public ValueItem<StringItem, IfType_t::String, std::string>
 {
 public:
     explicit StringItem(unsigned int id); ///< empty
 
-    /// A value with that text, whatever any schema says. The caller owns it: count 0.
-    static StringItem* Create(unsigned int id, std::string const& value);
-
-    using ItemFamily::DeepCopy;
+    using ValueItem::DeepCopy;
     StringItem* DeepCopy(unsigned int id) const override;
 
-    std::string GetVal() const { return m_value; }
-    std::string& Val() noexcept { return m_value; } ///< no bound is applied
-    std::string const& Val() const noexcept { return m_value; }
-    void SetVal(std::string const& value) { m_value = value; }
+    using ValueItem::SetVal;
     /// Stores the text, cut to the schema's greatest length, also to 0.
     void SetVal(std::string const& value, StringInfo const& info);
 
     bool IsEmpty() const override; ///< the text has no bytes
-    bool IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const override;
     /// From a boolean ("True" or "False"), a text, or the element at `index` of a list of texts, whose end is
     /// #IfErrInvalidArgument.
     int AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index,
@@ -85,11 +79,7 @@ public:
     /// read, and a failed read leaves an empty text. Nothing is written to `out`.
     bool SetValFromStream(std::istream& in, std::ostream& out,
                           boost::intrusive_ptr<InfoBase const> const& info) override;
-    void DumpVal(std::ostream& os) const override;
     std::ostream& operator<<(std::ostream& os) const override;
-
-private:
-    std::string m_value;
 };
 
 } // namespace Legacy::If

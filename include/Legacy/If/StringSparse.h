@@ -3,6 +3,7 @@
 #include <Legacy/If/AllowedValues.h>
 #include <Legacy/If/Export.h>
 #include <Legacy/If/Family.h>
+#include <Legacy/If/ValueItem.h>
 
 #include <memory>
 #include <string>
@@ -54,25 +55,18 @@ private:
 };
 
 /// Value of a parameter that is a text out of a list. It never counts as empty, not even with an empty text.
-class LEGACY_IF_API StringSparseItem : public ItemFamily<StringSparseItem, IfType_t::StringSparse>
+class LEGACY_IF_API StringSparseItem : public ValueItem<StringSparseItem, IfType_t::StringSparse, std::string>
 {
 public:
     explicit StringSparseItem(unsigned int id); ///< an empty text
 
-    /// A value with that text, whatever any schema says. The caller owns it: count 0.
-    static StringSparseItem* Create(unsigned int id, std::string const& value);
-
-    using ItemFamily::DeepCopy;
+    using ValueItem::DeepCopy;
     StringSparseItem* DeepCopy(unsigned int id) const override;
 
-    std::string GetVal() const { return m_value; }
-    std::string& Val() noexcept { return m_value; } ///< the list is not looked at
-    std::string const& Val() const noexcept { return m_value; }
-    void SetVal(std::string const& value) { m_value = value; }
+    using ValueItem::SetVal;
     /// Stores the text if the schema lists it and the schema's default otherwise; the caller is not told which.
     void SetVal(std::string const& value, StringSparseInfo const& info);
 
-    bool IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const override;
     /// From a value of the same family.
     int AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index,
                          bool* changed) override;
@@ -93,11 +87,7 @@ public:
     /// Reads one word, listed or not.
     bool SetValFromStream(std::istream& in, std::ostream& out,
                           boost::intrusive_ptr<InfoBase const> const& info) override;
-    void DumpVal(std::ostream& os) const override;
     std::ostream& operator<<(std::ostream& os) const override;
-
-private:
-    std::string m_value;
 };
 
 } // namespace Legacy::If
