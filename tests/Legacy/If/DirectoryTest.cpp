@@ -249,45 +249,39 @@ TEST(Delta, KeepsFirstEntriesAndSharesHolders)
     EXPECT_EQ(copy.GetItemHolderPtrMap_addMod().at(7), item);
 }
 
-struct DeltaTest : testing::Test
+/// Two sections, and three parameters in the first of them.
+std::shared_ptr<InfoItemDirectoryDelta> MakeDelta(boost::intrusive_ptr<InfoHolder> const& second)
 {
-    DeltaTest()
-    {
-        delta->AddSection(SectionId("a", 0x00FFFFFF));
-        delta->AddSection(SectionId("a/b", 0x4003FFFF));
+    auto const delta = std::make_shared<InfoItemDirectoryDelta>();
+    delta->AddSection(SectionId("a/b", 0x4003FFFF));
+    delta->AddSection(SectionId("a", 0x00FFFFFF));
+    for (auto const& info : {Schema(3, "3"), second, Schema(1, "1")}) {
+        delta->AddInfo(info);
+        delta->AddItem(Value(info->GetInfo()->GetId()));
     }
+    return delta;
+}
 
+TEST(Delta, AppliesWhatIsAskedForInOrder)
+{
     Directory directory;
-    std::shared_ptr<InfoItemDirectoryDelta> delta = std::make_shared<InfoItemDirectoryDelta>();
-};
-
-TEST_F(DeltaTest, AppliesWhatIsAskedForInOrder)
-{
+    auto const delta = MakeDelta(Schema(2, "2"));
     EXPECT_EQ(directory.UpdateFromDelta(nullptr, true, true), IfErrNullArgument);
-    for (unsigned int const id : {2U, 1U}) {
-        delta->AddInfo(Schema(id, std::to_string(id)));
-        delta->AddItem(Value(id));
-    }
     EXPECT_EQ(directory.UpdateFromDelta(delta, false, false), 0);
     EXPECT_TRUE(directory.FindSection("a/b").IsValid());
-    EXPECT_TRUE(directory.Empty());
     EXPECT_EQ(directory.UpdateFromDelta(delta, false, true), IfErrNotFound);
+    EXPECT_TRUE(directory.Empty());
     EXPECT_EQ(directory.UpdateFromDelta(delta, true, false), 0);
-    EXPECT_EQ(directory.FindItem(1U), nullptr);
     EXPECT_EQ(directory.UpdateFromDelta(delta, true, true), 0);
-    EXPECT_EQ(directory.UpdateFromDelta(std::make_shared<InfoItemDirectoryDelta>(), true, true), 0);
-    EXPECT_EQ(directory.log, (Texts{"add info1", "add info2", "set info1", "set info2", "add item1", "add item2"}));
+    EXPECT_EQ(directory.log, (Texts{"add info1", "add info2", "add info3", "set info1", "set info2", "set info3",
+                                    "add item1", "add item2", "add item3"}));
     EXPECT_EQ(directory.FindInfo(2U), delta->GetInfoHolderPtrMap_addMod().at(2));
 }
 
-TEST_F(DeltaTest, StopsAtWhatIsRefusedWithAllBeforeItApplied)
+TEST(Delta, StopsAtWhatIsRefusedWithAllBeforeItApplied)
 {
-    delta->AddSection(SectionId("a/c", 0x4007FFFF));
-    for (unsigned int const id : {1U, 2U, 3U})
-        delta->AddInfo(Schema(id, std::to_string(id)));
-    delta->AddItem(Value(1));
-    delta->AddItem(Value<StringArrayItem>(2));
-    delta->AddItem(Value(3));
+    auto const delta = MakeDelta(Schema<StringArrayInfo>(2, "2")); // whose value is none of that schema
+    Directory directory;
     EXPECT_EQ(directory.UpdateFromDelta(delta, true, true), IfErrInvalidArgument);
     EXPECT_EQ(directory.log, (Texts{"add info1", "add info2", "add info3", "add item1"}));
 
@@ -297,14 +291,11 @@ TEST_F(DeltaTest, StopsAtWhatIsRefusedWithAllBeforeItApplied)
     EXPECT_EQ(named.UpdateFromDelta(delta, true, true), IfErrInvalidArgument);
     EXPECT_EQ(named.log, (Texts{"add info2", "add info1"}));
 
-    Directory taken;
-    EXPECT_EQ(taken.AddSection(SectionId("a/z", 0x4007FFFF)), 0);
-    EXPECT_EQ(taken.UpdateFromDelta(delta, true, true), IfErrAlreadyExists);
-    EXPECT_TRUE(taken.FindSection("a/b").IsValid());
-    EXPECT_TRUE(taken.Empty());
-
     EXPECT_EQ(delta->AddSection(SectionId()), 0); // which the directory refuses, after all others
-    EXPECT_EQ(Directory().UpdateFromDelta(delta, true, true), IfErrInvalidArgument);
+    InfoItemDirectory fresh;
+    EXPECT_EQ(fresh.UpdateFromDelta(delta, true, true), IfErrInvalidArgument);
+    EXPECT_TRUE(fresh.FindSection("a/b").IsValid());
+    EXPECT_TRUE(fresh.Empty());
 }
 
 } // namespace

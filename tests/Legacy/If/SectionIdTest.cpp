@@ -45,11 +45,9 @@ TEST(InfoItemSectionId, PacksLevelsAndItems)
             EXPECT_EQ(item.GetSectionId(level), exists ? rows[level - 1].section : k_none) << level;
             EXPECT_EQ(item.GetSubsectionId(level), exists ? rows[level - 1].sub : 0xFF) << level;
         }
-        EXPECT_TRUE(item < id && (depth == 1 || Id(rows[depth - 2].section) <= item));
     }
     EXPECT_EQ(Id(rows[3].section).CreateSectionId(1), k_none);
     EXPECT_EQ(Id(0x05000123).GetInfoItemSubsectionId(), 0x23); // cut to eight bits
-    EXPECT_TRUE(Id(1) < 2U && 1 == Id(1));                     // no ambiguity between the two conversions
 }
 
 TEST(InfoItemSectionId, TellsItsClassByItsDeepestLevel)
@@ -87,12 +85,10 @@ TEST(SectionId, CutsPathsIntoLevels)
         Texts levels;   // the name of each
         Texts prefixes; // the path down to each
     } const rows[] = {
-        {"a", {"a"}, {"a"}},
         {"/a/b/c", {"a", "b", "c"}, {"/a", "/a/b", "/a/b/c"}},
         {"a/", {"a", ""}, {"a", "a/"}},
         {"/", {""}, {"/"}},
         {"a//b", {"a", "", "b"}, {"a", "a/", "a//b"}},
-        {"//", {"", ""}, {"/", "//"}},
         {"a/b/c/d/e", {"a", "b", "c", "d/e"}, {"a", "a/b", "a/b/c", "a/b/c/d/e"}},
         {"/a/b/c/d/", {"a", "b", "c", "d/"}, {"/a", "/a/b", "/a/b/c", "/a/b/c/d/"}},
     };
@@ -148,13 +144,11 @@ TEST(SectionId, OrdersByIdThenByPath)
 TEST(SectionKey, OrdersAndHashesByItsParts)
 {
     ExpectAscending<SectionId_t>({{0, "b"}, {1, ""}, {1, "a"}, {1, "b"}, {0xFFFFFFFF, ""}});
-    SectionId_t const key(3, "xyz");
-    SectionId_t const early(key);
     std::string const text = "xyz";
     auto const expected = static_cast<unsigned int>(boost::hash_range(text.begin(), text.end())) + 3;
-    EXPECT_EQ(key.hash_value(), expected);
-    EXPECT_EQ(key.hash_value(), expected);
-    EXPECT_EQ(boost::hash<SectionId_t>()(early), std::size_t{expected});
+    SectionId_t const key(3, text);
+    for (int pass = 0; pass < 2; ++pass) // anew, and as it was kept
+        EXPECT_EQ(boost::hash<SectionId_t>()(key), std::size_t{expected});
 }
 
 struct PlainSection : Section
