@@ -94,20 +94,23 @@ private:
     }
 };
 
-SectionId Added(InfoItemDirectory& directory, std::string const& path)
+/// Enters a parameter, and its section if need be; its id.
+unsigned int Enter(InfoItemDirectory& directory, std::string const& path, std::string const& name, unsigned int number)
 {
     SectionId section;
     directory.AddSection(path, section);
-    return section;
+    unsigned int const id = section.GetInfoItemSectionId().CreateInfoItemId(number);
+    EXPECT_EQ(directory.AddInfo(Schema(id, name)), 0);
+    return id;
 }
 
 TEST(Directory, FollowsAParametersLife)
 {
     Directory directory;
-    Id const section = Added(directory, "a/b").GetInfoItemSectionId();
-    Id const id = section.CreateInfoItemId(3);
-    Id const other = section.CreateInfoItemId(4);
+    EXPECT_EQ(directory.AddSection(SectionId("a/b", 0x4003FFFF)), 0);
     EXPECT_TRUE(directory.Empty()); // sections do not count
+    unsigned int const id = 0x40000003;
+    unsigned int const other = 0x40000004;
     auto const schema = Schema(id, "speed");
     auto const value = Value(id);
     EXPECT_EQ(directory.SetInfo(schema), IfErrNotFound);
@@ -116,7 +119,7 @@ TEST(Directory, FollowsAParametersLife)
     EXPECT_EQ(directory.AddInfo(schema), IfErrAlreadyExists);
     EXPECT_EQ(directory.AddInfo(Schema(other, "speed")), IfErrAlreadyExists);
     EXPECT_EQ(directory.FindInfoItem(other), nullptr); // taken out again
-    EXPECT_EQ(directory.AddInfo(Schema(section.CreateSectionId(0).CreateInfoItemId(4), "x")), IfErrNotFound);
+    EXPECT_EQ(directory.AddInfo(Schema(0x80000004, "x")), IfErrNotFound);
     EXPECT_EQ(directory.AddInfo(Schema(0xFFFFFFFF, "x")), IfErrInvalidArgument);
     EXPECT_EQ(directory.SetItem(Value<StringArrayItem>(id)), IfErrInvalidArgument);
     EXPECT_EQ(directory.FindItem(id), nullptr);
@@ -140,21 +143,13 @@ TEST(Directory, FollowsAParametersLife)
     EXPECT_THROW(directory.AddInfo(Schema(other, "x")), std::bad_alloc);
     EXPECT_THROW(directory.SetItem(Value(other)), std::bad_alloc);
     EXPECT_NE(directory.FindItem("a/b", "x"), nullptr);
-    directory.Clear();
-    EXPECT_TRUE(directory.Empty());
-    EXPECT_FALSE(directory.FindSection("a").IsValid());
 }
 
 TEST(Directory, FindsByPath)
 {
     InfoItemDirectory directory;
-    auto const add = [&](std::string const& path, std::string const& name) {
-        unsigned int const id = Added(directory, path).GetInfoItemSectionId().CreateInfoItemId(0);
-        EXPECT_EQ(directory.AddInfo(Schema(id, name)), 0);
-        EXPECT_EQ(directory.SetItem(Value(id)), 0);
-        return id;
-    };
-    unsigned int const id = add("a/b", "speed");
+    unsigned int const id = Enter(directory, "a/b", "speed", 0);
+    EXPECT_EQ(directory.SetItem(Value(id)), 0);
     EXPECT_EQ(directory.FindInfo("a/b", "speed"), directory.FindInfo(id));
     EXPECT_EQ(directory.FindItem("/a/b", "speed"), directory.FindItem(id));
     EXPECT_EQ(directory.FindInfoItem("a/b/speed"), directory.FindInfoItem(id));
@@ -166,8 +161,10 @@ TEST(Directory, FindsByPath)
     }
     // The search for a value takes the halves the other way round.
     EXPECT_EQ(directory.FindItem("a/b/speed"), nullptr);
-    unsigned int const reversed = add("speed", "a/b");
-    EXPECT_EQ(directory.FindItem("a/b/speed"), directory.FindItem(reversed));
+    unsigned int const reversed = Enter(directory, "speed", "a/b", 0);
+    auto const value = Value(reversed);
+    EXPECT_EQ(directory.SetItem(value), 0);
+    EXPECT_EQ(directory.FindItem("a/b/speed"), value);
 }
 
 TEST(Directory, AnswersForSections)
@@ -192,20 +189,18 @@ TEST(Directory, AnswersForSections)
 TEST(Directory, CollectsWhatLiesInASection)
 {
     InfoItemDirectory directory;
-    Id const a = Added(directory, "a").GetInfoItemSectionId();
-    Id const b = Added(directory, "a/b").GetInfoItemSectionId();
-    unsigned int const ids[] = {a.CreateInfoItemId(1), a.CreateInfoItemId(0), b.CreateInfoItemId(0)};
-    for (unsigned int const id : ids)
-        EXPECT_EQ(directory.AddInfo(Schema(id, id == ids[0] ? "x" : "y")), 0);
+    unsigned int const ids[] = {Enter(directory, "a", "x", 1), Enter(directory, "a", "y", 0),
+                                Enter(directory, "a/b", "z", 0)};
     EXPECT_EQ(directory.SetItem(Value(ids[1])), 0);
 
     Infos infos(1);
     Items items(1);
     InfoItems infoItems(1);
-    for (auto const& [id, code] : {std::pair{Id(a), 0}, {ids[0], IfErrNotFound}, {0xFFFFFFFF, IfErrInvalidArgument}}) {
-        EXPECT_EQ(directory.FindInfos(id, infos), code);
-        EXPECT_EQ(directory.FindItems(id, items), code);
-        EXPECT_EQ(directory.FindInfoItems(id, infoItems), code);
+    for (auto const& [id, code] :
+         {std::pair{0x00FFFFFFU, 0}, {ids[0], IfErrNotFound}, {0xFFFFFFFF, IfErrInvalidArgument}}) {
+        EXPECT_EQ(directory.FindInfos(Id(id), infos), code);
+        EXPECT_EQ(directory.FindItems(Id(id), items), code);
+        EXPECT_EQ(directory.FindInfoItems(Id(id), infoItems), code);
     }
     auto const at = [&](int i) { return directory.FindInfoItem(ids[i]); };
     EXPECT_EQ(infos, (Infos{nullptr, at(0)->GetInfo(), at(1)->GetInfo(), at(2)->GetInfo()}));
@@ -219,11 +214,11 @@ TEST(Directory, SharesItsContentWithCopies)
 {
     Directory first;
     Directory second(first);
-    EXPECT_EQ(first.AddInfo(Schema(Added(second, "a").GetInfoItemSectionId().CreateInfoItemId(1), "x")), 0);
+    Enter(first, "a", "x", 1);
     EXPECT_NE(second.FindInfo("a", "x"), nullptr);
     EXPECT_EQ(second.log, Texts()); // hooks are each one's own
     second.Clear();
-    EXPECT_TRUE(first.Empty());
+    EXPECT_TRUE(first.Empty() && !first.FindSection("a").IsValid());
 }
 
 TEST(Delta, KeepsFirstEntriesAndSharesHolders)
@@ -243,10 +238,9 @@ TEST(Delta, KeepsFirstEntriesAndSharesHolders)
         EXPECT_EQ(delta.AddInfo(isFirst ? info : Schema(7, "b")), code);
         EXPECT_EQ(delta.AddItem(isFirst ? item : Value(7)), code);
     }
-    InfoItemDirectoryDelta const copy(delta);
-    EXPECT_EQ(copy.GetSectionIdMap_addMod().at(0x01FFFFFF), section);
-    EXPECT_EQ(copy.GetInfoHolderPtrMap_addMod().at(7), info);
-    EXPECT_EQ(copy.GetItemHolderPtrMap_addMod().at(7), item);
+    EXPECT_EQ(delta.GetSectionIdMap_addMod().at(0x01FFFFFF), section);
+    EXPECT_EQ(delta.GetInfoHolderPtrMap_addMod().at(7), info);
+    EXPECT_EQ(delta.GetItemHolderPtrMap_addMod().at(7), item);
 }
 
 /// Two sections, and three parameters in the first of them.
@@ -286,8 +280,7 @@ TEST(Delta, StopsAtWhatIsRefusedWithAllBeforeItApplied)
     EXPECT_EQ(directory.log, (Texts{"add info1", "add info2", "add info3", "add item1"}));
 
     Directory named;
-    Added(named, "a");
-    EXPECT_EQ(named.AddInfo(Schema(2, "named")), 0);
+    Enter(named, "a", "named", 2);
     EXPECT_EQ(named.UpdateFromDelta(delta, true, true), IfErrInvalidArgument);
     EXPECT_EQ(named.log, (Texts{"add info2", "add info1"}));
 
