@@ -187,7 +187,6 @@ TEST(NumericRecords, HoldIntegersBigEndianAndPassFloatsThroughThem)
     ExpectRecords<S16Traits>({{-2, native_to_big(short{-2}), -2}});
     ExpectRecords<U32Traits>({{0x01020304, native_to_big(0x01020304U), 0x01020304}});
     ExpectRecords<S64Traits>({{-2, native_to_big(std::int64_t{-2}), -2}});
-    constexpr float inf = std::numeric_limits<float>::infinity();
     ExpectRecords<FloatTraits>({{1.5F, 16777216.0F, 1.0F},
                                 {255.0F, 4278190080.0F, 255.0F},
                                 {-1.0F, 4294967296.0F, 0.0F}, // 0xFFFFFFFF is no float
@@ -195,7 +194,6 @@ TEST(NumericRecords, HoldIntegersBigEndianAndPassFloatsThroughThem)
                                 {3e9F, 6213810.0F, 3e9F},
                                 {4294967296.0F, 0.0F, 0.0F}, // the low 32 bits
                                 {-1e30F, 0.0F, 0.0F},
-                                {inf, 0.0F, 0.0F},
                                 {k_nan, 0.0F, 0.0F}});
     constexpr double swapped = 9223372036854775808.0; // 128 with its bytes swapped
     ExpectRecords<DoubleTraits>({{1.5, 72057594037927936.0, 1.0},
@@ -203,7 +201,6 @@ TEST(NumericRecords, HoldIntegersBigEndianAndPassFloatsThroughThem)
                                  {16909060.0, 289077004400066560.0, 16909060.0},
                                  {18446744073709551616.0, 128.0, swapped},
                                  {-1e300, 128.0, swapped},
-                                 {inf, 128.0, swapped},
                                  {k_nan, 128.0, swapped}});
 }
 
