@@ -4,6 +4,8 @@
 #include <Legacy/If/InfoItemContainer.h>
 #include <Legacy/If/InfoItemHolderContainer.h>
 #include <Legacy/If/String.h>
+#include <Legacy/If/StringArray.h>
+#include <Orlek/LogicError.h>
 
 #include <functional>
 #include <new>
@@ -175,6 +177,57 @@ TEST(PairsOfContainers, FindByTheSchemasNameAlone)
 {
     TestPair<InfoItemContainer, InfoBase, ItemBase>();
     TestPair<InfoItemHolderContainer, InfoHolder, ItemHolder>();
+}
+
+TEST(InfoItemHolder, CannotDoWithoutASchema)
+{
+    for (auto const& none : {boost::intrusive_ptr<InfoHolder>(), Make<InfoHolder>(nullptr)})
+        try {
+            auto const made = Make<InfoItemHolder>(none);
+            ADD_FAILURE() << "no exception";
+        } catch (Orlek::LogicError const& error) {
+            EXPECT_EQ(error.GetCode(), -32);
+            EXPECT_EQ(error.GetMessage(), "Null InfoHolder Pointer");
+            EXPECT_EQ(error.GetLocation().GetFile(), R"(..\..\include\Legacy/If/InfoItemHolderDefs)");
+            EXPECT_EQ(error.GetLocation().GetFunction(), "Legacy::If::InfoItemHolder::InfoItemHolder");
+            EXPECT_EQ(error.GetLocation().GetLine(), 273);
+        }
+}
+
+TEST(InfoItemHolder, TakesWhatIsOfTheSameParameterWithoutValidation)
+{
+    auto const first = New<InfoHolder>(7, "speed");
+    auto const pair = Make<InfoItemHolder>(first);
+    EXPECT_FALSE(pair->SetInfo(nullptr));
+    EXPECT_FALSE(pair->SetInfo(Make<InfoHolder>(nullptr)));
+    EXPECT_FALSE(pair->SetInfo(New<InfoHolder>(8, "speed")));
+    EXPECT_FALSE(pair->SetInfo(New<InfoHolder>(7, "Speed")));
+    EXPECT_FALSE(pair->SetInfo(Make<InfoHolder>(MakeInfo<StringArrayInfo>())));
+    EXPECT_EQ(pair->GetInfo(), first);
+    auto const narrow = Make<StringInfo>(7U, "speed", Permission_t{9});
+    narrow->SetMaxLength(1);
+    EXPECT_TRUE(pair->SetInfo(Make<InfoHolder>(narrow)));
+    EXPECT_EQ(pair->GetInfo()->GetInfo(), narrow);
+
+    auto const tooLong = Make<ItemHolder>(StringItem::Create(7, "long"));
+    EXPECT_TRUE(pair->SetItem(tooLong));
+    EXPECT_FALSE(pair->SetItem(nullptr));
+    EXPECT_FALSE(pair->SetItem(Make<ItemHolder>(nullptr)));
+    EXPECT_FALSE(pair->SetItem(Make<ItemHolder>(StringItem::Create(8, "x"))));
+    EXPECT_FALSE(pair->SetItem(Make<ItemHolder>(StringArrayItem::Create(7, {"x"}))));
+    EXPECT_EQ(pair->GetItem(), tooLong);
+}
+
+TEST(Holder, CopiesWhatItHoldsAndAnswersForApplicationsThatAddNothing)
+{
+    auto const info = New<InfoHolder>(7, "speed");
+    auto const item = Make<ItemHolder>(StringItem::Create(7, "x"));
+    EXPECT_EQ(Make<InfoHolder>(*info)->GetInfo(), info->GetInfo());
+    EXPECT_NE(Hold(info->DeepCopy())->GetInfo(), info->GetInfo());
+    EXPECT_NE(Hold(item->DeepCopy())->GetItem(), item->GetItem());
+    EXPECT_EQ(info->GetDisplayName() + info->GetUnit() + item->GetDisplayText(), "speedx");
+    EXPECT_EQ(Hold(Make<InfoHolder>(nullptr)->DeepCopy())->GetDisplayName(), "");
+    EXPECT_EQ(Hold(Make<ItemHolder>(nullptr)->DeepCopy())->GetDisplayText(), "");
 }
 
 } // namespace
