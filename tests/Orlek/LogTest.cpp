@@ -3,7 +3,6 @@
 #include <Orlek/LogManager.h>
 #include <Orlek/LoggerFacade.h>
 
-#include <boost/log/attributes/value_extraction.hpp>
 #include <boost/log/keywords/severity.hpp>
 #include <boost/log/sources/logger.hpp>
 #include <boost/log/sources/record_ostream.hpp>
@@ -11,10 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
-#include <memory>
-#include <set>
 #include <sstream>
 #include <thread>
 #include <vector>
@@ -30,95 +26,75 @@ extern "C" char const* __tsan_default_suppressions()
 namespace Orlek {
 namespace {
 
-/// Asked for before `main`, kept until after it: the way a library keeps its channel.
-std::shared_ptr<LoggerFacade> const k_earlyLogger = LogManager::Instance().GetLogger("Test.Early", nullptr, "");
+LogManager& Manager() { return LogManager::Instance(); }
 
-/// Asks once more when most of the process is gone.
-struct LateUser
+/// Asked for before `main` and once more when most of the process is gone: the way a library keeps its channel.
+struct EarlyAndLate
 {
-    ~LateUser()
+    ~EarlyAndLate()
     {
-        if (LogManager::Instance().GetLogger("Test.Early") != k_earlyLogger)
+        if (Manager().GetLogger("Test.Early") != logger)
             std::abort();
     }
-} const k_lateUser;
+    std::shared_ptr<LoggerFacade> const logger = Manager().GetLogger("Test.Early", nullptr, "");
+} const k_early;
 
 /// A console for the time of a test.
 struct Console
 {
-    Console() { LogManager::Instance().AddConsoleSink(out); }
-    ~Console() { LogManager::Instance().RemoveConsoleSink(out); }
+    Console() { Manager().AddConsoleSink(out); }
+    ~Console() { Manager().RemoveConsoleSink(out); }
     std::ostringstream out;
 };
 
 TEST(LogManager, KeepsOneFacadeForAChannelWithItsParentsFirstLevel)
 {
-    auto& manager = LogManager::Instance();
-    EXPECT_EQ(manager.GetLogger("Test.Early"), k_earlyLogger);
-    EXPECT_EQ(k_earlyLogger->get()->channel(), "Test.Early");
-
     auto const parent = std::make_shared<LoggerFacade>("Test.Parent", LogLevel_t::Error);
-    auto const child = manager.GetLogger("Test.One", parent, "a");
-    EXPECT_EQ(child->GetChannel(), "Test.One[a]");
+    auto const child = Manager().GetLogger("Test.One", parent, "a");
+    EXPECT_EQ(child->get()->channel(), "Test.One[a]");
     parent->SetLevel(LogLevel_t::Debug);
-    EXPECT_EQ(manager.GetLogger("Test.One", parent, "a"), child);
-    EXPECT_EQ(child->GetLevel(), LogLevel_t::Error);
-    EXPECT_EQ(manager.GetLogger("Test.One", parent, "b")->GetLevel(), LogLevel_t::Debug);
-    EXPECT_EQ(manager.GetLogger("Test.One")->GetLevel(), LogLevel_t::Trace);
+    EXPECT_EQ(Manager().GetLogger("Test.One", parent, "a"), child);
+    EXPECT_FALSE(child->IsEnabled(LogLevel_t::Warning));
+    EXPECT_TRUE(child->IsEnabled(LogLevel_t::Error) && child->IsEnabled(LogLevel_t::Fatal));
+    EXPECT_EQ(Manager().GetLogger("Test.One", parent, "b")->GetLevel(), LogLevel_t::Debug);
+    EXPECT_EQ(Manager().GetLogger("Test.One")->GetLevel(), LogLevel_t::Trace);
+    EXPECT_FALSE(LoggerFacade().IsEnabled(LogLevel_t::Fatal)); // there is no logger behind it
 }
 
 TEST(LogManager, ThreadsShareChannelsLevelsAndConsoles)
 {
     Console console;
-    std::array<std::set<LoggerFacade*>, 4> seen;
     std::vector<std::thread> threads;
-    for (auto& own : seen)
-        threads.emplace_back([&own, &console] {
+    for (int thread = 0; thread < 4; ++thread)
+        threads.emplace_back([&console] {
             for (int i = 0; i < 60; ++i) {
                 Console const passing; // removed while the others write
-                auto const logger = LogManager::Instance().GetLogger("Test.Shared", nullptr, std::to_string(i % 6));
-                own.insert(logger.get());
+                auto const logger = Manager().GetLogger("Test.Shared", nullptr, std::to_string(i % 6));
                 logger->SetLevel(static_cast<LogLevel_t>(i % 4));
                 if (logger->IsEnabled(LogLevel_t::Fatal))
                     BOOST_LOG_SEV(*logger->get(), LogLevel_t::Fatal) << "turn " << i;
-                LogManager::Instance().AddConsoleSink(console.out);
+                Manager().AddConsoleSink(console.out);
             }
         });
     for (auto& thread : threads)
         thread.join();
-    for (auto const& own : seen)
-        EXPECT_EQ(own, seen[0]);
-    EXPECT_EQ(seen[0].size(), 6U);
     EXPECT_EQ(std::ranges::count(console.out.str(), '\n'), 240);
-}
-
-TEST(LoggerFacade, EnablesItsLevelAndAllAbove)
-{
-    LoggerFacade const logger("Test.Levels", LogLevel_t::Warning);
-    EXPECT_FALSE(logger.IsEnabled(LogLevel_t::Info));
-    EXPECT_TRUE(logger.IsEnabled(LogLevel_t::Warning));
-    EXPECT_TRUE(logger.IsEnabled(LogLevel_t::Fatal));
-    EXPECT_FALSE(LoggerFacade().IsEnabled(LogLevel_t::Fatal));
 }
 
 TEST(ConsoleSink, PrintsWhatARecordHas)
 {
-    CodeLocation const location("src\\File", "Space::F", 161);
     Console const other;
     Console console;
-    LogManager::Instance().AddConsoleSink(console.out); // once more, in vain
-    auto record = k_earlyLogger->get()->open_record(boost::log::keywords::severity = LogLevel_t::Error);
-    LoggerFacade::AttachLocation(record, location);
-    // A sink of an application's own reads the attribute by its name and type.
-    EXPECT_EQ(*boost::log::extract<CodeLocation>("Location", record), location);
-    boost::log::record_ostream stream(record);
-    stream << (LogExec("%s%s") % "P: " % "100%s %d");
-    stream.flush();
-    k_earlyLogger->get()->push_record(std::move(record));
-    BOOST_LOG_SEV(*k_earlyLogger->get(), LogLevel_t::Trace) << "";
+    Manager().AddConsoleSink(console.out); // once more, in vain
+    auto& channel = *k_early.logger->get();
+    auto record = channel.open_record(boost::log::keywords::severity = LogLevel_t::Error);
+    LoggerFacade::AttachLocation(record, CodeLocation("src\\File", "Space::F", 161));
+    boost::log::record_ostream(record) << (LogExec("%s%s") % "P: " % "100%s %d") << std::flush;
+    channel.push_record(std::move(record));
+    BOOST_LOG_SEV(channel, LogLevel_t::Trace) << "";
     boost::log::sources::logger_mt foreign;
     BOOST_LOG(foreign) << "plain";
-    LogManager::Instance().RemoveConsoleSink(console.out);
+    Manager().RemoveConsoleSink(console.out);
     BOOST_LOG(foreign) << "never seen";
     std::string const time = "[0-9]{4}-[0-9]{2}-[0-9]{2}T[0-9]{2}:[0-9]{2}:[0-9]{2}\\.[0-9]{3}Z";
     EXPECT_THAT(console.out.str(),
@@ -133,8 +109,6 @@ TEST(LogExec, FeedsTextsWithoutLosingAny)
     EXPECT_EQ(state.ToString(), "<a|%s>"); // looking at it between two texts changes nothing
     EXPECT_EQ((state % "").ToString(), "<a|>");
     EXPECT_EQ((exec % "%s%n%%" % "100%" % "%").ToString(), "<%s%n%%|100%> %"); // texts are never looked at
-    EXPECT_EQ((LogExec("%s") % std::string_view("a\0b", 3)).ToString(), std::string("a\0b", 3));
-    EXPECT_EQ((LogExec("") % "a").ToString(), " a");
     EXPECT_EQ((LogExec("%d %5s %ls %n % s %S") % "a").ToString(), "%d %5s %ls %n % s %S a");
     EXPECT_EQ((LogExec("%%s %%%s%%%") % "a").ToString(), "%s %a%%");
 }
