@@ -53,15 +53,13 @@ TEST(Localization, FallsBackFromCountryToLanguageToDefaultToKey)
     EXPECT_EQ(Look(k_minKey, "en"), k_minEnglish);
     Localization::SetDefaultLanguage("xx");
     EXPECT_EQ(Look(k_minKey, ""), k_minEnglish);
-    Localization::SetDefaultLanguage("en");
     EXPECT_EQ(std::locale(), std::locale::classic()); // the global one is left alone
 }
 
 TEST(LocalizationHelper, SubstitutesWithoutLosingText)
 {
     using Helper = LocalizationHelper;
-    auto ten = Helper("{2}{10}{2}") % "1" % "b" % "3" % "4" % "5" % "6" % "7" % "8" % "9" % "j";
-    EXPECT_EQ(ten.ToString(), "bjb 1 3 4 5 6 7 8 9");
+    EXPECT_EQ((Helper("{2}{4}{2}") % "a" % "b" % "c" % "d").ToString(), "bdb a c");
     EXPECT_EQ((Helper("{{1}}: {2}.") % "a").ToString(), "{a}: {2}.");
     EXPECT_EQ((Helper("{1}.") % "a" % "b" % "").ToString(), "a. b ");
     EXPECT_EQ((Helper("{1}{2}") % "{2}" % "{1}%s").ToString(), "{2}{1}%s"); // arguments are never looked at
@@ -80,7 +78,7 @@ TEST(Localization, DirectoryOverridesAndAddsLanguagesAndMayHoldAnything)
         std::ofstream(directory / "legacyif.mo", std::ios::binary) << content;
         return Localization::SetCatalogueDirectory(root.string());
     };
-    // Every truncation, and every header and table byte at its ends and flipped, must neither throw nor read astray.
+    // Every truncation and every header and table byte at its ends and flipped, must neither throw nor read astray.
     for (std::size_t size = 0; size < german.size(); size += size < 300 ? 1 : 97)
         EXPECT_EQ(use("de", german.substr(0, size)), 0U) << size;
     EXPECT_EQ(Look(k_minKey, "de"), k_minGerman);
@@ -104,7 +102,7 @@ TEST(Localization, DirectoryOverridesAndAddsLanguagesAndMayHoldAnything)
 
 TEST(Localization, LookUpsRunBesideChanges)
 {
-    std::thread reader([] {
+    std::jthread const reader([] {
         for (int i = 0; i < 1000; ++i)
             EXPECT_NE(Look(k_minKey, i % 2 == 0 ? "de" : ""), k_minKey);
     });
@@ -112,9 +110,7 @@ TEST(Localization, LookUpsRunBesideChanges)
         EXPECT_EQ(Localization::SetCatalogueDirectory(i % 2 == 0 ? "" : ORLEK_LOCALE_DIR), i % 2 * 2);
         Localization::SetDefaultLanguage(i % 2 == 0 ? "de" : "en");
     }
-    reader.join();
     EXPECT_EQ(Localization::GetDefaultLanguage(), "en");
-    Localization::SetCatalogueDirectory("");
 }
 
 } // namespace

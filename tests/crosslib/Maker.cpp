@@ -25,8 +25,6 @@ boost::intrusive_ptr<ItemBase> MakePercent(unsigned char value)
     return item;
 }
 
-boost::intrusive_ptr<ItemBase> MakeAddress(std::string const& text) { return AddrItem::Create(1, Net::AddrStr(text)); }
-
 boost::intrusive_ptr<InfoBase> MakePercentInfo()
 {
     boost::intrusive_ptr<NumericInfo<U8Traits>> const info(new NumericInfo<U8Traits>(1, "load", Permission_t{}));

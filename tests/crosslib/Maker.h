@@ -1,6 +1,5 @@
 #pragma once
 
-#include <Legacy/If/Addr.h>
 #include <Legacy/If/Numeric.h>
 
 #include <boost/smart_ptr/intrusive_ptr.hpp>
@@ -20,7 +19,6 @@ public:
 };
 
 MAKER_API boost::intrusive_ptr<Legacy::If::ItemBase> MakePercent(unsigned char value);
-MAKER_API boost::intrusive_ptr<Legacy::If::ItemBase> MakeAddress(std::string const& text);
 MAKER_API boost::intrusive_ptr<Legacy::If::InfoBase> MakePercentInfo();
 
 /// Validates on this side of the border: whether the value passes.

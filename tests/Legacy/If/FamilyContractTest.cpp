@@ -22,36 +22,26 @@ InfoPtr ForeignInfo(IfType_t own)
     return own == Extended ? InfoPtr(MakeInfo<CollectionInfo>()) : MakeInfo<ExtendedInfo>();
 }
 
-ItemPtr ForeignItem(IfType_t own)
+// Contract: four tags of families have no word of their own and print as unknown ones.
+Texts const k_plainWords{"Undefined", "Bool",   "Numeric",     "NumericArray", "NumericSparse",
+                         "Enum",      "String", "StringArray", "BoolArray"};
+Texts const k_shapeWords{"Colour", "Coordinate",      "Rectangle", "Orientation", "Invalid",   "Invalid",
+                         "Addr",   "LocalizedString", "Endpoint",  "AppEndpoint", "Connection"};
+Texts const k_listWords{"Composite", "Collection"};
+Texts const k_elementWords{"Undefined", "U8", "S8", "U16", "S16", "U32", "S32", "U64", "S64", "Float", "Double"};
+
+std::string WordAt(Texts const& words, int at)
 {
-    return own == Extended ? ItemPtr(Make<CollectionItem>(7U)) : Make<ExtendedItem>(7U);
+    return 0 <= at && at < std::ssize(words) ? words[static_cast<std::size_t>(at)] : "Invalid";
 }
 
-std::string WordOf(int tag, int first, Texts const& words)
-{
-    auto const at = static_cast<std::size_t>(tag - first);
-    return at < words.size() ? words[at] : "Invalid";
-}
+std::string Word(NumericType_t type) { return WordAt(k_elementWords, static_cast<int>(type)); }
 
-/// Contract: four tags of families have no word of their own and print as unknown ones.
 std::string Word(IfType_t type)
 {
     int const tag = static_cast<int>(type);
-    if (tag < 0x80)
-        return WordOf(tag, 0,
-                      {"Undefined", "Bool", "Numeric", "NumericArray", "NumericSparse", "Enum", "String", "StringArray",
-                       "BoolArray"});
-    if (tag < 0xfd)
-        return WordOf(tag, 0x80,
-                      {"Colour", "Coordinate", "Rectangle", "Orientation", "Invalid", "Invalid", "Addr",
-                       "LocalizedString", "Endpoint", "AppEndpoint", "Connection"});
-    return WordOf(tag, 0xfd, {"Composite", "Collection"});
-}
-
-std::string Word(NumericType_t type)
-{
-    return WordOf(static_cast<int>(type), 0,
-                  {"Undefined", "U8", "S8", "U16", "S16", "U32", "S32", "U64", "S64", "Float", "Double"});
+    auto const& words = tag < 0x80 ? k_plainWords : tag < 0xfd ? k_shapeWords : k_listWords;
+    return WordAt(words, tag < 0x80 ? tag : tag < 0xfd ? tag - 0x80 : tag - 0xfd);
 }
 
 std::string Words(auto const& object) { return Word(object.GetType()) + '(' + Word(object.GetNumericType()) + ')'; }
@@ -84,7 +74,8 @@ void ExpectValue(Item& item)
     auto const assigned = Make<Item>(8U);
     EXPECT_FALSE(assigned->IsEqualValue(&item));
     *assigned = item;
-    for (ItemPtr const& foreign : {ItemPtr(), ForeignItem(type)}) {
+    ItemPtr const other = type == Extended ? ItemPtr(Make<CollectionItem>(7U)) : Make<ExtendedItem>(7U);
+    for (ItemPtr const& foreign : {ItemPtr(), other}) {
         // Contract: a composite clears the flag before it looks at the source's type, and callers read it then.
         Outcome const refused{IfErrTypeNotAssignable, type == Composite ? 0 : -1};
         EXPECT_EQ(Assign(item, foreign), (foreign ? refused : Outcome{IfErrNullSource, -1}));
@@ -135,10 +126,10 @@ void ExpectSchema(Info& info)
     };
     auto const assigned = FreshInfo<Info>(8, "own", {5});
     *assigned = info;
+    int const unmerged = k_withoutMerge.contains(type) ? IfErrTypeNotAssignable : IfErrBoundsTypeMismatch;
     for (InfoPtr const& foreign : {InfoPtr(), ForeignInfo(type)}) {
         EXPECT_EQ(Assign(info, foreign), (Outcome{foreign ? IfErrTypeNotAssignable : IfErrNullSource, -1}));
-        EXPECT_EQ(info.MergeBounds(foreign),
-                  k_withoutMerge.contains(type) ? IfErrTypeNotAssignable : IfErrBoundsTypeMismatch);
+        EXPECT_EQ(info.MergeBounds(foreign), unmerged);
         EXPECT_EQ(info.IsEqualBounds(foreign), type == Colour); // a colour has none to compare
     }
     expectCopy(assigned, 8, "own", {5});

@@ -22,8 +22,8 @@ std::vector<Element> HardValues()
     using Limits = std::numeric_limits<Element>;
     std::vector<Element> values{Limits::lowest(), Limits::min(), Limits::max(), Element{0}, Element{1}};
     if constexpr (!Limits::is_integer) {
-        values.insert(values.end(), {Limits::quiet_NaN(), -Limits::quiet_NaN(), Limits::infinity(), -Limits::infinity(),
-                                     Element(-0.0), Element(0.1), Element(1234567.5), Element(1e-7)});
+        for (Element const value : {Limits::quiet_NaN(), Limits::infinity(), Element(0), Element(0.1), Element(1e-7)})
+            values.insert(values.end(), {value, -value});
         for (int const exponent : {7, 8, 15, 16, 31, 32, 63, 64}) {
             auto const power = std::ldexp(Element{1}, exponent);
             for (Element const value : {power, std::nextafter(power, Element{0}), power + Element{1.5}})
@@ -64,25 +64,6 @@ TEST(FastPath, ConvertsAndWritesListsLikeNumbers)
                 EXPECT_TRUE(got == expected || (got != got && expected != expected)) << +values[i] << " gave " << +got;
             }
         });
-    });
-}
-
-TEST(FastPath, FindsTheOneElementOutside)
-{
-    ForAllTraits([]<typename Traits>(Traits) {
-        auto const info = MakeInfo<NumericArrayInfo<Traits>>();
-        info->SetMin(10);
-        info->SetMax(100);
-        auto const list = Make<NumericArrayItem<Traits>>(7U);
-        list->SetVal(std::vector<typename Traits::T>(67, 100));
-        for (auto& element : list->Val()) {
-            for (int const outside : {9, 101}) {
-                element = static_cast<typename Traits::T>(outside);
-                EXPECT_TRUE(list->Validate(info)) << outside << " at " << &element - list->Val().data();
-            }
-            element = 10;
-            EXPECT_FALSE(list->Validate(info));
-        }
     });
 }
 

@@ -31,8 +31,8 @@ TEST(FormattedDump, PrintsOneParameterInColumns)
     auto const number = Make<NumericItem<U16Traits>>(7U);
     number->SetVal(12);
     auto const numbers = MakeInfo<NumericInfo<U16Traits>>();
+    std::string const name(40, 'n'); // wider than its column
     std::string const form = "\"\"; max length=256";
-    std::string const longName(40, 'n');
     struct
     {
         InfoPtr info;
@@ -42,7 +42,7 @@ TEST(FormattedDump, PrintsOneParameterInColumns)
         // Columns leave their alignment and fill behind, as the number after them shows.
         {nullptr, nullptr, "**1"},
         {info, item, Column("speed", 32) + Column("String", 18) + "{fast} {" + form + "}1  "},
-        {Make<StringInfo>(7U, longName, Permission_t{}), nullptr, longName + ' ' + Column("String", 18) + form + "1  "},
+        {Make<StringInfo>(7U, name, Permission_t{}), nullptr, name + ' ' + Column("String", 18) + form + "1  "},
         {nullptr, number, Column("NumericU16", 18) + "121  "},
         {info, Hold(StringItem::Create(8, "x")), "InfoItemId mismatch!**1"},
         {info, number, "Type mismatch!**1"},
