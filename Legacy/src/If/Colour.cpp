@@ -155,7 +155,7 @@ bool ColourItem::SetValFromStream(std::istream& in, std::ostream& out, boost::in
 void ColourItem::DumpVal(std::ostream& os) const
 {
     Detail::DumpHead(os, *this);
-    // The blank behind the last letter, and that letter only, is what readers of these dumps look for.
+    // Contract: the blank behind the last letter, and that letter only, is what readers of these dumps look for.
     os << "value: a" << m_value.a << Detail::k_separator << 'r' << m_value.r << Detail::k_separator << 'g' << m_value.g
        << Detail::k_separator << "b " << m_value.b << std::endl;
 }

@@ -41,7 +41,10 @@ private:
     bool m_default = false;
 };
 
-/// Value of a yes-or-no parameter. Prints as "True" or "False" in compact forms and as 1 or 0 in dumps.
+/// Value of a yes-or-no parameter.
+///
+/// Contract: it prints as "True" or "False" in its compact form and as 1 or 0 in dumps and findings; whoever takes one
+/// of these apart knows the words of that one alone.
 class LEGACY_IF_API BoolItem : public ValueItem<BoolItem, IfType_t::Bool, bool>
 {
 public:

@@ -61,8 +61,10 @@ public:
                          bool* changed) override;
 
     unsigned int GetSerialDataSize() const override; ///< always 0
-    /// Always #IfErrNotSerializable, also for a null record: no argument is looked at, so callers must not expect the
-    /// codes that other families give.
+    /// Always #IfErrNotSerializable.
+    ///
+    /// Contract: no argument is looked at, so a null record gives this code too and not those of other families;
+    /// callers ask in that way whether a value travels, without a record to write to.
     /// @{
     int Serialize(SerialStruct_t* record) const override;
     int Deserialize(ConstSerialStruct_t const* record) override;

@@ -159,7 +159,9 @@ public:
     /// Equal types and counts, and each member equals its counterpart.
     bool IsEqualValue(ConstPointer const& other) const override;
 
-    /// The third line tells the number of members, and has no line end.
+    /// The third line tells the number of members.
+    ///
+    /// Contract: that line has no end; callers go on in it with what they print of the members.
     void DumpVal(std::ostream& os) const override;
     /// The members in parentheses, each in its own form.
     std::ostream& operator<<(std::ostream& os) const override;
