@@ -1,14 +1,10 @@
-#include "TestSupport.h"
-
-#include <Legacy/If/Collection.h>
-#include <Legacy/If/Composite.h>
-#include <Legacy/If/Numeric.h>
-#include <Legacy/If/String.h>
-#include <Legacy/If/StringSparse.h>
+#include "Families.h"
 
 #include <sys/resource.h>
 
 #include <cstring>
+#include <random>
+#include <span>
 
 namespace Legacy::If::Test {
 namespace {
@@ -51,32 +47,19 @@ struct Logged : StringItem
     std::vector<unsigned int>& m_log;
 };
 
-template<typename Types>
+template<typename>
 struct Lists : testing::Test
 {};
 
-template<typename InfoClass, typename ItemClass, IfType_t Tag>
-struct Family
-{
-    using Schema = InfoClass;
-    using Value = ItemClass;
-    static constexpr IfType_t k_type = Tag;
-};
-
-using Families = testing::Types<Family<CompositeInfo, CompositeItem, IfType_t::Composite>,
-                                Family<CollectionInfo, CollectionItem, IfType_t::Collection>>;
-TYPED_TEST_SUITE(Lists, Families);
+using ListFamilies = testing::Types<Family<CompositeInfo, CompositeItem>, Family<CollectionInfo, CollectionItem>>;
+TYPED_TEST_SUITE(Lists, ListFamilies);
 
 TYPED_TEST(Lists, HoldNoNull)
 {
-    auto const schema = MakeInfo<typename TypeParam::Schema>();
-    auto const value = Make<typename TypeParam::Value>(1U);
+    auto const schema = MakeInfo<typename TypeParam::Info>();
     Info const a = MakeInfo<U32Info>();
-    Item const x = Number(1);
-    Item const y = Number(2);
     unsigned int index = 77;
     EXPECT_FALSE(schema->AddInfo(nullptr, index));
-    EXPECT_FALSE(value->AddItem(nullptr, index));
     EXPECT_EQ(index, 77U);
     EXPECT_TRUE(schema->AddInfo(a));
     EXPECT_TRUE(schema->AddInfo(a, index)); // the same object twice
@@ -84,22 +67,20 @@ TYPED_TEST(Lists, HoldNoNull)
     EXPECT_FALSE(schema->SetInfo(2, a));
     EXPECT_FALSE(schema->SetInfo(0, nullptr));
     EXPECT_EQ(schema->GetInfo(2), nullptr);
-
-    value->SetItems({nullptr, x, nullptr, y});
-    EXPECT_TRUE(value->SetItem(0, y));
+    auto const value = Make<typename TypeParam::Item>(1U);
+    Item const x = Number(1);
+    value->SetItems({nullptr, x, nullptr, Number(2)});
+    EXPECT_TRUE(value->SetItem(1, x));
     EXPECT_FALSE(value->SetItem(2, x));
-    EXPECT_EQ(std::as_const(*value).GetItem(2), nullptr);
-    EXPECT_FALSE(value->IsPresent(2));
     std::vector<Item> items(5);
     value->GetItems(items);
-    EXPECT_EQ(items, (std::vector<Item>{y, y}));
-    EXPECT_EQ(x->GetRefCount(), 1);
+    EXPECT_EQ(items, (std::vector<Item>{x, x}));
 }
 
 TYPED_TEST(Lists, ShareMembersUnlessDuplicated)
 {
-    using Schema = typename TypeParam::Schema;
-    using Value = typename TypeParam::Value;
+    using Schema = typename TypeParam::Info;
+    using Value = typename TypeParam::Item;
     auto const value = ListOf<Value>({Number(1), ListOf<Value>({Number(2)}, 8)});
     Value assigned(3);
     assigned = *value;
@@ -108,54 +89,45 @@ TYPED_TEST(Lists, ShareMembersUnlessDuplicated)
     EXPECT_NE(copy->GetItem(0), value->GetItem(0));
     EXPECT_EQ(copy->GetItem(1)->GetId(), 8U);
     EXPECT_EQ(copy->GetItem(1)->GetRefCount(), 2); // the list's and this one
-    EXPECT_EQ(Printed(*copy), "(1, (2))");
 
     auto const schema = SchemaOf<Schema>({MakeInfo<U32Info>(), SchemaOf<Schema>({MakeInfo<StringInfo>()})});
     auto const twin = Hold(schema->DeepCopy(9, "twin"));
     EXPECT_NE(twin->GetInfo(1), schema->GetInfo(1));
     EXPECT_EQ(twin->GetInfo(1)->GetName(), "speed");
     Schema target(2, "target", {});
-    EXPECT_EQ(Assign(target, schema), (Outcome{0, 1}));
-    EXPECT_EQ(Assign(target, schema), (Outcome{0, 1})); // whatever the lists
+    for (int round = 0; round < 2; ++round)
+        EXPECT_EQ(Assign(target, schema), (Outcome{0, 1})); // whatever the lists
     EXPECT_EQ(target.GetInfo(1), schema->GetInfo(1));
     EXPECT_EQ(schema->MergeBounds(schema), IfErrTypeNotAssignable);
 }
 
 TYPED_TEST(Lists, AreEqualMemberByMember)
 {
-    using Schema = typename TypeParam::Schema;
-    using Value = typename TypeParam::Value;
+    using Schema = typename TypeParam::Info;
+    using Value = typename TypeParam::Item;
     auto const nested = [](Item const& inner) { return ListOf<Value>({Number(1), inner}); };
-    struct
-    {
-        Item a, b;
-        bool equal;
-    } const rows[] = {
-        {nested(Text("")), nested(Text("")), true},
-        {nested(Number(2)), nested(Number(3)), false},
-        {nested(Number(2)), nested(Text("2")), false},
-        {nested(Number(2)), ListOf<Value>({Number(1)}), false},
-        {nested(ListOf<Value>({})), nested(ListOf<Value>({Number(1)})), false},
-        {nested(ListOf<CompositeItem>({})), nested(ListOf<CollectionItem>({})), false},
-    };
-    for (auto const& [a, b, equal] : rows) {
-        EXPECT_EQ(a->IsEqualValue(b), equal) << Printed(*a);
-        EXPECT_EQ(b->IsEqualValue(a), equal) << Printed(*b);
+    auto const value = nested(ListOf<Value>({Number(2), Text("")}));
+    EXPECT_TRUE(value->IsEqualValue(nested(ListOf<Value>({Number(2), Text("")}))));
+    std::vector<Item> const others{nested(ListOf<Value>({Number(2), Text("x")})), nested(ListOf<Value>({Text("2")})),
+                                   nested(ListOf<Value>({Number(2)})), nested(Number(2)), nested(ListOf<Value>({}))};
+    for (Item const& other : others) {
+        EXPECT_FALSE(value->IsEqualValue(other)) << Printed(*other);
+        EXPECT_FALSE(other->IsEqualValue(value)) << Printed(*other);
     }
+    EXPECT_FALSE(nested(ListOf<CompositeItem>({}))->IsEqualValue(nested(ListOf<CollectionItem>({}))));
     auto const bounded = MakeInfo<StringInfo>();
     auto const schema = SchemaOf<Schema>({SchemaOf<Schema>({MakeInfo<StringInfo>()})});
     auto const other = SchemaOf<Schema>({SchemaOf<Schema>({bounded})});
     EXPECT_TRUE(schema->IsEqualBounds(other));
     bounded->SetMaxLength(1);
     EXPECT_FALSE(schema->IsEqualBounds(other));
-    EXPECT_FALSE(schema->IsEqualBounds(MakeInfo<Schema>()));
 }
 
 TYPED_TEST(Lists, PrintTheirMembers)
 {
-    using Value = typename TypeParam::Value;
-    auto const schema = SchemaOf<typename TypeParam::Schema>({MakeInfo<StringInfo>(), MakeInfo<StringInfo>()});
-    std::string const type = TypeParam::k_type == IfType_t::Composite ? "Composite" : "Collection";
+    using Value = typename TypeParam::Item;
+    auto const schema = SchemaOf<typename TypeParam::Info>({MakeInfo<StringInfo>(), MakeInfo<StringInfo>()});
+    std::string const type = Value::GetTypeStatic() == IfType_t::Composite ? "Composite" : "Collection";
     EXPECT_EQ(Dumped(*schema), "id: 7\npermission: 4660\nname: speed\ntype: " + type + "\n");
     EXPECT_EQ(Printed(*schema), "(\"\"; max length=256, \"\"; max length=256)");
     auto const value = ListOf<Value>({Number(1), ListOf<Value>({}), Number(2), ListOf<Value>({Number(3)})});
@@ -165,7 +137,7 @@ TYPED_TEST(Lists, PrintTheirMembers)
 
 TYPED_TEST(Lists, ReleaseMembersInOrderAndOnce)
 {
-    using Value = typename TypeParam::Value;
+    using Value = typename TypeParam::Item;
     std::vector<unsigned int> log;
     auto const logged = [&log](unsigned int id) { return Item(new Logged(id, log)); };
     Item const kept = logged(9);
@@ -173,16 +145,6 @@ TYPED_TEST(Lists, ReleaseMembersInOrderAndOnce)
     value.reset();
     EXPECT_EQ(log, (std::vector<unsigned int>{1, 2, 3, 4})); // members of members follow
     EXPECT_EQ(kept->GetRefCount(), 1);
-
-    log.clear();
-    auto const list = ListOf<Value>({logged(1), logged(2)});
-    list->SetItem(0, list->GetItem(1));
-    list->SetItems({list->GetItem(0), list->GetItem(1)}); // from its own members
-    *list = *list;
-    EXPECT_EQ(list->GetSize(), 2U);
-    EXPECT_EQ(log, std::vector<unsigned int>{1});
-    *list = Value(3);
-    EXPECT_EQ(log, (std::vector<unsigned int>{1, 2}));
 }
 
 TEST(Composite, DuplicatesWhereACollectionShares)
@@ -191,9 +153,10 @@ TEST(Composite, DuplicatesWhereACollectionShares)
     auto const collection = ListOf<CollectionItem>({ListOf<CollectionItem>({Number(1)})});
     CompositeItem copied(2);
     CollectionItem shared(2);
-    EXPECT_EQ(Assign(copied, composite), (Outcome{0, 1}));
-    EXPECT_EQ(Assign(copied, composite), (Outcome{0, 1})); // whatever the values
-    EXPECT_EQ(Assign(shared, collection), (Outcome{0, 1}));
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(Assign(copied, composite), (Outcome{0, 1})); // whatever the values
+        EXPECT_EQ(Assign(shared, collection), (Outcome{0, 1}));
+    }
     EXPECT_NE(copied.GetItem(0), composite->GetItem(0));
     EXPECT_EQ(shared.GetItem(0), collection->GetItem(0));
 
@@ -202,49 +165,16 @@ TEST(Composite, DuplicatesWhereACollectionShares)
     EXPECT_EQ(composite->AssignValue(composite, nullptr), 0);
     EXPECT_EQ(Printed(*composite), "((1, 2), 3)");
     EXPECT_EQ(before->GetRefCount(), 1); // duplicates took its place
-    EXPECT_EQ(composite->AssignArrayValue(composite->GetItem(0), 0, nullptr), 0);
+    EXPECT_EQ(composite->AssignValue(composite->GetItem(0), nullptr), 0);
     EXPECT_EQ(Printed(*composite), "(1, 2)");
     EXPECT_EQ(collection->AssignValue(collection, nullptr), 0);
-    EXPECT_EQ(collection->AssignArrayValue(collection->GetItem(0), 0, nullptr), 0);
+    EXPECT_EQ(collection->AssignValue(collection->GetItem(0), nullptr), 0);
     EXPECT_EQ(Printed(*collection), "(1)");
 
-    auto const number = MakeInfo<U32Info>();
-    number->SetDefault(5);
-    auto const schema =
-        SchemaOf<CompositeInfo>({number, SchemaOf<CompositeInfo>({number}), SchemaOf<CollectionInfo>({number})});
-    EXPECT_EQ(Printed(*Hold(schema->CreateItem())), "(5, (5), ())");
-    EXPECT_EQ(ReadText(*collection, "1"), std::pair(false, std::string("Impl. me")));
-}
-
-TEST(Composite, ValidatesShapeAlone)
-{
-    auto const number = MakeInfo<U32Info>();
-    number->SetMax(5);
-    auto const schema = SchemaOf<CompositeInfo>({number, MakeInfo<StringInfo>()});
-    auto const item = ListOf({Number(6), Text("x")}); // the number is out of its bounds
-    EXPECT_EQ(Validated(*item, schema), Texts{});
-    item->SetItem(1, Number(6));
-    EXPECT_EQ(Validated(*item, schema), (Texts{"TypesSystemCompositeTypeMismatch", "speed", "1"}));
-    schema->AddInfo(number);
-    EXPECT_EQ(Validated(*item, schema), (Texts{"TypesSystemCompositeValidationSize", "speed", "2"}));
-}
-
-TEST(Composite, ReadsOneLevelOfMembers)
-{
-    auto const pair = SchemaOf<CompositeInfo>({MakeInfo<U32Info>(), MakeInfo<StringInfo>()});
-    auto const item = ListOf({Text("old")});
-    std::string const invalid = "Invalid use of CompositeItem::SetValFromStream\n";
-    for (InfoPtr const& info : {InfoPtr(), InfoPtr(MakeInfo<CollectionInfo>())})
-        EXPECT_EQ(ReadText(*item, "1 x", info), std::pair(false, invalid));
-    EXPECT_EQ(Printed(*item), "(old)");
-    EXPECT_EQ(ReadText(*item, "1 x", pair), std::pair(true, std::string("CompositeItem with 2 items\n")));
-    EXPECT_EQ(Printed(*item), "(1, x)");
-    pair->AddInfo(SchemaOf<CompositeInfo>({}));
-    EXPECT_EQ(ReadText(*item, "2 y", pair), std::pair(false, "CompositeItem with 3 items\n" + invalid));
-    EXPECT_EQ(Printed(*item), "(2, y)"); // what was read stays
-    EXPECT_EQ(ReadText(*item, "z y", pair),
-              std::pair(false, std::string("CompositeItem with 3 items\nError parsing numericItem\n")));
-    EXPECT_TRUE(item->IsEmpty());
+    auto const text = MakeInfo<StringInfo>();
+    text->SetDefault("x");
+    auto const schema = SchemaOf({text, SchemaOf({text}), SchemaOf<CollectionInfo>({text})});
+    EXPECT_EQ(Printed(*Hold(schema->CreateItem())), "(x, (x), ())");
 }
 
 /// A schema that only claims to be a composite's.
@@ -254,21 +184,48 @@ struct FalseInfo : StringInfo
     IfType_t GetType() const override { return IfType_t::Composite; }
 };
 
-TEST(Composite, IsNotDeceivedByASchemasTag)
+TEST(Composite, ValidatesShapeAlone)
 {
+    auto const number = MakeInfo<U32Info>();
+    number->SetMax(5);
+    auto const schema = SchemaOf({number, MakeInfo<StringInfo>()});
+    auto const item = ListOf({Number(6), Text("x")}); // the number is out of its bounds
+    EXPECT_EQ(Validated(*item, schema), Texts{});
+    item->SetItem(1, Number(6));
+    EXPECT_EQ(Validated(*item, schema), (Texts{"TypesSystemCompositeTypeMismatch", "speed", "1"}));
+    schema->AddInfo(number);
+    EXPECT_EQ(Validated(*item, schema), (Texts{"TypesSystemCompositeValidationSize", "speed", "2"}));
+
     Info const impostor = MakeInfo<FalseInfo>();
-    auto const item = ListOf({Number(1)});
-    EXPECT_EQ(Assign(*MakeInfo<CompositeInfo>(), impostor), (Outcome{IfErrTypeNotAssignable, -1}));
-    EXPECT_FALSE(SchemaOf({Info(MakeInfo<CompositeInfo>())})->IsEqualBounds(SchemaOf({impostor})));
     EXPECT_EQ(Validated(*item, impostor).at(0), "TypesSystemValidateTypeMismatch");
-    EXPECT_FALSE(ReadText(*item, "1", impostor).first);
+    EXPECT_EQ(Assign(*schema, impostor), (Outcome{IfErrTypeNotAssignable, -1}));
+    EXPECT_FALSE(SchemaOf({Info(SchemaOf({}))})->IsEqualBounds(SchemaOf({impostor})));
 }
 
-/// A member whose record is what a test says: it predicts `predicted` bytes, writes `payload` and returns `code`.
+TEST(Composite, ReadsOneLevelOfMembers)
+{
+    auto const pair = SchemaOf({MakeInfo<U32Info>(), MakeInfo<StringInfo>()});
+    auto const item = ListOf({Text("old")});
+    std::string const invalid = "Invalid use of CompositeItem::SetValFromStream\n";
+    std::string const of3 = "CompositeItem with 3 items\n";
+    for (InfoPtr const& info : {InfoPtr(), InfoPtr(MakeInfo<CollectionInfo>()), InfoPtr(MakeInfo<FalseInfo>())})
+        EXPECT_EQ(ReadText(*item, "1 x", info), std::pair(false, invalid));
+    EXPECT_EQ(Printed(*item), "(old)");
+    EXPECT_EQ(ReadText(*item, "1 x", pair), std::pair(true, std::string("CompositeItem with 2 items\n")));
+    EXPECT_EQ(Printed(*item), "(1, x)");
+    pair->AddInfo(SchemaOf({}));
+    EXPECT_EQ(ReadText(*item, "2 y", pair), std::pair(false, of3 + invalid));
+    EXPECT_EQ(Printed(*item), "(2, y)"); // what was read stays
+    EXPECT_EQ(ReadText(*item, "z y", pair), std::pair(false, of3 + "Error parsing numericItem\n"));
+    EXPECT_TRUE(item->IsEmpty());
+    EXPECT_EQ(ReadText(*ListOf<CollectionItem>({}), "1"), std::pair(false, std::string("Impl. me")));
+}
+
+/// A member that predicts `predicted` bytes and writes `payload`, if it shows it, and returns a code all the same.
 struct Scripted : StringItem
 {
-    Scripted(unsigned int predicted, Bytes payload, int code = 0)
-        : StringItem(0x55), m_predicted(predicted), m_payload(std::move(payload)), m_code(code)
+    Scripted(unsigned int predicted, Bytes payload, bool shown = true)
+        : StringItem(0x55), m_predicted(predicted), m_payload(std::move(payload)), m_shown(shown)
     {}
     unsigned int GetSerialDataSize() const override { return m_predicted; }
     int Serialize(SerialStruct_t* record) const override
@@ -276,14 +233,14 @@ struct Scripted : StringItem
         record->id = boost::endian::native_to_big(std::uint32_t{0x55});
         record->size = boost::endian::native_to_big(static_cast<std::uint32_t>(m_payload.size()));
         record->type = 6;
-        record->data = m_code == IfErrInvalidArgument ? nullptr : new unsigned char[m_payload.size()];
-        if (record->data)
+        record->data = m_shown ? new unsigned char[m_payload.size()] : nullptr;
+        if (m_shown)
             std::copy(m_payload.begin(), m_payload.end(), record->data);
-        return m_code;
+        return IfErrNotSerializable;
     }
     unsigned int m_predicted;
     Bytes m_payload;
-    int m_code;
+    bool m_shown;
 };
 
 Bytes Joined(std::initializer_list<Bytes> parts)
@@ -302,53 +259,25 @@ Bytes Wire(unsigned char id, unsigned char type, Bytes const& payload, unsigned 
 
 TEST(CompositeRecord, HasItsBytes)
 {
-    Bytes const zeros(10, 0);
     Bytes const number = Wire(1, 2, {0, 0, 0, 1}, 5);
-    Bytes const two{0, 2};
-    auto const scripted = [](unsigned int predicted, Bytes const& payload, int code = 0) {
-        return Item(new Scripted(predicted, payload, code));
-    };
-    struct Case
-    {
-        std::vector<Item> members;
-        Bytes payload;
-    };
-    for (auto const& [members, payload] : {
-             Case{{}, {0, 0}},
-             Case{{Number(1), Text("ab")}, Joined({two, number, Wire(9, 6, {'a', 'b', 0})})},
-             Case{{ListOf({}, 3), ListOf({Number(1)}, 4)},
-                  Joined({two, Wire(3, 0xfd, {0, 0}), Wire(4, 0xfd, Joined({{0, 1}, number}))})},
-             Case{{ListOf<CollectionItem>({Number(1)}), Number(1)}, Joined({two, zeros, number})},
+    Bytes const sparse = Wire(7, 9, {'a', 'b', 'c', 'd', 0});
+    for (auto const& [composite, payload] : {
+             std::pair(ListOf({}), Bytes{0, 0}),
+             std::pair(ListOf({Number(1), Text("ab")}), Joined({{0, 2}, number, Wire(9, 6, {'a', 'b', 0})})),
+             std::pair(ListOf({ListOf({Number(1)}, 4)}), Joined({{0, 1}, Wire(4, 0xfd, Joined({{0, 1}, number}))})),
+             // A collection has no record of its own.
+             std::pair(ListOf({ListOf<CollectionItem>({Number(1)}), Number(1)}),
+                       Joined({{0, 2}, Bytes(10, 0), number})),
              // Five bytes of the sparse text stand where 24 were measured; the next follows at once, the rest is zero.
-             Case{{Hold(StringSparseItem::Create(7, "abcd")), Number(1)},
-                  Joined({two, Wire(7, 9, {'a', 'b', 'c', 'd', 0}), number, Bytes(19, 0)})},
-             Case{{ListOf({Hold(StringSparseItem::Create(7, "abcd"))}, 3), Number(1)},
-                  Joined({two, Wire(3, 0xfd, Joined({{0, 1}, Wire(7, 9, {'a', 'b', 'c', 'd', 0}), Bytes(19, 0)})),
-                          number})},
-             // More than was predicted is room made and told, at each level.
-             Case{{ListOf({scripted(0, Bytes(40, 7))}, 3), Number(1)},
-                  Joined({two, Wire(3, 0xfd, Joined({{0, 1}, Wire(0x55, 6, Bytes(40, 7))})), number})},
-             Case{{scripted(3, {7}), scripted(0, {8, 8})}, Joined({two, Wire(0x55, 6, {7}), Wire(0x55, 6, {8, 8})})},
-             // A code is not looked at; a size without bytes is no record.
-             Case{{scripted(1, {7}, IfErrNotSerializable), Number(1)}, Joined({two, Wire(0x55, 6, {7}), number})},
-             Case{{scripted(0, {7}, IfErrInvalidArgument), Number(1)}, Joined({two, zeros, number})},
+             std::pair(ListOf({Hold(StringSparseItem::Create(7, "abcd")), Number(1)}),
+                       Joined({{0, 2}, sparse, number, Bytes(19, 0)})),
          })
-    {
-        auto const composite = ListOf(members, 0x01020304);
-        Record const record = RecordOf(*composite);
-        EXPECT_EQ(record.payload, payload) << Printed(*composite);
-        EXPECT_EQ(record.id, 0x01020304U);
-        EXPECT_EQ(record.type, 0xfd);
-        EXPECT_EQ(record.numericType, 0);
-    }
-    EXPECT_EQ(CompositeItem(1).Serialize(nullptr), IfErrInvalidArgument);
+        EXPECT_EQ(RecordOf(*composite).payload, payload) << Printed(*composite);
 }
 
-/// Address space that the program may use while this lives; the address and thread checkers have their own idea of
-/// that.
-class MemoryLimit
+/// Address space that the program may use while this lives; some checkers have their own idea of that.
+struct MemoryLimit
 {
-public:
     explicit MemoryLimit([[maybe_unused]] rlim_t bytes)
     {
         getrlimit(RLIMIT_AS, &m_before);
@@ -358,22 +287,8 @@ public:
 #endif
     }
     ~MemoryLimit() { setrlimit(RLIMIT_AS, &m_before); }
-    MemoryLimit(MemoryLimit const&) = delete;
-    MemoryLimit& operator=(MemoryLimit const&) = delete;
-
-private:
     rlimit m_before{};
 };
-
-TEST(CompositeRecord, HoldsNumbersAsTheyWriteThemselves)
-{
-    ForAllTraits([]<typename Traits>(Traits) {
-        Item const number = Hold(NumericItem<Traits>::Create(9, static_cast<typename Traits::T>(77)));
-        Record const record = RecordOf(*number);
-        EXPECT_EQ(RecordOf(*ListOf({number})).payload,
-                  Joined({{0, 1}, Wire(9, record.type, record.payload, record.numericType)}));
-    });
-}
 
 TEST(CompositeRecord, IsRefusedBeyondItsSizeWord)
 {
@@ -404,47 +319,83 @@ TEST(CompositeRecord, CountsInSixteenBits)
     EXPECT_EQ(dynamic_cast<CompositeItem&>(*item).GetSize(), 1U);
 }
 
-TEST(CompositeRecord, IsAppendedToWhatStands)
+/// Header and payload of a value, by plain recursion over the members of composites.
+Bytes PlainRecord(ItemBase const& item)
 {
-    auto const tree = ListOf({Number(1), ListOf({Text("a b"), ListOf({}), ListOf({Number(2)}, 5)}), Text("")}, 6);
-    EXPECT_EQ(Read(*tree, {6, 0xfd, 0, {0}}), IfErrInvalidArgument);
-    EXPECT_EQ(tree->GetSize(), 3U);
-    EXPECT_EQ(Read(*tree, RecordOf(*tree)), 0);
-    EXPECT_EQ(Printed(*tree), "(1, (a b, (), (2)), , 1, (a b, (), (2)), )");
+    ItemBase::SerialStruct_t record;
+    Bytes bytes;
+    if (auto const* const composite = dynamic_cast<CompositeItem const*>(&item)) {
+        bytes = {0, static_cast<unsigned char>(composite->GetSize())};
+        for (unsigned int i = 0; i < composite->GetSize(); ++i)
+            bytes = Joined({bytes, PlainRecord(*composite->GetItem(i))});
+        bytes.resize(std::max<std::size_t>(bytes.size(), item.GetSerialDataSize()));
+        record.id = boost::endian::native_to_big(item.GetId());
+        record.size = boost::endian::native_to_big(static_cast<std::uint32_t>(bytes.size()));
+        record.type = 0xfd;
+    } else {
+        item.Serialize(&record); // whatever it returns
+        if (!record.data)
+            record.Clear(); // a size without bytes is no record
+        bytes.assign(record.data, record.data + boost::endian::big_to_native(std::uint32_t{record.size}));
+    }
+    auto const* const header = reinterpret_cast<unsigned char const*>(&record);
+    return Joined({Bytes(header, header + 10), bytes});
 }
 
-TEST(CompositeRecord, KeepsWhatCameBeforeAFailure)
+int PlainRead(CompositeItem& composite, std::span<unsigned char const> payload)
 {
-    Bytes const text = Wire(9, 6, {'a', 0});
-    Bytes const good = Joined({text, Wire(3, 0xfd, {0, 0})});
-    Bytes const sparse = Wire(7, 9, {'a', 'b', 'c', 'd', 0});
-    struct Case
-    {
-        Bytes payload;
-        int code;
-        char const* kept;
+    if (payload.size() < 2)
+        return IfErrInvalidArgument;
+    std::size_t next = 12; // behind the header of the next member
+    for (int left = payload[0] << 8 | payload[1]; left > 0; --left) {
+        if (payload.size() < next)
+            return -1;
+        ItemBase::ConstSerialStruct_t record;
+        std::memcpy(static_cast<void*>(&record), payload.data() + next - 10, 10);
+        record.data = payload.data() + next;
+        std::size_t const size = boost::endian::big_to_native(std::uint32_t{record.size});
+        auto const nested = Make<CompositeItem>(boost::endian::big_to_native(std::uint32_t{record.id}));
+        Item member = nested;
+        if (size > payload.size() - next || (record.type == 0xfd && record.numericType != 0))
+            return -1;
+        if ((record.type == 0xfd ? PlainRead(*nested, {record.data, size}) : ItemBase::Deserialize(&record, member)) <
+            0)
+            return -1;
+        composite.AddItem(member);
+        next += 10 + member->GetSerialDataSize();
+    }
+    return 0;
+}
+
+TEST(CompositeRecord, AgreesWithPlainRecursionOnAnyBytes)
+{
+    std::mt19937 random(1);
+    auto const below = [&random](std::size_t end) { return static_cast<unsigned int>(random() % end); };
+    std::vector<Item> leaves{Text("two words"), Make<CollectionItem>(4U), Hold(StringSparseItem::Create(5, "abcd"))};
+    for (bool const shown : {false, true}) // more than is written is predicted, and less
+        leaves.insert(leaves.end(), {new Scripted(30, {'x', 0}, shown), new Scripted(0, Bytes(40, 0), shown)});
+    ForAllTraits([&]<typename T>(T) { leaves.push_back(Hold(NumericItem<T>::Create(3, typename T::T{77}))); });
+    auto const grow = [&](auto const& self, unsigned int depth) -> boost::intrusive_ptr<CompositeItem> {
+        auto const composite = Make<CompositeItem>(below(1000));
+        for (unsigned int i = below(5); i > 0; --i)
+            composite->AddItem(depth == 0 || below(2) == 0 ? leaves[below(leaves.size())] : self(self, depth - 1));
+        return composite;
     };
-    for (auto const& [payload, code, kept] : {
-             Case{Joined({{0, 3}, good}), -1, "(a, ())"},                    // one too few
-             Case{Joined({{0, 1}, good}), 0, "(a)"},                         // one too many is not looked at
-             Case{Joined({{0, 3}, good, Bytes(10, 0)}), -1, "(a, ())"},      // no serial form
-             Case{Joined({{0, 3}, good, Wire(1, 0xfe, {})}), -1, "(a, ())"}, // a collection
-             Case{Joined({{0, 3}, good, Wire(1, 0xfd, {0})}), -1, "(a, ())"},
-             Case{Joined({{0, 3}, good, Wire(1, 0xfd, {0, 0}, 1)}), -1, "(a, ())"},
-             Case{Joined({{0, 2}, text, Wire(1, 0xfd, Joined({{0, 2}, text}))}), -1, "(a)"}, // the inner one goes
-             Case{Joined({{0, 2}, text, {0, 0, 0, 1, 0xff, 0xff, 0xff, 0xff, 0xfd, 0, 0, 0}}), -1, "(a)"},
-             // The step behind a sparse text is 34, not 15: the last may be one, the next is looked for further on.
-             Case{Joined({{0, 1}, sparse}), 0, "(abcd)"},
-             Case{Joined({{0, 2}, sparse, text, Bytes(19, 0)}), -1, "(abcd)"},
-             Case{Joined({{0, 2}, sparse, Bytes(19, 1), text}), 0, "(abcd, a)"},
-             Case{Joined({{0, 2}, Wire(3, 0xfd, Joined({{0, 1}, sparse})), Bytes(19, 1), text}), 0, "((abcd), a)"},
-             // A text that ends before its size does leaves the next header to be found inside it.
-             Case{Joined({{0, 2}, Wire(9, 6, Joined({{'b', 0}, text}))}), 0, "(b, a)"},
-         })
-    {
-        auto const [result, item] = Rebuild({1, 0xfd, 0, payload});
-        EXPECT_EQ(result, code) << kept;
-        EXPECT_EQ(Printed(*item), kept);
+    for (int round = 0; round < 1000; ++round) {
+        auto const tree = grow(grow, 5);
+        Record record = RecordOf(*tree);
+        Bytes const plain = PlainRecord(*tree);
+        ASSERT_EQ(record.payload, Bytes(plain.begin() + 10, plain.end()));
+        ASSERT_TRUE(Hold(tree->DeepCopy())->IsEqualValue(tree));
+        for (int damage = 0; damage < 20; ++damage) {
+            auto const expected = ListOf({Number(1)}, record.id); // a reading appends
+            auto const actual = Hold(expected->DeepCopy());
+            ASSERT_EQ(Read(*actual, record), PlainRead(*expected, record.payload));
+            ASSERT_EQ(PlainRecord(*actual), PlainRecord(*expected));
+            record.payload.resize(record.payload.size() - below(record.payload.size() / 8 + 1));
+            for (unsigned int i = below(3); i > 0; --i)
+                record.payload[below(record.payload.size())] = static_cast<unsigned char>(below(2) * below(256));
+        }
     }
 }
 
@@ -459,28 +410,22 @@ Leaf Nest(Leaf list, unsigned int depth, MakeList&& make)
 
 TEST(DeepTree, IsWalkedOnABoundedStack)
 {
-    Item const item = Nest(Number(1), k_deep, [](Item const& member) { return Item(ListOf({member})); });
+    auto const make = [](Info const& member) { return Info(SchemaOf({member})); };
+    Info const schema = Nest(Info(MakeInfo<U32Info>()), k_deep, make);
+    EXPECT_TRUE(schema->IsEqualBounds(Hold(schema->DeepCopy())));
+    EXPECT_GT(Printed(*schema).size(), k_deep * 2U);
+
+    auto const item = Hold(schema->CreateItem());
+    EXPECT_EQ(item->Validate(schema), nullptr);
     Record const record = RecordOf(*item);
+    EXPECT_EQ(item->GetSerialDataSize(), k_deep * 12U + 4);
     EXPECT_EQ(record.payload.size(), k_deep * 12U + 4);
     auto const [code, rebuilt] = Rebuild(record);
     EXPECT_EQ(code, 0);
     EXPECT_EQ(Printed(*rebuilt).size(), k_deep * 2U + 1);
-    auto const copy = Hold(rebuilt->DeepCopy());
-    dynamic_cast<CompositeItem&>(*rebuilt).SetItems({});
-    EXPECT_EQ(rebuilt->AssignValue(copy, nullptr), 0);
-    EXPECT_TRUE(item->IsEqualValue(rebuilt));
-}
-
-TEST(DeepTree, OfSchemasIsWalkedOnABoundedStack)
-{
-    auto const make = [](Info const& member) { return Info(SchemaOf<CompositeInfo>({member})); };
-    Info const schema = Nest(Info(MakeInfo<U32Info>()), k_deep, make);
-    auto const created = Hold(schema->CreateItem());
-    EXPECT_EQ(created->GetSerialDataSize(), k_deep * 12U + 4);
-    EXPECT_EQ(created->Validate(schema), nullptr);
-    auto const copy = Hold(schema->DeepCopy());
-    EXPECT_TRUE(schema->IsEqualBounds(copy));
-    EXPECT_GT(Printed(*copy).size(), k_deep * 2U);
+    CompositeItem copy(1);
+    EXPECT_EQ(copy.AssignValue(rebuilt, nullptr), 0);
+    EXPECT_TRUE(item->IsEqualValue(Hold(copy.DeepCopy())));
 }
 
 /// Derived classes may have destructors and fields of their own: ending them is still no recursion.
