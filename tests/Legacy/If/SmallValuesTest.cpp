@@ -7,6 +7,7 @@
 
 #include <cmath>
 #include <limits>
+#include <tuple>
 
 namespace Legacy::If::Test {
 namespace {
@@ -28,25 +29,20 @@ auto MakeOrientation(Orientation_t const& orientation) { return MakeValue<Orient
 
 TEST(Colour, IsPackedWithoutRoundingOrClamping)
 {
-    struct Case
+    auto const info = MakeInfo<ColourInfo>();
+    for (auto const& [component, ofItem, ofInfo] :
+         {std::tuple(std::nextafter(1.0F, 0.0F), 0xFEU, 0xFEU), std::tuple(1.5F, 126U, 126U),
+          std::tuple(-0.5F, 0U, 0x81U), std::tuple(16777215.0F, 1U, 1U), std::tuple(3e38F, 0U, 0U),
+          std::tuple(-3e38F, 0U, 0U), std::tuple(k_nan, 0U, 0U), std::tuple(-k_inf, 0U, 0U)})
     {
-        float component;
-        unsigned int ofItem;
-        unsigned int ofInfo;
-    };
-    for (Case const& c : {Case{0.5F, 0x7F, 0x7F}, Case{std::nextafter(1.0F, 0.0F), 0xFE, 0xFE}, Case{1.5F, 126, 126},
-                          Case{-0.5F, 0, 0x81}, Case{-1.0F / 256, 0, 0}, Case{16777215.0F, 1, 1}, Case{3e38F, 0, 0},
-                          Case{-3e38F, 0, 0}, Case{k_nan, 0, 0}, Case{-k_inf, 0, 0}})
-    {
-        auto const info = MakeInfo<ColourInfo>();
-        for (int place = 0; place < 4; ++place) {
-            Colour_t colour;
-            (place == 0 ? colour.b : place == 1 ? colour.g : place == 2 ? colour.r : colour.a) = c.component;
-            info->SetMin(colour);
-            EXPECT_EQ(MakeColour(colour)->GetARGB(), c.ofItem << 8 * place) << c.component;
-            EXPECT_EQ(info->GetMinARGB(), c.ofInfo << 8 * place) << c.component;
-        }
+        info->SetMin({0, component, 0, component});
+        EXPECT_EQ(info->GetMinARGB(), ofInfo << 16 | ofInfo) << component;
+        EXPECT_EQ(MakeColour({component, 0, component, 0})->GetARGB(), ofItem << 24 | ofItem << 8) << component;
     }
+    info->SetMax({1, 0.75F, 0.5F, 0.25F});
+    info->SetDefault({0.25F, 0.5F, 0.75F, 1});
+    EXPECT_EQ(info->GetMaxARGB(), 0xFFBF7F3FU);
+    EXPECT_EQ(info->GetDefaultARGB(), 0x3F7FBFFFU);
     auto const item = MakeColour({1, 1, 1, 1});
     item->Set(0.25F, 0.5F, 0.75F); // and transparent
     EXPECT_EQ(item->GetARGB(), 0x003F7FBFU);
@@ -118,11 +114,8 @@ TEST(FloatRecords, HoldTheirPartsInOrder)
     for (Record const& good : {colour, orientation}) {
         auto const item = Rebuild(good).second;
         std::string const before = Dumped(*item);
-        for (std::size_t const size : {std::size_t{0}, good.payload.size() - 1, good.payload.size() + 1}) {
-            Record other = good;
-            other.payload.assign(size, 0x40);
-            EXPECT_EQ(Read(*item, other), IfErrInvalidArgument) << size;
-        }
+        for (std::size_t const size : {std::size_t{0}, good.payload.size() - 1, good.payload.size() + 1})
+            EXPECT_EQ(Read(*item, {7, good.type, 0, Bytes(size, 0x40)}), IfErrInvalidArgument) << size;
         EXPECT_EQ(Dumped(*item), before);
     }
 }
