@@ -139,10 +139,15 @@ TEST(Directory, FollowsAParametersLife)
     EXPECT_EQ(directory.SetItem(Make<ItemHolder>(nullptr)), IfErrNullArgument);
     EXPECT_EQ(directory.log, (Texts{"add info3", "add item3", "set item3", "set info3"}));
 
-    directory.throws = true; // what a hook throws leaves the change made
+    // What a hook throws leaves the change made, and copies share the content.
+    directory.throws = true;
     EXPECT_THROW(directory.AddInfo(Schema(other, "x")), std::bad_alloc);
     EXPECT_THROW(directory.SetItem(Value(other)), std::bad_alloc);
-    EXPECT_NE(directory.FindItem("a/b", "x"), nullptr);
+    InfoItemDirectory copy(directory);
+    EXPECT_NE(copy.FindItem("a/b", "x"), nullptr);
+    EXPECT_EQ(copy.SetItem(value), 0); // its own hook runs, and no other
+    copy.Clear();
+    EXPECT_TRUE(directory.Empty() && !directory.FindSection("a").IsValid());
 }
 
 TEST(Directory, FindsByPath)
@@ -150,6 +155,7 @@ TEST(Directory, FindsByPath)
     InfoItemDirectory directory;
     unsigned int const id = Enter(directory, "a/b", "speed", 0);
     EXPECT_EQ(directory.SetItem(Value(id)), 0);
+    Enter(directory, "a/b", "", 1); // found by its id alone
     EXPECT_EQ(directory.FindInfo("a/b", "speed"), directory.FindInfo(id));
     EXPECT_EQ(directory.FindItem("/a/b", "speed"), directory.FindItem(id));
     EXPECT_EQ(directory.FindInfoItem("a/b/speed"), directory.FindInfoItem(id));
@@ -208,17 +214,6 @@ TEST(Directory, CollectsWhatLiesInASection)
     EXPECT_EQ(infoItems, (InfoItems{nullptr, at(0), at(1), at(2)}));
     directory.GetAllInfoItems(infoItems);
     EXPECT_EQ(infoItems, (InfoItems{at(1), at(0), at(2)})); // by id
-}
-
-TEST(Directory, SharesItsContentWithCopies)
-{
-    Directory first;
-    Directory second(first);
-    Enter(first, "a", "x", 1);
-    EXPECT_NE(second.FindInfo("a", "x"), nullptr);
-    EXPECT_EQ(second.log, Texts()); // hooks are each one's own
-    second.Clear();
-    EXPECT_TRUE(first.Empty() && !first.FindSection("a").IsValid());
 }
 
 TEST(Delta, KeepsFirstEntriesAndSharesHolders)

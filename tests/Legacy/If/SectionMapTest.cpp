@@ -85,7 +85,7 @@ TEST(SectionMap, AddsSectionsUnderTheirOwnIds)
         {SectionId("/a/b/c", 0x850C2FFF), 0}, // harmless
         {SectionId(), IfErrInvalidArgument},
         {SectionId("a", 0x05FFFFFF), IfErrInvalidArgument},     // the same section by another spelling
-        {SectionId("a/b", 0x450FFFFF), IfErrInvalidArgument},   // the same above the last level
+        {SectionId("a/n", 0x4513FFFF), IfErrInvalidArgument},   // the same above the last level
         {SectionId("/a/x", 0x450FFFFF), IfErrAlreadyExists},    // the id is taken
         {SectionId("/a/b", 0x4513FFFF), IfErrAlreadyExists},    // the name is taken
         {SectionId("/a/b/d", 0x86103FFF), IfErrAlreadyExists},  // the first level's name is taken
@@ -188,7 +188,7 @@ TEST(SectionMap, AddsAndFindsParametersOfExistingSections)
         EXPECT_EQ(map.FindInfo(path, "speed", id), code);
         EXPECT_EQ(id, 3U);
     }
-    EXPECT_EQ(map.FindInfo("a/b", "other", id), IfErrNotFound);
+    EXPECT_EQ(map.AddInfo(b.CreateInfoItemId(9), "other"), 0); // refusals have left neither id nor name behind
     EXPECT_EQ(map.AddInfo("/a//b", "speed", id), IfErrAlreadyExists);
     EXPECT_EQ(id, speed); // the one that bears the name
 }
