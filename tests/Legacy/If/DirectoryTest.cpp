@@ -8,6 +8,7 @@
 
 #include <list>
 #include <new>
+#include <random>
 
 namespace Legacy::If::Test {
 namespace {
@@ -35,22 +36,18 @@ TEST(InfoItemHolderMap, AgreesWithAModel)
     InfoItemHolderMap map;
     std::map<unsigned int, std::string> model;
     EXPECT_EQ(map.Insert(nullptr), IfErrNullArgument);
-    std::uint32_t state = 1;
-    auto const random = [&](std::uint32_t below) {
-        state = state * 1664525 + 1013904223;
-        return (state >> 8) % below;
-    };
+    std::mt19937 random;
     for (int step = 0; step < 20000; ++step) {
-        unsigned int const id = random(300) * 0x01000001U;
-        std::string const name(random(3) + 1, static_cast<char>('a' + random(4)));
-        if (random(4) == 0) {
+        auto const id = static_cast<unsigned int>(random() % 300) * 0x01000001U;
+        std::string const name(random() % 3 + 1, "abcd"[random() % 4]);
+        if (random() % 4 == 0) {
             ASSERT_EQ(map.Erase(id), model.erase(id) ? 0 : IfErrNotFound);
         } else {
             ASSERT_EQ(map.Insert(Make<InfoItemHolder>(Schema(id, name))),
                       model.emplace(id, name).second ? 0 : IfErrAlreadyExists);
         }
         ASSERT_EQ(map.Find(id).first, model.contains(id));
-        if (random(4) == 0) {
+        if (random() % 4 == 0) {
             auto const [first, last] = map.Find(name);
             auto const hasName = [&](auto const& entry) { return entry.second == name; };
             ASSERT_EQ(std::distance(first, last), std::count_if(model.begin(), model.end(), hasName));

@@ -76,27 +76,21 @@ TEST(SectionMap, FillsTheFirstGapOnceTheLastIdIsInUse)
 TEST(SectionMap, AddsSectionsUnderTheirOwnIds)
 {
     SectionMap map;
-    struct
-    {
-        SectionId id;
-        int code;
-    } const rows[] = {
-        {SectionId("/a/b/c", 0x850C2FFF), 0},
-        {SectionId("/a/b/c", 0x850C2FFF), 0}, // harmless
-        {SectionId(), IfErrInvalidArgument},
-        {SectionId("a", 0x05FFFFFF), IfErrInvalidArgument},     // the same section by another spelling
-        {SectionId("a/n", 0x4513FFFF), IfErrInvalidArgument},   // the same above the last level
-        {SectionId("/a/x", 0x450FFFFF), IfErrAlreadyExists},    // the id is taken
-        {SectionId("/a/b", 0x4513FFFF), IfErrAlreadyExists},    // the name is taken
-        {SectionId("/a/b/d", 0x86103FFF), IfErrAlreadyExists},  // the first level's name is taken
-        {SectionId("/x/y", 0x450FFFFF), IfErrAlreadyExists},    // the first level's id is taken
-        {SectionId("/a//d", 0x85103FFF), IfErrInvalidArgument}, // an empty level
-        {SectionId("q/", 0x4603FFFF), IfErrInvalidArgument},    // the same, and q stays
-        {SectionId("w/x", 0x7F03FFFF), IfErrInvalidArgument},   // level 63 above the last one
-        {SectionId("/a/b/c/d/e", 0xC50C203F), 0},               // the fourth level takes the rest
-    };
-    for (auto const& row : rows)
-        EXPECT_EQ(map.AddSection(row.id), row.code) << row.id.GetSectionName();
+    for (auto const& [id, code] :
+         {std::pair{SectionId("/a/b/c", 0x850C2FFF), 0},
+          {SectionId("/a/b/c", 0x850C2FFF), 0}, // harmless
+          {SectionId(), IfErrInvalidArgument},
+          {SectionId("a", 0x05FFFFFF), IfErrInvalidArgument},     // the same section by another spelling
+          {SectionId("a/n", 0x4513FFFF), IfErrInvalidArgument},   // the same above the last level
+          {SectionId("/a/x", 0x450FFFFF), IfErrAlreadyExists},    // the id is taken
+          {SectionId("/a/b", 0x4513FFFF), IfErrAlreadyExists},    // the name is taken
+          {SectionId("/a/b/d", 0x86103FFF), IfErrAlreadyExists},  // the first level's name is taken
+          {SectionId("/x/y", 0x450FFFFF), IfErrAlreadyExists},    // the first level's id is taken
+          {SectionId("/a//d", 0x85103FFF), IfErrInvalidArgument}, // an empty level
+          {SectionId("q/", 0x4603FFFF), IfErrInvalidArgument},    // the same, and q stays
+          {SectionId("w/x", 0x7F03FFFF), IfErrInvalidArgument},   // level 63 above the last one
+          {SectionId("/a/b/c/d/e", 0xC50C203F), 0}})              // the fourth level takes the rest
+        EXPECT_EQ(map.AddSection(id), code) << id.GetSectionName();
     ExpectLeaves(map, {"/a/b/c/d/e", "q"});
     // The two forms leave each other's numbering in order.
     EXPECT_EQ(Added(map, "a/n"), SectionId("/a/n", 0x4513FFFF));
@@ -122,15 +116,16 @@ TEST(SectionMap, FindsSectionsByPathAndById)
     }
     for (auto const& [path, code] : {std::pair{std::string("/a/b//c/"), 0},
                                      {"a/b/c", 0},
+                                     {"a/b/c", 0}, // known as a whole by now
                                      {"", IfErrNotFound},
                                      {"a/b/c/d", IfErrNotFound},
                                      {"A/b/c", IfErrNotFound},
                                      {std::string(1 << 20, '/'), IfErrInvalidArgument}})
-        for (int pass = 0; pass < 2; ++pass) { // the second time it is known as a whole
-            SectionId section = k_untouched;
-            EXPECT_EQ(map.FindSection(path, section), code) << path;
-            EXPECT_EQ(section, code == 0 ? abc : k_untouched);
-        }
+    {
+        SectionId section = k_untouched;
+        EXPECT_EQ(map.FindSection(path, section), code) << path;
+        EXPECT_EQ(section, code == 0 ? abc : k_untouched);
+    }
 }
 
 TEST(SectionMap, NumbersParametersByEightBits)
