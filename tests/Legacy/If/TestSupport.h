@@ -23,18 +23,15 @@ namespace Legacy::If::Test {
 
 using InfoPtr = boost::intrusive_ptr<InfoBase const>;
 using ItemPtr = boost::intrusive_ptr<ItemBase const>;
-/// Several traits classes: for typed tests, and one after the other.
+/// Several traits classes, one after the other.
 template<typename... Traits>
 struct TraitsList
 {
-    using Types = testing::Types<Traits...>;
-
     static void ForEach(auto&& call) { (call(Traits()), ...); }
 };
 
 using TenTraits = TraitsList<U8Traits, S8Traits, U16Traits, S16Traits, U32Traits, S32Traits, U64Traits, S64Traits,
                              FloatTraits, DoubleTraits>;
-using AllTraits = TenTraits::Types;
 
 using Texts = std::vector<std::string>;
 using Bytes = std::vector<unsigned char>;
@@ -83,8 +80,7 @@ Texts MessageOf(ItemBase const& item, auto&& validation)
     Detail::t_messageObserver = [](LocalizedString const& seen) {
         message.assign(1, seen.GetKey());
         for (auto const& argument : seen.GetArguments()) {
-            EXPECT_EQ(argument->GetType(), IfType_t::String);
-            EXPECT_EQ(argument->GetId(), 0U);
+            EXPECT_TRUE(Dumped(*argument).starts_with("id: 0\ntype: String\n"));
             message.push_back(argument->GetValAsString());
         }
     };
@@ -120,12 +116,9 @@ struct Record
     {
         auto const data = std::make_unique<unsigned char[]>(payload.size());
         std::copy(payload.begin(), payload.end(), data.get());
-        ItemBase::ConstSerialStruct_t record;
-        record.id = boost::endian::native_to_big(id);
-        record.size = boost::endian::native_to_big(static_cast<std::uint32_t>(payload.size()));
-        record.type = type;
-        record.numericType = numericType;
-        record.data = data.get();
+        auto const size = boost::endian::native_to_big(static_cast<std::uint32_t>(payload.size()));
+        ItemBase::ConstSerialStruct_t const record{boost::endian::native_to_big(id), size, type, numericType,
+                                                   data.get()};
         return use(&record);
     }
 };
@@ -135,12 +128,9 @@ inline Record RecordOf(ItemBase const& item)
 {
     ItemBase::SerialStruct_t written;
     EXPECT_EQ(item.Serialize(&written), 0);
-    Record record;
-    record.id = boost::endian::big_to_native(std::uint32_t{written.id});
-    record.type = written.type;
-    record.numericType = written.numericType;
-    record.payload.assign(written.data, written.data + boost::endian::big_to_native(std::uint32_t{written.size}));
-    return record;
+    auto const id = boost::endian::big_to_native(std::uint32_t{written.id});
+    auto const size = boost::endian::big_to_native(std::uint32_t{written.size});
+    return {id, written.type, written.numericType, Bytes(written.data, written.data + size)};
 }
 
 inline int Read(ItemBase& item, Record const& record)
@@ -163,10 +153,7 @@ struct Outcome
     int changed; // -1 untouched, 0 false, 1 true
 
     friend bool operator==(Outcome const&, Outcome const&) = default;
-    friend std::ostream& operator<<(std::ostream& os, Outcome const& outcome)
-    {
-        return os << '(' << outcome.code << ", " << outcome.changed << ')';
-    }
+    friend void PrintTo(Outcome const& o, std::ostream* os) { *os << '(' << o.code << ", " << o.changed << ')'; }
 };
 
 Outcome OutcomeOf(auto&& call)
