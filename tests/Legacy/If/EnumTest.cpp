@@ -21,11 +21,16 @@ TEST(EnumInfo, FindsItsElements)
     for (Elem const& taken : {Elem{"new", 2}, Elem{"on", 9}})
         EXPECT_EQ(info->AddElem(taken), IfErrAlreadyExists);
     EXPECT_EQ(info->AddElem({"On", 9}), 0); // names compare byte for byte
-    std::string name = "kept";
+    Elem elem;
+    std::string name;
     int value = 77;
+    EXPECT_EQ(info->GetElem(1, elem) + info->GetElemName(2, name), 0);
+    EXPECT_EQ(elem, (Elem{"auto", 1, true}));
+    EXPECT_EQ(info->GetElem(3, elem), IfErrNotFound);
     EXPECT_EQ(info->GetElemName(3, name), IfErrNotFound);
     EXPECT_EQ(info->GetElemVal("none", value), IfErrNotFound);
-    EXPECT_EQ(name + std::to_string(value), "kept77");
+    EXPECT_EQ(name + std::to_string(value), "on77");
+    EXPECT_EQ(info->GetElemVal("on", value) + value, 2);
     EXPECT_TRUE(info->IsPresent(1) && !info->IsEnabled(1) && !info->IsEnabled(3));
     for (auto const change : {&EnumInfo::DisableElem, &EnumInfo::EnableElem, &EnumInfo::RemoveElem})
         EXPECT_EQ((*info.*change)(3), IfErrNotFound);

@@ -35,9 +35,10 @@ TEST(Colour, IsPackedWithoutRoundingOrClamping)
           std::tuple(-0.5F, 0U, 0x81U), std::tuple(16777215.0F, 1U, 1U), std::tuple(3e38F, 0U, 0U),
           std::tuple(-3e38F, 0U, 0U), std::tuple(k_nan, 0U, 0U), std::tuple(-k_inf, 0U, 0U)})
     {
-        info->SetMin({0, component, 0, component});
-        EXPECT_EQ(info->GetMinARGB(), ofInfo << 16 | ofInfo) << component;
-        EXPECT_EQ(MakeColour({component, 0, component, 0})->GetARGB(), ofItem << 24 | ofItem << 8) << component;
+        Colour_t const colour{component, component, component, component};
+        info->SetMin(colour);
+        EXPECT_EQ(info->GetMinARGB(), ofInfo * 0x01010101U) << component;
+        EXPECT_EQ(MakeColour(colour)->GetARGB(), ofItem * 0x01010101U) << component;
     }
     info->SetMax({1, 0.75F, 0.5F, 0.25F});
     info->SetDefault({0.25F, 0.5F, 0.75F, 1});
@@ -85,16 +86,14 @@ TEST(Colour, HasItsTextForms)
     EXPECT_EQ(Printed(*item), "(1 0.5 0.25 0)");
     EXPECT_EQ(Dumped(*item), "id: 7\ntype: Colour\nvalue: a1, r0.5, g0.25, b 0\n");
 
-    for (auto const& [text, word, value] :
-         {std::tuple("(1 0.5 0.25 0)", "", "(1 0.5 0.25 0)"), std::tuple("12 3 4 5", "", "(2 3 4 5)"),
-          std::tuple(" (1 2 3 4)", ".a", "(4 3 2 1)"), std::tuple("(1", ".r", "(4 3 2 1)"),
-          std::tuple("(1 2 word", ".g", "(4 3 2 1)"), std::tuple("(1 2 3)", ".b", "(4 3 2 1)")})
-    {
-        auto const target = MakeColour({4, 3, 2, 1});
-        std::string const message = *word == 0 ? "" : std::string("Error parsing colourItem") + word + '\n';
-        EXPECT_EQ(ReadText(*target, text), std::pair(*word == 0, message));
-        EXPECT_EQ(Printed(*target), value) << text;
-    }
+    EXPECT_TRUE(ReadText(*item, "12 3 4 5").first); // the first character is skipped
+    EXPECT_EQ(Printed(*item), "(2 3 4 5)");
+    for (auto const& [text, part] :
+         {std::pair(" (1 2 3 4)", 'a'), std::pair("(1", 'r'), std::pair("(1 2 word", 'g'), std::pair("(1 2 3)", 'b')})
+        EXPECT_EQ(ReadText(*item, text), std::pair(false, std::string("Error parsing colourItem.") + part + '\n'));
+    EXPECT_EQ(Printed(*item), "(2 3 4 5)");
+    EXPECT_TRUE(ReadText(*item, "(1 0.5 0.25 0)").first);
+    EXPECT_EQ(Printed(*item), "(1 0.5 0.25 0)");
     std::istringstream in("(1 2 3 4)rest");
     std::ostringstream out;
     EXPECT_TRUE(item->SetValFromStream(in, out, nullptr));
