@@ -59,12 +59,10 @@ TEST(EnumInfo, KeepsADefaultAsFarAsTold)
     EXPECT_EQ(info->GetDefault(), 2);
 }
 
-TEST(EnumInfo, IsNeverEqualAndNeverMerged)
+TEST(EnumInfo, AssignsAllButWhetherItIsLocalized)
 {
     auto const info = Switch();
     EXPECT_TRUE(Hold(info->DeepCopy(9))->IsLocalized());
-    EXPECT_FALSE(info->IsEqualBounds(info));
-    EXPECT_EQ(info->MergeBounds(info), IfErrTypeNotAssignable);
     auto const target = MakeInfo<EnumInfo>(false);
     for (auto const change : {+[](EnumInfo& i) { i.EnableElem(1); }, +[](EnumInfo& i) { i.SetDefault(2); },
                               +[](EnumInfo& i) { i.GetTable()[0].name = "zero"; }})

@@ -14,6 +14,10 @@ Types const k_neverValid{NumericSparse, Coordinate, Rectangle, RectArray};
 Types const k_alwaysValid{StringSparse, Colour,      Orientation,      Addr,      LocalizedString,
                           Endpoint,     AppEndpoint, AppEndpointArray, Collection};
 Types const k_withoutMerge{LocalizedString, Extended, Composite, Collection};
+// Contract: the bounds of these are equal to nobody's, own copies included; callers take them for new and send them.
+Types const k_neverEqual{NumericSparse, StringSparse, Enum, Extended, LocalizedString};
+// Contract: these report so even to an own copy, a text after it was merged; callers go by the other code alone.
+Types const k_neverMerged{NumericSparse, StringSparse, Enum, String, Extended, LocalizedString, Composite, Collection};
 Types const k_withoutRecord{LocalizedString, Extended, Collection};
 
 /// A schema of a family that no other has to do with.
@@ -87,6 +91,11 @@ void ExpectValue(Item& item)
     int const code = type == Extended ? IfErrNotSerializable : IfErrTypeNotAssignable;
     EXPECT_EQ(item.Serialize(nullptr), k_withoutRecord.contains(type) ? code : IfErrInvalidArgument);
     EXPECT_EQ(item.Deserialize(nullptr), k_withoutRecord.contains(type) ? code : IfErrNullArgument);
+    if (k_withoutRecord.contains(type)) {
+        ItemBase::SerialStruct_t record;
+        EXPECT_EQ(item.Serialize(&record), code);
+        EXPECT_TRUE(record.id == 0 && !record.data && item.GetSerialDataSize() == 0);
+    }
     for (int part = 0; part < 3 && !k_withoutRecord.contains(type); ++part) {
         auto const target = Hold(item.DeepCopy());
         Record record = RecordOf(item);
@@ -132,6 +141,9 @@ void ExpectSchema(Info& info)
         EXPECT_EQ(info.MergeBounds(foreign), unmerged);
         EXPECT_EQ(info.IsEqualBounds(foreign), type == Colour); // a colour has none to compare
     }
+    auto const twin = Hold(info.DeepCopy());
+    EXPECT_EQ(info.IsEqualBounds(twin), !k_neverEqual.contains(type));
+    EXPECT_EQ(info.MergeBounds(twin), k_neverMerged.contains(type) ? IfErrTypeNotAssignable : 0);
     expectCopy(assigned, 8, "own", {5});
     expectCopy(Make<Info>(info), 7, "speed", {0x1234});
     expectCopy(Hold(info.DeepCopy()), 7, "speed", {0x1234});

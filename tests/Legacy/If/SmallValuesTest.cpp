@@ -150,22 +150,6 @@ TEST(Extended, IsAPairOfTextsThatIsNotPrinted)
     EXPECT_EQ(Assign(*MakeInfo<ExtendedInfo>(), info), (Outcome{0, 1}));
 }
 
-TEST(ValuesInMemory, HaveNoRecordAndNoBounds)
-{
-    using Info = boost::intrusive_ptr<InfoBase>;
-    for (auto const& [info, code] : {std::pair(Info(MakeInfo<ExtendedInfo>()), IfErrNotSerializable),
-                                     std::pair(Info(MakeInfo<LocalizedStringInfo>()), IfErrTypeNotAssignable)})
-    {
-        EXPECT_FALSE(info->IsEqualBounds(info));
-        EXPECT_EQ(info->MergeBounds(info), IfErrTypeNotAssignable);
-        auto const item = Hold(info->CreateItem());
-        EXPECT_EQ(item->GetSerialDataSize(), 0U);
-        ItemBase::SerialStruct_t record;
-        EXPECT_EQ(item->Serialize(&record), code);
-        EXPECT_TRUE(record.id == 0 && !record.data);
-    }
-}
-
 TEST(LocalizedStringValue, IsShownInTheDefaultLanguage)
 {
     LocalizedString message("TypesSystemNumericValidationMin");
