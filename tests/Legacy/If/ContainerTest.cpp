@@ -73,9 +73,11 @@ TYPED_TEST(Containers, AddSetAndRemoveAllOrNone)
     EXPECT_EQ(c.Add(first), 0);
     EXPECT_EQ(c.Add(New<E>(5)), IfErrDuplicateId);
     EXPECT_EQ(c.Get(k(5)), first);
-    c.Set(New<E>(5, "m"));
+    auto const second = New<E>(5, "m");
+    c.Set(second);
     EXPECT_EQ(first->GetRefCount(), 1);
     EXPECT_EQ(c.Find("twin"), nullptr);
+    EXPECT_EQ(c.Find(k_name<E>[0] != 0 ? "m" : ""), second);
 
     auto const later = New<E>(2);
     EXPECT_EQ(c.Add({New<E>(2), nullptr, New<E>(1), later}), 0); // one key twice: the later element stays
