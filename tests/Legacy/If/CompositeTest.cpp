@@ -334,8 +334,9 @@ int PlainRead(CompositeItem& composite, std::span<unsigned char const> payload)
         Item member = nested;
         if (size > payload.size() - next || (record.type == 0xfd && record.numericType != 0))
             return -1;
-        if ((record.type == 0xfd ? PlainRead(*nested, {record.data, size}) : ItemBase::Deserialize(&record, member)) <
-            0)
+        bool const fits = record.type == 0xfd ? PlainRead(*nested, {record.data, size}) == 0
+                                              : ItemBase::Deserialize(&record, member) == 0;
+        if (!fits)
             return -1;
         composite.AddItem(member);
         next += 10 + member->GetSerialDataSize();
