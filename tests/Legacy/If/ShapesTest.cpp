@@ -73,19 +73,6 @@ class Corners : public testing::Test
 using CornerInfos = testing::Types<RectInfo<U16>, RectInfo<S32>, RectInfo<F>, RectArrayInfo<U16>>;
 TYPED_TEST_SUITE(Corners, CornerInfos);
 
-TYPED_TEST(Corners, AreNeverShared)
-{
-    auto const info = MakeInfo<TypeParam>();
-    auto const deep = Hold(info->DeepCopy(9, "other", Permission_t{1}));
-    TypeParam assigned(1, "target", {});
-    assigned = *info;
-    std::string const before = Printed(*info);
-    info->BottomRight()->Y()->SetMax(60);
-    EXPECT_EQ(Printed(assigned), before);
-    EXPECT_EQ(Printed(*deep), before);
-    EXPECT_EQ(deep->BottomRight()->Y()->GetPermission(), info->GetPermission()); // the part's own, not the copy's
-}
-
 TYPED_TEST(Corners, AreMergedPartAfterPart)
 {
     auto const a = Bounded<TypeParam>({{{1, 1, 10}, {1, 1, 10}, {1, 1, 10}, {1, 1, 10}}});
@@ -120,6 +107,15 @@ TYPED_TEST(Corners, AreAssignedWithBoundsAndDefaults)
 
 TEST(Rect, SharesNoCorner)
 {
+    auto const info = MakeInfo<RectInfo<S32>>();
+    auto const deep = Hold(info->DeepCopy(9, "other", Permission_t{1}));
+    EXPECT_EQ(deep->BottomRight()->Y()->GetPermission(), info->GetPermission()); // the part's own, not the copy's
+    RectInfo<S32> assigned(1, "target", {});
+    assigned = *info;
+    info->BottomRight()->Y()->SetMax(60);
+    EXPECT_FALSE(deep->IsEqualBounds(info));
+    EXPECT_FALSE(assigned.IsEqualBounds(info));
+
     auto const item = Rectangle<S32>({1, 2, 3, 4});
     auto const copy = Hold(item->DeepCopy(9));
     RectItem<S32> target(1);
@@ -241,12 +237,9 @@ TEST(Coordinate, ComparesFloatsWithinTheToleranceAndLetsANaNPass)
 {
     EXPECT_TRUE(Point<F>(0, 0)->IsEqualValue(Point<F>(1e-11F, 0)));
     EXPECT_FALSE(Point<F>(0, 0)->IsEqualValue(Point<F>(0, 1e-9F)));
-    auto const point = Point<F>(k_nan, 1e-11F);
-    EXPECT_TRUE(point->WithinBounds(*MakeInfo<CoordinateInfo<F>>()));
-    point->X()->BoundVal(*MakeInfo<NumericInfo<F>>());
-    auto const target = Point<F>(0, 0);
-    EXPECT_EQ(Assign(*target, point), (Outcome{0, 0})); // taken over and not told
-    EXPECT_EQ(Printed(*target), "(nan,  1e-11)");
+    auto const info = MakeInfo<CoordinateInfo<F>>(); // what it allows begins above 0
+    EXPECT_FALSE(Point<F>(k_nan, 0)->WithinBounds(*info));
+    EXPECT_TRUE(Point<F>(k_nan, 1)->WithinBounds(*info));
 }
 
 TEST(RectArrayInfo, SharesTheBoundsOfItsCornersAlone)
@@ -317,7 +310,6 @@ TEST(NumericArrayItem, TakesRectanglesInFlatOrder)
     NumericArrayItem<U16> item(1);
     auto const rect = Rectangle<S32>({-1, 70000, 3, 4});
     EXPECT_EQ(Assign(item, rect, 2), (Outcome{0, 1}));
-    EXPECT_EQ(Assign(item, rect, 2), (Outcome{0, 0}));
     EXPECT_EQ(Printed(item), "(0, 0, 65535, 4464, 3, 4)");
     EXPECT_EQ(Assign(item, Rectangle<F>({1.9F, 2.9F, 3.9F, 4.9F}), 1), (Outcome{0, 1}));
     EXPECT_EQ(Printed(item), "(0, 1, 2, 3, 4, 4)");
