@@ -188,7 +188,6 @@ TEST(NumericRecords, HoldIntegersBigEndianAndPassFloatsThroughThem)
     ExpectRecords<U32Traits>({{0x01020304, native_to_big(0x01020304U), 0x01020304}});
     ExpectRecords<S64Traits>({{-2, native_to_big(std::int64_t{-2}), -2}});
     ExpectRecords<FloatTraits>({{1.5F, 16777216.0F, 1.0F},
-                                {255.0F, 4278190080.0F, 255.0F},
                                 {-1.0F, 4294967296.0F, 0.0F}, // 0xFFFFFFFF is no float
                                 {16909060.0F, 67305984.0F, 131844.0F},
                                 {3e9F, 6213810.0F, 3e9F},
@@ -198,7 +197,6 @@ TEST(NumericRecords, HoldIntegersBigEndianAndPassFloatsThroughThem)
     constexpr double swapped = 9223372036854775808.0; // 128 with its bytes swapped
     ExpectRecords<DoubleTraits>({{1.5, 72057594037927936.0, 1.0},
                                  {-1.0, 18446744073709551616.0, 128.0}, // 2 to the 64 is out of range on the way back
-                                 {16909060.0, 289077004400066560.0, 16909060.0},
                                  {18446744073709551616.0, 128.0, swapped},
                                  {-1e300, 128.0, swapped},
                                  {k_nan, 128.0, swapped}});
