@@ -199,6 +199,7 @@ TEST(ShapeRecords, HaveTheirBytesAndSizes)
         Record const record = RecordOf(*item);
         EXPECT_EQ(record.payload, payload);
         auto const target = Rebuild(record).second;
+        EXPECT_EQ(RecordOf(*target).payload, payload);
         std::string const before = Dumped(*target);
         for (std::size_t const size : {payload.size() - 1, payload.size() + 1, payload.size() + 4}) {
             Record other = record;
