@@ -28,9 +28,11 @@ TEST(EnumInfo, FindsItsElements)
     EXPECT_EQ(elem, (Elem{"auto", 1, true}));
     EXPECT_EQ(info->GetElem(3, elem), IfErrNotFound);
     EXPECT_EQ(info->GetElemName(3, name), IfErrNotFound);
+    EXPECT_EQ(name, "on");
     EXPECT_EQ(info->GetElemVal("none", value), IfErrNotFound);
-    EXPECT_EQ(name + std::to_string(value), "on77");
-    EXPECT_EQ(info->GetElemVal("on", value) + value, 2);
+    EXPECT_EQ(value, 77);
+    EXPECT_EQ(info->GetElemVal("on", value), 0);
+    EXPECT_EQ(value, 2);
     EXPECT_TRUE(info->IsPresent(1) && !info->IsEnabled(1) && !info->IsEnabled(3));
     for (auto const change : {&EnumInfo::DisableElem, &EnumInfo::EnableElem, &EnumInfo::RemoveElem})
         EXPECT_EQ((*info.*change)(3), IfErrNotFound);
