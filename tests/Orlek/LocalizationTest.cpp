@@ -78,7 +78,7 @@ TEST(Localization, DirectoryOverridesAndAddsLanguagesAndMayHoldAnything)
         std::ofstream(directory / "legacyif.mo", std::ios::binary) << content;
         return Localization::SetCatalogueDirectory(root.string());
     };
-    // Every truncation and every header and table byte at its ends and flipped, must neither throw nor read astray.
+    // Cut off anywhere, and with any byte of header or tables changed, a file must neither throw nor be read astray.
     for (std::size_t size = 0; size < german.size(); size += size < 300 ? 1 : 97)
         EXPECT_EQ(use("de", german.substr(0, size)), 0U) << size;
     EXPECT_EQ(Look(k_minKey, "de"), k_minGerman);
