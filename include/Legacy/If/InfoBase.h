@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
+#include <new>
 #include <string>
 
 namespace Legacy::If {
@@ -99,6 +100,13 @@ public:
     static void* operator new(std::size_t, void* place) noexcept { return place; }
     static void operator delete(void* object, std::size_t size) noexcept;
     static void operator delete(void*, void*) noexcept {}
+
+    /// The cache knows no alignment: classes that ask for more than the usual one go straight to the allocator.
+    static void* operator new(std::size_t size, std::align_val_t alignment) { return ::operator new(size, alignment); }
+    static void operator delete(void* object, std::align_val_t alignment) noexcept
+    {
+        ::operator delete(object, alignment);
+    }
 
 private:
     friend struct Detail::FirstReference;

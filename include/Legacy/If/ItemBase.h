@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <iosfwd>
 #include <memory>
+#include <new>
 #include <string>
 
 namespace Legacy::If {
@@ -181,6 +182,13 @@ public:
     static void* operator new(std::size_t, void* place) noexcept { return place; }
     static void operator delete(void* object, std::size_t size) noexcept;
     static void operator delete(void*, void*) noexcept {}
+
+    /// The cache knows no alignment: classes that ask for more than the usual one go straight to the allocator.
+    static void* operator new(std::size_t size, std::align_val_t alignment) { return ::operator new(size, alignment); }
+    static void operator delete(void* object, std::align_val_t alignment) noexcept
+    {
+        ::operator delete(object, alignment);
+    }
 
 protected:
     /// Copies the id; the copy is an object of its own, with the count 0.

@@ -97,5 +97,16 @@ TEST(FastPath, PrintsAsAStreamDoes)
     EXPECT_EQ(RecordOf(Shouting<AddrItem>(7)).payload, (Bytes{'S', 'E', 'V', 'E', 'N', 0})); // what is printed
 }
 
+TEST(FastPath, GivesOverAlignedClassesTheirAlignment)
+{
+    struct alignas(256) Wide : NumericItem<U8Traits>
+    {
+        using NumericItem::NumericItem;
+    };
+    std::vector<ItemPtr> held;
+    for (unsigned int id = 0; id < 8; ++id)
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(held.emplace_back(Make<Wide>(id)).get()) % alignof(Wide), 0U);
+}
+
 } // namespace
 } // namespace Legacy::If::Test
