@@ -3,8 +3,6 @@
 #include <Orlek/LogLevel.h>
 #include <Orlek/StrPtrLen.h>
 
-#include <boost/exception/get_error_info.hpp>
-#include <boost/exception/info.hpp>
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 #include <gtest/gtest.h>
 
@@ -52,19 +50,18 @@ TEST(LogLevel, EverySeverityHasALevel)
 
 TEST(Exception, IsCaughtUnderEveryBaseWithItsParts)
 {
-    using Extra = boost::error_info<struct ExtraTag, int>;
     try {
-        throw LogicError(-32, "Null pointer", {"dir\\File", "Space::Function", 273}) << Extra(7);
+        throw LogicError(-32, "Null pointer", {"dir\\File", "Space::Function", 273});
     } catch (Exception const& error) {
         Exception copy = error;
         Exception const moved = std::move(copy); // leaves its source whole
         EXPECT_NE(dynamic_cast<LogicError const*>(&error), nullptr);
+        EXPECT_NE(dynamic_cast<boost::exception const*>(&error), nullptr);
         EXPECT_EQ(copy.GetCode(), -32);
         EXPECT_STREQ(static_cast<std::exception const&>(copy).what(), "Null pointer");
         std::ostringstream out;
         out << std::hex << std::showbase << copy.GetLocation(); // numbers in places are always decimal
         EXPECT_EQ(out.str(), "dir\\File:273 Space::Function");
-        EXPECT_EQ(*boost::get_error_info<Extra>(copy), 7);
     }
 }
 
