@@ -8,6 +8,7 @@
 #include <array>
 #include <cstring>
 #include <limits>
+#include <tuple>
 
 namespace Legacy::If::Test {
 namespace {
@@ -103,20 +104,15 @@ TEST(Numeric, MeetsItsOwnElementTypeAlone)
 
 TEST(NumericInfo, MergesToTheCommonRange)
 {
-    struct Case
-    {
-        int min, max; // of the other; this one has 10 to 20 and the default 10
-        int code;
-        char const* merged;
-    };
-    for (Case const& c :
-         {Case{15, 30, 0, "15 <= 10 <= 20"}, Case{20, 30, 0, "20 <= 10 <= 20"}, Case{0, 10, 0, "10 <= 10 <= 10"},
-          Case{12, 14, 0, "12 <= 10 <= 14"}, Case{21, 30, IfErrBoundsDisjoint, "10 <= 10 <= 20"},
-          Case{0, 9, IfErrBoundsDisjoint, "10 <= 10 <= 20"}})
+    for (auto const& [min, max, code, merged] :
+         {std::tuple(15, 30, 0, "15 <= 10 <= 20"), std::tuple(20, 30, 0, "20 <= 10 <= 20"),
+          std::tuple(0, 10, 0, "10 <= 10 <= 10"), std::tuple(12, 14, 0, "12 <= 10 <= 14"),
+          std::tuple(21, 30, IfErrBoundsDisjoint, "10 <= 10 <= 20"),
+          std::tuple(0, 9, IfErrBoundsDisjoint, "10 <= 10 <= 20")})
     {
         auto const info = Bounded<S32Traits>(10, 10, 20);
-        EXPECT_EQ(info->MergeBounds(Bounded<S32Traits>(c.min, c.min, c.max)), c.code);
-        EXPECT_EQ(Printed(*info), c.merged); // the default stays, also where it lies outside now
+        EXPECT_EQ(info->MergeBounds(Bounded<S32Traits>(min, min, max)), code);
+        EXPECT_EQ(Printed(*info), merged); // the default stays, also where it lies outside now
     }
 }
 

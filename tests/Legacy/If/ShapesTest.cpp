@@ -183,18 +183,14 @@ TEST(ShapeTexts, HaveTheirForms)
 
 TEST(ShapeRecords, HaveTheirBytesAndSizes)
 {
-    struct Case
-    {
-        ItemPtr item;
-        Bytes payload;
-        bool takesMore = false; ///< whether more bytes than these are read
-    };
-    // In this form of a float the bytes of its integer part are swapped: 1.5 stands as 16777216.
+    // In this form of a float the bytes of its integer part are swapped: 1.5 stands as 16777216. A rectangle ignores
+    // what follows it.
     for (auto const& [item, payload, takesMore] :
-         {Case{Point<U16>(0x0102, 3), {1, 2, 0, 3}}, Case{Point<S32>(-2, 1), {255, 255, 255, 254, 0, 0, 0, 1}},
-          Case{Point<F>(1.5F, 255), {0, 0, 0x80, 0x4B, 0, 0, 0x7F, 0x4F}},
-          Case{Rectangle<U16>({1, 2, 3, 0x0405}), {0, 1, 0, 2, 0, 3, 4, 5}, true},
-          Case{List({{1, 2, 3, 4}}), {0, 1, 0, 2, 0, 3, 0, 4}}})
+         {std::tuple(ItemPtr(Point<U16>(0x0102, 3)), Bytes{1, 2, 0, 3}, false),
+          std::tuple(ItemPtr(Point<S32>(-2, 1)), Bytes{255, 255, 255, 254, 0, 0, 0, 1}, false),
+          std::tuple(ItemPtr(Point<F>(1.5F, 255)), Bytes{0, 0, 0x80, 0x4B, 0, 0, 0x7F, 0x4F}, false),
+          std::tuple(ItemPtr(Rectangle<U16>({1, 2, 3, 0x0405})), Bytes{0, 1, 0, 2, 0, 3, 4, 5}, true),
+          std::tuple(ItemPtr(List({{1, 2, 3, 4}})), Bytes{0, 1, 0, 2, 0, 3, 0, 4}, false)})
     {
         Record const record = RecordOf(*item);
         EXPECT_EQ(record.payload, payload);
