@@ -27,6 +27,10 @@ function(platform_library name)
 
     add_library(${name}_objects OBJECT ${ARG_SOURCES})
     platform_warnings(${name}_objects)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        # What clang takes for granted: a library's own functions are its own, so calls of them can be inlined.
+        target_compile_options(${name}_objects PRIVATE -fno-semantic-interposition)
+    endif()
     target_compile_features(${name}_objects PUBLIC cxx_std_20)
     target_include_directories(${name}_objects PUBLIC "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>")
     target_link_libraries(${name}_objects PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})

@@ -138,12 +138,14 @@ private:
     std::size_t m_size = 0;
 };
 
-/// Writes a member's record and returns the payload size that the member predicts.
-using Writer = std::uint64_t (*)(Payload& payload, ItemBase const& member);
+/// Writes the records of one or more members from the front of `left`, takes them from there, and returns the sum of
+/// the payload sizes that they predict, with a header for each.
+using Writer = std::uint64_t (*)(Payload& payload, Detail::Remaining<ItemBase>& left);
 
 /// Any member: header and payload as it writes them itself, whatever code it returns.
-std::uint64_t PutMember(Payload& payload, ItemBase const& member)
+std::uint64_t PutMember(Payload& payload, Detail::Remaining<ItemBase>& left)
 {
+    ItemBase const& member = *left.Take();
     ItemBase::SerialStruct_t record;
     member.Serialize(&record);
     std::size_t const size = boost::endian::big_to_native(std::uint32_t{record.size});
@@ -152,22 +154,31 @@ std::uint64_t PutMember(Payload& payload, ItemBase const& member)
     payload.PutHeader(record);
     if (record.data)
         payload.Put(record.data, size);
-    return member.GetSerialDataSize();
+    return k_headerSize + std::uint64_t{member.GetSerialDataSize()};
 }
 
-/// A number, which is what most members are: the same bytes without an allocation in between.
+/// Numbers of one class, which is what most members are: the same bytes for a run of them, without an allocation or a
+/// look at the room in between.
 template<typename Traits>
-std::uint64_t PutNumber(Payload& payload, ItemBase const& member)
+std::uint64_t PutNumbers(Payload& payload, Detail::Remaining<ItemBase>& left)
 {
-    auto const value = static_cast<NumericItem<Traits> const&>(member).GetVal();
-    ItemBase::SerialStruct_t header;
-    header.id = boost::endian::native_to_big(static_cast<std::uint32_t>(member.GetId()));
-    header.size = boost::endian::native_to_big(static_cast<std::uint32_t>(sizeof(value)));
-    header.type = static_cast<unsigned char>(IfType_t::Numeric);
-    header.numericType = static_cast<unsigned char>(Traits::k_numericType);
-    payload.PutHeader(header);
-    Detail::PayloadWriter(payload.Extend(sizeof(value))).Put(value);
-    return sizeof(value);
+    using Number = NumericItem<Traits>;
+    constexpr std::size_t k_recordSize = k_headerSize + sizeof(typename Traits::T);
+    constexpr std::size_t k_longestRun = 64;
+    auto run = left.View().first(std::min(left.View().size(), k_longestRun));
+    run = run.first(static_cast<std::size_t>(
+        std::ranges::find_if_not(run, [](auto const& member) { return Detail::IsExactly<Number>(*member); }) -
+        run.begin()));
+    Detail::PayloadWriter writer(payload.Extend(run.size() * k_recordSize));
+    for (auto const& member : run) {
+        writer.Put(static_cast<std::uint32_t>(member->GetId()));
+        writer.Put(static_cast<std::uint32_t>(sizeof(typename Traits::T)));
+        writer.Put(static_cast<unsigned char>(IfType_t::Numeric));
+        writer.Put(static_cast<unsigned char>(Traits::k_numericType));
+        writer.Put(static_cast<Number const&>(*member).GetVal());
+    }
+    left.Skip(run.size());
+    return run.size() * k_recordSize;
 }
 
 /// Finds the writer for a member by its exact class. Neighbours are mostly of one class, so the last answer is kept.
@@ -190,7 +201,7 @@ private:
     static Writer Find_(ItemBase const& member) noexcept
     {
         Writer writer = &PutMember;
-        ((Detail::IsExactly<NumericItem<Traits>>(member) ? void(writer = &PutNumber<Traits>) : void()), ...);
+        ((Detail::IsExactly<NumericItem<Traits>>(member) ? void(writer = &PutNumbers<Traits>) : void()), ...);
         return writer;
     }
 
@@ -236,15 +247,16 @@ bool PutMembers(Payload& payload, MemberList<ItemBase> const& members)
             path.Here().predicted += predicted;
             continue;
         }
-        ItemBase const& member = *here.left.Take();
-        here.predicted += k_headerSize;
+        ItemBase const& member = *here.left.View().front();
         if (Detail::IsExactly<CompositeItem>(member)) {
+            here.left.Skip(1);
+            here.predicted += k_headerSize;
             ItemBase::SerialStruct_t header;
             Detail::WriteHeader(member, 0, header);
             payload.PutHeader(header);
             path.Descend(enter(Detail::MemberAccess::Of(static_cast<CompositeItem const&>(member))));
         } else {
-            here.predicted += writers.For(member)(payload, member);
+            here.predicted += writers.For(member)(payload, here.left);
         }
     }
 }
@@ -288,14 +300,13 @@ struct Rebuilding
 
 /// A number, which is what most members are, out of its record and without a detour through the table of classes. Null
 /// for a member of another class and for a record that does not fit.
-boost::intrusive_ptr<ItemBase> RebuildNumber(ItemBase::ConstSerialStruct_t const& record)
+boost::intrusive_ptr<ItemBase> RebuildNumber(ItemBase::ConstSerialStruct_t const& record, std::size_t size)
 {
     boost::intrusive_ptr<ItemBase> number;
     if (record.type != static_cast<unsigned char>(IfType_t::Numeric))
         return number;
-    Detail::VisitElement(static_cast<NumericType_t>(record.numericType), [&record, &number]<typename Traits>(Traits) {
+    Detail::VisitElement(static_cast<NumericType_t>(record.numericType), [&record, &number, size]<typename Traits>(Traits) {
         using Element = typename Traits::T;
-        std::size_t const size = boost::endian::big_to_native(std::uint32_t{record.size});
         if (size != sizeof(Element))
             return IfErrInvalidArgument;
         auto* const made = new NumericItem<Traits>(boost::endian::big_to_native(std::uint32_t{record.id}));
@@ -335,10 +346,13 @@ int RebuildMembers(MemberList<ItemBase>& members, Detail::PayloadReader const& p
         if (!here.Open(record))
             return IfErrNotSerializable;
         if (record.type != static_cast<unsigned char>(IfType_t::Composite)) {
-            boost::intrusive_ptr<ItemBase> member = RebuildNumber(record);
-            if (!member && (ItemBase::Deserialize(&record, member) < 0 || !member))
-                return IfErrNotSerializable;
-            unsigned int const size = member->GetSerialDataSize();
+            std::size_t size = boost::endian::big_to_native(std::uint32_t{record.size});
+            boost::intrusive_ptr<ItemBase> member = RebuildNumber(record, size);
+            if (!member) {
+                if (ItemBase::Deserialize(&record, member) < 0 || !member)
+                    return IfErrNotSerializable;
+                size = member->GetSerialDataSize();
+            }
             here.Close(std::move(member), size);
             continue;
         }

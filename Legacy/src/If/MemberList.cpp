@@ -2,13 +2,15 @@
 #include "ObjectCache.h"
 #include "Text.h"
 
+#include <boost/container/small_vector.hpp>
+
 namespace Legacy::If {
 
 /// Outlives the list that it belonged to for as long as its members wait to be released.
 template<typename Root>
 struct MemberList<Root>::Node
 {
-    std::vector<Pointer> members;
+    boost::container::small_vector<Pointer, 2> members; // a list of one or two needs no further block
     Node* next = nullptr;
 
     static void* operator new(std::size_t size) { return Detail::AllocateObject(size); }
@@ -108,7 +110,7 @@ std::span<boost::intrusive_ptr<Root> const> MemberList<Root>::View() const noexc
 {
     if (!m_node)
         return {};
-    return m_node->members;
+    return {m_node->members.data(), m_node->members.size()};
 }
 
 template<typename Root>

@@ -99,6 +99,8 @@ public:
 
     void Descend(Step next)
     {
+        if (m_above.capacity() == 0)
+            m_above.reserve(k_usualDepth);
         m_above.push_back(std::move(m_step));
         m_step = std::move(next);
     }
@@ -114,6 +116,8 @@ public:
     }
 
 private:
+    static constexpr std::size_t k_usualDepth = 16;
+
     Step m_step;
     std::vector<Step> m_above;
 };
@@ -126,7 +130,6 @@ public:
     explicit Remaining(MemberList<Root> const& members) noexcept : m_members(members.View()) {}
 
     bool Empty() const noexcept { return m_members.empty(); }
-    std::size_t Count() const noexcept { return m_members.size(); }
 
     boost::intrusive_ptr<Root> const& Take() noexcept
     {
@@ -134,6 +137,10 @@ public:
         m_members = m_members.subspan(1);
         return member;
     }
+
+    /// The members that are left, in order.
+    std::span<boost::intrusive_ptr<Root> const> View() const noexcept { return m_members; }
+    void Skip(std::size_t count) noexcept { m_members = m_members.subspan(count); }
 
 private:
     std::span<boost::intrusive_ptr<Root> const> m_members;

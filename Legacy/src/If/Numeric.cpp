@@ -113,10 +113,6 @@ std::ostream& NumericInfo<T>::operator<<(std::ostream& os) const
 }
 
 template<typename T>
-NumericItem<T>::NumericItem(unsigned int id) : Family(id)
-{}
-
-template<typename T>
 NumericItem<T>* NumericItem<T>::DeepCopy(unsigned int id) const
 {
     return this->CopyAs_(id);

@@ -68,7 +68,7 @@ class LEGACY_IF_API NumericItem
 public:
     using Element = typename T::T; ///< the type of the number
 
-    explicit NumericItem(unsigned int id); ///< 0
+    explicit NumericItem(unsigned int id) : Family(id) {} ///< 0
 
     using Family::DeepCopy;
     NumericItem* DeepCopy(unsigned int id) const override;
