@@ -1,4 +1,3 @@
-#include "ObjectCache.h"
 
 #include <Legacy/If/InfoBase.h>
 
@@ -12,8 +11,6 @@ InfoBase::InfoBase(unsigned int const& id, std::string const& name, Permission_t
 
 InfoBase::InfoBase(InfoBase const& other) : m_id(other.m_id), m_name(other.m_name), m_permission(other.m_permission) {}
 
-InfoBase::~InfoBase() = default;
-
 NumericType_t InfoBase::GetNumericType() const { return NumericType_t::Undefined; }
 
 bool InfoBase::IsEqualType(boost::intrusive_ptr<ItemBase const> const& item) const
@@ -25,9 +22,6 @@ bool InfoBase::IsEqualType(boost::intrusive_ptr<InfoBase const> const& info) con
 {
     return info && GetType() == info->GetType() && GetNumericType() == info->GetNumericType();
 }
-
-void* InfoBase::operator new(std::size_t size) { return Detail::AllocateObject(size); }
-void InfoBase::operator delete(void* object, std::size_t size) noexcept { Detail::FreeObject(object, size); }
 
 std::ostream& operator<<(std::ostream& os, InfoBase const& info) { return info.operator<<(os); }
 

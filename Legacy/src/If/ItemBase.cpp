@@ -1,5 +1,4 @@
 #include "Finding.h"
-#include "ObjectCache.h"
 #include "Text.h"
 
 #include <Legacy/If/Family.h>
@@ -7,8 +6,6 @@
 #include <ostream>
 
 namespace Legacy::If {
-
-ItemBase::~ItemBase() = default;
 
 NumericType_t ItemBase::GetNumericType() const { return NumericType_t::Undefined; }
 
@@ -34,9 +31,6 @@ std::string const& ItemBase::GetName() const noexcept
     static std::string const empty;
     return empty;
 }
-
-void* ItemBase::operator new(std::size_t size) { return Detail::AllocateObject(size); }
-void ItemBase::operator delete(void* object, std::size_t size) noexcept { Detail::FreeObject(object, size); }
 
 void Detail::DumpValue(std::ostream& os, ItemBase const& item)
 {

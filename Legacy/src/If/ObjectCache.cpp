@@ -1,5 +1,7 @@
 #include "ObjectCache.h"
 
+#include <Legacy/If/ItemBase.h>
+
 #include <array>
 #include <cstdint>
 #include <new>
@@ -130,3 +132,14 @@ void FreeObject(void* object, std::size_t) noexcept { ::operator delete(object);
 #endif
 
 } // namespace Legacy::If::Detail
+
+// Here, so that they hold the code of the cache and do not call it.
+namespace Legacy::If {
+
+void* ItemBase::operator new(std::size_t size) { return Detail::AllocateObject(size); }
+void ItemBase::operator delete(void* object, std::size_t size) noexcept { Detail::FreeObject(object, size); }
+
+void* InfoBase::operator new(std::size_t size) { return Detail::AllocateObject(size); }
+void InfoBase::operator delete(void* object, std::size_t size) noexcept { Detail::FreeObject(object, size); }
+
+} // namespace Legacy::If

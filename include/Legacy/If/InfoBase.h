@@ -34,7 +34,7 @@ public:
     /// Copies id, name and permission; the copy is an object of its own, with the count 0.
     InfoBase(InfoBase const& other);
 
-    virtual ~InfoBase();
+    virtual ~InfoBase() = default;
 
     /// Assigns nothing: id, name, permission and count belong to the object, so `a = b` on two schemas of a family
     /// takes over the bounds and the default alone. The copy constructor differs on purpose.

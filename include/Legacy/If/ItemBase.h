@@ -85,7 +85,7 @@ public:
     };
 
     explicit ItemBase(unsigned int id) noexcept : m_id(id) {}
-    virtual ~ItemBase();
+    virtual ~ItemBase() = default;
 
     /// Assigns nothing: id and count belong to the object, so `a = b` on two values of a family takes over the value
     /// alone. The copy constructor differs on purpose.
