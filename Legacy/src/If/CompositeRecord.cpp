@@ -290,6 +290,26 @@ struct Rebuilding
         return boost::endian::big_to_native(std::uint32_t{record.size}) <= size - next;
     }
 
+    /// The same for a record that has the size and the tags of the one before; false, and nothing is opened, for all
+    /// others, be they faulty or of another class.
+    bool OpenLike(ItemBase::ConstSerialStruct_t& record)
+    {
+        constexpr std::size_t alike = offsetof(ItemBase::ConstSerialStruct_t, size);
+        std::size_t const recordSize = k_headerSize + boost::endian::big_to_native(std::uint32_t{record.size});
+        unsigned char const* const header = payload + next;
+        if (left == 0 || size - next < recordSize ||
+            std::memcmp(header + alike, reinterpret_cast<unsigned char const*>(&record) + alike,
+                        k_headerSize - alike) != 0)
+            return false;
+        std::uint32_t id = 0;
+        std::memcpy(&id, header, sizeof(id));
+        record.id = id;
+        record.data = header + k_headerSize;
+        next += k_headerSize;
+        --left;
+        return true;
+    }
+
     /// Takes a rebuilt member of the given payload size.
     void Close(boost::intrusive_ptr<ItemBase> member, std::uint64_t memberSize)
     {
@@ -298,23 +318,26 @@ struct Rebuilding
     }
 };
 
-/// A number, which is what most members are, out of its record and without a detour through the table of classes. Null
-/// for a member of another class and for a record that does not fit.
-boost::intrusive_ptr<ItemBase> RebuildNumber(ItemBase::ConstSerialStruct_t const& record, std::size_t size)
+/// Numbers of one class, which is what most members are, out of their records and without a detour through the table of
+/// classes: the one that was opened, and those behind it that are like it. False for a member of another class and for
+/// a record that does not fit.
+bool RebuildNumbers(Rebuilding& composite, ItemBase::ConstSerialStruct_t record)
 {
-    boost::intrusive_ptr<ItemBase> number;
     if (record.type != static_cast<unsigned char>(IfType_t::Numeric))
-        return number;
-    Detail::VisitElement(static_cast<NumericType_t>(record.numericType), [&record, &number, size]<typename Traits>(Traits) {
+        return false;
+    auto const rebuild = [&composite, &record]<typename Traits>(Traits) {
         using Element = typename Traits::T;
-        if (size != sizeof(Element))
+        if (boost::endian::big_to_native(std::uint32_t{record.size}) != sizeof(Element))
             return IfErrInvalidArgument;
-        auto* const made = new NumericItem<Traits>(boost::endian::big_to_native(std::uint32_t{record.id}));
-        number = Detail::FirstReference::Of<ItemBase>(made);
-        made->SetVal(Detail::PayloadReader(record.data, size).Get<Element>());
+        do {
+            auto* const number = new NumericItem<Traits>(boost::endian::big_to_native(std::uint32_t{record.id}));
+            auto member = Detail::FirstReference::Of<ItemBase>(number);
+            number->SetVal(Detail::PayloadReader(record.data, sizeof(Element)).Get<Element>());
+            composite.Close(std::move(member), sizeof(Element));
+        } while (composite.OpenLike(record));
         return 0;
-    });
-    return number;
+    };
+    return Detail::VisitElement(static_cast<NumericType_t>(record.numericType), rebuild) == 0;
 }
 
 /// Rebuilds members into a list, at all depths, up to the first that fails. A composite joins the list above it only
@@ -346,13 +369,12 @@ int RebuildMembers(MemberList<ItemBase>& members, Detail::PayloadReader const& p
         if (!here.Open(record))
             return IfErrNotSerializable;
         if (record.type != static_cast<unsigned char>(IfType_t::Composite)) {
-            std::size_t size = boost::endian::big_to_native(std::uint32_t{record.size});
-            boost::intrusive_ptr<ItemBase> member = RebuildNumber(record, size);
-            if (!member) {
-                if (ItemBase::Deserialize(&record, member) < 0 || !member)
-                    return IfErrNotSerializable;
-                size = member->GetSerialDataSize();
-            }
+            if (RebuildNumbers(here, record))
+                continue;
+            boost::intrusive_ptr<ItemBase> member;
+            if (ItemBase::Deserialize(&record, member) < 0 || !member)
+                return IfErrNotSerializable;
+            unsigned int const size = member->GetSerialDataSize();
             here.Close(std::move(member), size);
             continue;
         }
