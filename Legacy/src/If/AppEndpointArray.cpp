@@ -111,12 +111,13 @@ unsigned int AppEndpointArrayItem::GetSerialDataSize() const
 
 int AppEndpointArrayItem::Serialize(SerialStruct_t* record) const
 {
-    return Detail::WriteRecord(*this, record, GetSerialDataSize(), [this](Detail::PayloadWriter payload) {
-        for (auto const& endpoint : m_value) {
-            Form::PutPrefix(payload, endpoint);
-            payload.PutText(Form::RecordText(endpoint));
-        }
-    });
+    return Detail::WriteRecord(*this, record, AppEndpointArrayItem::GetSerialDataSize(),
+                               [this](Detail::PayloadWriter payload) {
+                                   for (auto const& endpoint : m_value) {
+                                       Form::PutPrefix(payload, endpoint);
+                                       payload.PutText(Form::RecordText(endpoint));
+                                   }
+                               });
 }
 
 int AppEndpointArrayItem::Deserialize(ConstSerialStruct_t const* record)

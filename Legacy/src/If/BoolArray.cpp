@@ -87,11 +87,12 @@ unsigned int BoolArrayItem::GetSerialDataSize() const
 
 int BoolArrayItem::Serialize(SerialStruct_t* record) const
 {
-    return Detail::WriteRecord(*this, record, GetSerialDataSize(), [this](Detail::PayloadWriter payload) {
-        payload.Put(static_cast<unsigned char>(m_value.size() % k_bitsInByte));
-        for (std::size_t begin = 0; begin < m_value.size(); begin += k_bitsInByte)
-            payload.Put(PackByte(m_value, begin));
-    });
+    return Detail::WriteRecord(*this, record, BoolArrayItem::GetSerialDataSize(),
+                               [this](Detail::PayloadWriter payload) {
+                                   payload.Put(static_cast<unsigned char>(m_value.size() % k_bitsInByte));
+                                   for (std::size_t begin = 0; begin < m_value.size(); begin += k_bitsInByte)
+                                       payload.Put(PackByte(m_value, begin));
+                               });
 }
 
 int BoolArrayItem::Deserialize(ConstSerialStruct_t const* record)

@@ -212,9 +212,9 @@ unsigned int NumericArrayItem<T>::GetSerialDataSize() const
 template<typename T>
 int NumericArrayItem<T>::Serialize(ItemBase::SerialStruct_t* record) const
 {
-    return Detail::WriteRecord(*this, record, GetSerialDataSize(), [this](Detail::PayloadWriter payload) {
-        payload.PutAll(std::span<Element const>(m_value));
-    });
+    return Detail::WriteRecord(
+        *this, record, NumericArrayItem::GetSerialDataSize(),
+        [this](Detail::PayloadWriter payload) { payload.PutAll(std::span<Element const>(m_value)); });
 }
 
 template<typename T>

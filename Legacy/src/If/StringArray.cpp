@@ -77,10 +77,11 @@ unsigned int StringArrayItem::GetSerialDataSize() const
 
 int StringArrayItem::Serialize(SerialStruct_t* record) const
 {
-    return Detail::WriteRecord(*this, record, GetSerialDataSize(), [this](Detail::PayloadWriter payload) {
-        for (std::string const& text : m_value)
-            payload.PutText(text);
-    });
+    return Detail::WriteRecord(*this, record, StringArrayItem::GetSerialDataSize(),
+                               [this](Detail::PayloadWriter payload) {
+                                   for (std::string const& text : m_value)
+                                       payload.PutText(text);
+                               });
 }
 
 int StringArrayItem::Deserialize(ConstSerialStruct_t const* record)
