@@ -6,8 +6,10 @@
 #include <Legacy/If/AllowedValues.h>
 #include <Legacy/If/AppEndpoint.h>
 #include <Legacy/If/AppEndpointArray.h>
+#include <Legacy/If/Array.h>
 #include <Legacy/If/Bool.h>
 #include <Legacy/If/BoolArray.h>
+#include <Legacy/If/Cast.h>
 #include <Legacy/If/Collection.h>
 #include <Legacy/If/Colour.h>
 #include <Legacy/If/Composite.h>
@@ -39,6 +41,7 @@
 #include <Legacy/If/NumericTraits.h>
 #include <Legacy/If/Orientation.h>
 #include <Legacy/If/OwnedPart.h>
+#include <Legacy/If/PairInfo.h>
 #include <Legacy/If/Permission.h>
 #include <Legacy/If/Rect.h>
 #include <Legacy/If/RectArray.h>
@@ -54,3 +57,4 @@
 #include <Legacy/If/String.h>
 #include <Legacy/If/StringArray.h>
 #include <Legacy/If/StringSparse.h>
+#include <Legacy/If/ValueItem.h>
