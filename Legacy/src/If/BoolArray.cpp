@@ -47,17 +47,6 @@ int BoolArrayInfo::AssignValue(boost::intrusive_ptr<InfoBase const> const& sourc
     });
 }
 
-void BoolArrayInfo::DumpVal(std::ostream& os) const
-{
-    Detail::DumpHead(os, *this);
-    Detail::DumpSizes(os, m_size, m_default.size());
-}
-
-std::ostream& BoolArrayInfo::operator<<(std::ostream& os) const
-{
-    return Detail::PrintSizes(os, m_size, m_default.size());
-}
-
 BoolArrayItem::BoolArrayItem(unsigned int id) : ArrayItem(id) {}
 
 BoolArrayItem* BoolArrayItem::DeepCopy(unsigned int id) const { return CopyAs_(id); }

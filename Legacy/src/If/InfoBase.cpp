@@ -1,5 +1,6 @@
+#include "Text.h"
 
-#include <Legacy/If/InfoBase.h>
+#include <Legacy/If/Array.h>
 
 #include <ostream>
 
@@ -21,6 +22,23 @@ bool InfoBase::IsEqualType(boost::intrusive_ptr<ItemBase const> const& item) con
 bool InfoBase::IsEqualType(boost::intrusive_ptr<InfoBase const> const& info) const
 {
     return info && GetType() == info->GetType() && GetNumericType() == info->GetNumericType();
+}
+
+void Detail::DumpSizes(std::ostream& os, InfoBase const& info, SizeBounds const& bounds, std::size_t defaultSize)
+{
+    if (info.GetNumericType() == NumericType_t::Undefined)
+        DumpHead(os, info);
+    else
+        DumpNumericHead(os, info);
+    DumpLine(os, "minSize: ", bounds.Min());
+    DumpLine(os, "maxSize: ", bounds.Max());
+    DumpLine(os, "defaultSize: ", static_cast<unsigned int>(defaultSize));
+}
+
+std::ostream& Detail::PrintSizes(std::ostream& os, SizeBounds const& bounds, std::size_t defaultSize)
+{
+    return os << "array size: " << bounds.Min() << " <= " << static_cast<unsigned int>(defaultSize)
+              << " <= " << bounds.Max();
 }
 
 std::ostream& operator<<(std::ostream& os, InfoBase const& info) { return info.operator<<(os); }

@@ -107,19 +107,6 @@ int NumericArrayInfo<T>::AssignRects_(RectArrayInfo<U16Traits> const& schema, bo
 }
 
 template<typename T>
-void NumericArrayInfo<T>::DumpVal(std::ostream& os) const
-{
-    Detail::DumpNumericHead(os, *this);
-    Detail::DumpSizes(os, m_size, m_default.size());
-}
-
-template<typename T>
-std::ostream& NumericArrayInfo<T>::operator<<(std::ostream& os) const
-{
-    return Detail::PrintSizes(os, m_size, m_default.size());
-}
-
-template<typename T>
 NumericArrayItem<T>::NumericArrayItem(unsigned int id) : Family(id)
 {}
 

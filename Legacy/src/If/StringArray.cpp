@@ -32,17 +32,6 @@ int StringArrayInfo::AssignValue(boost::intrusive_ptr<InfoBase const> const& sou
     });
 }
 
-void StringArrayInfo::DumpVal(std::ostream& os) const
-{
-    Detail::DumpHead(os, *this);
-    Detail::DumpSizes(os, m_size, m_default.size());
-}
-
-std::ostream& StringArrayInfo::operator<<(std::ostream& os) const
-{
-    return Detail::PrintSizes(os, m_size, m_default.size());
-}
-
 StringArrayItem::StringArrayItem(unsigned int id) : ArrayItem(id) {}
 
 StringArrayItem* StringArrayItem::DeepCopy(unsigned int id) const { return CopyAs_(id); }

@@ -6,7 +6,6 @@
 
 #include <Legacy/If/InfoBase.h>
 #include <Legacy/If/ItemBase.h>
-#include <Legacy/If/SizeBounds.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -74,21 +73,6 @@ void PrintAllowed(std::ostream& os, Allowed const& allowed, Print&& print)
     PrintList(os, allowed.Table(), print);
     os << "; default=";
     print(os, allowed.Default());
-}
-
-/// The bounds of a list schema and the size of its default in their compact form.
-inline std::ostream& PrintSizes(std::ostream& os, SizeBounds const& bounds, std::size_t defaultSize)
-{
-    return os << "array size: " << bounds.Min() << " <= " << static_cast<unsigned int>(defaultSize)
-              << " <= " << bounds.Max();
-}
-
-/// The same as the lines of a dump.
-inline void DumpSizes(std::ostream& os, SizeBounds const& bounds, std::size_t defaultSize)
-{
-    DumpLine(os, "minSize: ", bounds.Min());
-    DumpLine(os, "maxSize: ", bounds.Max());
-    DumpLine(os, "defaultSize: ", static_cast<unsigned int>(defaultSize));
 }
 
 /// Reports a value that could not be read; returns false for the caller to pass on.

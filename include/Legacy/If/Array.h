@@ -6,11 +6,22 @@
 #include <Legacy/If/SizeBounds.h>
 #include <Legacy/If/ValueItem.h>
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <vector>
 
 namespace Legacy::If {
+
+namespace Detail {
+
+/// The dump and the compact form of a list's schema: its sizes, and that of its default.
+/// @{
+LEGACY_IF_API void DumpSizes(std::ostream& os, InfoBase const& info, SizeBounds const& bounds, std::size_t defaultSize);
+LEGACY_IF_API std::ostream& PrintSizes(std::ostream& os, SizeBounds const& bounds, std::size_t defaultSize);
+/// @}
+
+} // namespace Detail
 
 /// What the schemas of lists say alike: how many elements there may be, and a default. `Self` is the family's own
 /// class, `T` the type of an element.
@@ -58,6 +69,13 @@ public:
         if (!schema || !this->IsEqualType(other))
             return IfErrBoundsTypeMismatch;
         return m_size.Merge(schema->m_size);
+    }
+
+    /// Prints the sizes and that of the default, not the default.
+    void DumpVal(std::ostream& os) const override { Detail::DumpSizes(os, *this, m_size, m_default.size()); }
+    std::ostream& operator<<(std::ostream& os) const override
+    {
+        return Detail::PrintSizes(os, m_size, m_default.size());
     }
 
 protected:

@@ -57,9 +57,6 @@ public:
     /// the corners; the least and the greatest number that any axis allows. Differences are told exactly here.
     int AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed) override;
 
-    void DumpVal(std::ostream& os) const override;
-    std::ostream& operator<<(std::ostream& os) const override;
-
 private:
     int AssignRects_(RectArrayInfo<U16Traits> const& schema, bool* changed);
 

@@ -22,9 +22,6 @@ public:
 
     /// From a schema of a list of texts: default and sizes.
     int AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed) override;
-
-    void DumpVal(std::ostream& os) const override;
-    std::ostream& operator<<(std::ostream& os) const override;
 };
 
 /// Value of a parameter that is a list of texts.
