@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::size_t k_headerSize = offsetof(ItemBase::SerialStruct_t, data);
 constexpr std::size_t k_countSize = sizeof(std::uint16_t);
-constexpr std::uint64_t k_large = 65'536; // what is worth to be measured before it is written
+constexpr std::uint64_t k_large = 1 << 24; // what is worth to be measured before more of it is written
 constexpr std::uint64_t k_tooLarge = std::numeric_limits<std::uint32_t>::max(); // what no size word may say
 
 /// The payload size of a composite, or some number too large for a record.

@@ -27,7 +27,7 @@ namespace {
 constexpr std::size_t k_step = 16;
 constexpr std::size_t k_word = sizeof(std::size_t);
 constexpr std::size_t k_largest = 128;
-constexpr std::size_t k_bytesKept = 32768; // for each size of block
+constexpr std::size_t k_bytesKept = 65536; // for each size of block
 
 constexpr std::size_t BinOf(std::size_t size) noexcept { return (size + k_word - 1) / k_step; }
 constexpr std::size_t BlockSize(std::size_t bin) noexcept { return (bin + 1) * k_step - k_word; }
