@@ -1,4 +1,3 @@
-#include "../../../Legacy/src/If/TypeText.h"
 #include "TestSupport.h"
 
 #include <Legacy/If/Numeric.h>
@@ -13,20 +12,17 @@
 namespace Legacy::If::Test {
 namespace {
 
-constexpr float k_nan = std::numeric_limits<float>::quiet_NaN();
-
-template<typename Traits>
-boost::intrusive_ptr<NumericInfo<Traits>> Bounded(typename Traits::T min, typename Traits::T defaultVal,
-                                                  typename Traits::T max)
+template<typename T>
+boost::intrusive_ptr<NumericInfo<T>> Bounded(typename T::T min, typename T::T defaultVal, typename T::T max)
 {
-    auto const info = MakeInfo<NumericInfo<Traits>>();
+    auto const info = MakeInfo<NumericInfo<T>>();
     info->SetMax(max);
     info->SetMin(min);
     info->SetDefault(defaultVal);
     return info;
 }
 
-TEST(NumericInfo, BoundsPushOneAnotherAndTheDefault)
+TEST(NumericInfo, BoundsPushOneAnotherAndTheDefaultUnlessAssigned)
 {
     auto const info = MakeInfo<NumericInfo<S32Traits>>();
     info->SetMax(50);
@@ -39,6 +35,9 @@ TEST(NumericInfo, BoundsPushOneAnotherAndTheDefault)
         info->SetDefault(asked);
         EXPECT_EQ(info->GetDefault(), stored);
     }
+    auto const narrow = MakeInfo<NumericInfo<U8Traits>>();
+    EXPECT_EQ(Assign(*narrow, Bounded<S32Traits>(-1, 300, 300)), (Outcome{0, 1}));
+    EXPECT_EQ(Printed(*narrow), "255 <= 44 <= 44"); // converted, and nothing keeps the order
 }
 
 TEST(NumericItem, ValidatesAtItsBounds)
@@ -72,43 +71,35 @@ TEST(NumericItem, ValidatesAtItsBounds)
     });
 }
 
-/// A number with bounds of its own idea.
+/// A number with an upper bound of its own idea.
 struct Odd : NumericItem<S32Traits>
 {
     using NumericItem::NumericItem;
-    std::shared_ptr<ResultElem const> ValidateMin(InfoPtr const&) override { return {}; }
     std::shared_ptr<ResultElem const> ValidateMax(InfoPtr const& info) override { return ItemBase::ValidateMax(info); }
 };
 
 TEST(NumericItem, ValidatesByTheHalvesOfADerivedClass)
 {
     Odd item(3);
-    for (int const value : {49, 60}) {
-        item.SetVal(value);
-        EXPECT_EQ(Validated(item, Bounded<S32Traits>(50, 60, 70)),
-                  (Texts{"TypesSystemIllegalValidatationError", "speed", "Numeric(S32)"}));
-    }
+    EXPECT_EQ(Validated(item, Bounded<S32Traits>(0, 0, 9)),
+              (Texts{"TypesSystemIllegalValidatationError", "speed", "Numeric(S32)"}));
 }
 
 TEST(Numeric, MeetsItsOwnElementTypeAlone)
 {
     auto const other = Bounded<U8Traits>(0, 0, 9);
-    NumericItem<U16Traits> item(3);
-    EXPECT_EQ(Validated(item, other),
-              (Texts{"TypesSystemValidateTypeMismatch", "speed", "Numeric(U8)", "Numeric(U16)"}));
+    EXPECT_EQ(Validated(*Make<NumericItem<U16Traits>>(3U), other).size(), 4U); // a mismatch
+    EXPECT_EQ(Validated(*Make<NumericArrayItem<U16Traits>>(3U), MakeInfo<NumericArrayInfo<S16Traits>>()).size(), 4U);
     EXPECT_FALSE((Bounded<U16Traits>(0, 0, 9)->IsEqualBounds(other)));
     EXPECT_EQ((Bounded<U16Traits>(0, 0, 9)->MergeBounds(other)), IfErrBoundsTypeMismatch);
-    NumericArrayItem<U16Traits> list(3);
-    EXPECT_EQ(Validated(list, MakeInfo<NumericArrayInfo<S16Traits>>()).size(), 4U);
 }
 
 TEST(NumericInfo, MergesToTheCommonRange)
 {
-    for (auto const& [min, max, code, merged] :
-         {std::tuple(15, 30, 0, "15 <= 10 <= 20"), std::tuple(20, 30, 0, "20 <= 10 <= 20"),
-          std::tuple(0, 10, 0, "10 <= 10 <= 10"), std::tuple(12, 14, 0, "12 <= 10 <= 14"),
-          std::tuple(21, 30, IfErrBoundsDisjoint, "10 <= 10 <= 20"),
-          std::tuple(0, 9, IfErrBoundsDisjoint, "10 <= 10 <= 20")})
+    for (auto const& [min, max, code, merged] : {std::tuple(20, 30, 0, "20 <= 10 <= 20"),
+                                                 {0, 10, 0, "10 <= 10 <= 10"},
+                                                 {21, 30, IfErrBoundsDisjoint, "10 <= 10 <= 20"},
+                                                 {0, 9, IfErrBoundsDisjoint, "10 <= 10 <= 20"}})
     {
         auto const info = Bounded<S32Traits>(10, 10, 20);
         EXPECT_EQ(info->MergeBounds(Bounded<S32Traits>(min, min, max)), code);
@@ -116,35 +107,21 @@ TEST(NumericInfo, MergesToTheCommonRange)
     }
 }
 
-TEST(NumericInfo, AssignsConvertedBoundsUnclamped)
-{
-    auto const info = MakeInfo<NumericInfo<U8Traits>>();
-    EXPECT_EQ(Assign(*info, Bounded<S32Traits>(-1, 300, 300)), (Outcome{0, 1}));
-    EXPECT_EQ(Printed(*info), "255 <= 44 <= 44"); // nothing keeps the order
-    EXPECT_EQ(Assign(*info, Bounded<S32Traits>(-1, 300, 556)), (Outcome{0, 0}));
-}
-
 TEST(Numeric, ToleratesLittleAndPassesNaN)
 {
     EXPECT_TRUE(Bounded<DoubleTraits>(1, 2, 5)->IsEqualBounds(Bounded<DoubleTraits>(1, 3, 5 + 1e-11)));
-    EXPECT_FALSE(Bounded<DoubleTraits>(1, 2, 5)->IsEqualBounds(Bounded<DoubleTraits>(1, 2, 5 + 1e-9)));
-
     auto const item = Hold(NumericItem<FloatTraits>::Create(1, 0.0F));
     auto const info = MakeInfo<NumericInfo<FloatTraits>>();
     EXPECT_EQ(Validated(*item, info), (Texts{"TypesSystemNumericValidationMin", "speed", "1.17549e-38"}));
     EXPECT_TRUE(item->IsEqualValue(Hold(NumericItem<FloatTraits>::Create(2, 1e-11F))));
-    EXPECT_FALSE(item->IsEqualValue(Hold(NumericItem<FloatTraits>::Create(2, 1e-9F))));
-    item->SetVal(k_nan);
+    item->SetVal(std::numeric_limits<float>::quiet_NaN());
     EXPECT_EQ(Validated(*item, info), Texts{});
-    EXPECT_TRUE(item->WithinBounds(*info));
     EXPECT_FALSE(item->IsEqualValue(item)); // a NaN equals nothing
 
     // What differs too little to be told is stored all the same.
     NumericItem<DoubleTraits> target(1);
     EXPECT_EQ(Assign(target, Hold(NumericItem<DoubleTraits>::Create(2, 1e-11))), (Outcome{0, 0}));
     EXPECT_EQ(target.GetVal(), 1e-11);
-    EXPECT_EQ(Assign(target, item), (Outcome{0, 0}));
-    EXPECT_NE(target.GetVal(), target.GetVal());
     auto const schema = Bounded<DoubleTraits>(-1, 0, 1);
     EXPECT_EQ(Assign(*schema, Bounded<DoubleTraits>(-1, 1e-11, 1)), (Outcome{0, 0}));
     EXPECT_EQ(schema->GetDefault(), 1e-11);
@@ -156,46 +133,38 @@ void ExpectRecords(std::initializer_list<std::array<typename Traits::T, 3>> case
 {
     for (auto const& [value, stored, readBack] : cases) {
         NumericItem<Traits> number(1);
-        NumericArrayItem<Traits> list(1);
         number.SetVal(value);
-        list.SetVal({value, value});
-        Bytes payload(2 * sizeof(stored));
-        std::memcpy(payload.data(), &stored, sizeof(stored));
-        std::memcpy(payload.data() + sizeof(stored), &stored, sizeof(stored));
-        EXPECT_EQ(RecordOf(list).payload, payload) << value;
-        EXPECT_EQ(Read(list, RecordOf(list)), 0);
-        EXPECT_EQ(list.GetVal(), (std::vector{readBack, readBack}));
-        EXPECT_EQ(Read(number, {1, 2, static_cast<unsigned char>(Traits::k_numericType), payload}),
-                  IfErrInvalidArgument);
-        payload.resize(sizeof(stored));
-        EXPECT_EQ(RecordOf(number).payload, payload) << value;
-        EXPECT_EQ(Read(number, RecordOf(number)), 0);
+        Bytes bytes(sizeof(stored));
+        std::memcpy(bytes.data(), &stored, sizeof(stored));
+        Record record = RecordOf(number);
+        EXPECT_EQ(record.payload, bytes) << value;
+        EXPECT_EQ(Read(number, record), 0);
         EXPECT_EQ(number.GetVal(), readBack);
-        payload.pop_back();
-        EXPECT_EQ(Read(list, {1, 3, static_cast<unsigned char>(Traits::k_numericType), payload}), IfErrInvalidArgument);
+        record.payload.insert(record.payload.end(), bytes.begin(), bytes.end());
+        EXPECT_EQ(Read(number, record), IfErrInvalidArgument);
+        NumericArrayItem<Traits> list(1);
+        record.type = 3;
+        EXPECT_EQ(Read(list, record), 0);
+        EXPECT_EQ(list.GetVal(), (std::vector{readBack, readBack}));
+        record.payload.pop_back();
+        EXPECT_EQ(Read(list, record), IfErrInvalidArgument);
         EXPECT_EQ(list.GetSize(), 2U);
     }
 }
 
 TEST(NumericRecords, HoldIntegersBigEndianAndPassFloatsThroughThem)
 {
-    using boost::endian::native_to_big;
-    ExpectRecords<S16Traits>({{-2, native_to_big(short{-2}), -2}});
-    ExpectRecords<U32Traits>({{0x01020304, native_to_big(0x01020304U), 0x01020304}});
-    ExpectRecords<S64Traits>({{-2, native_to_big(std::int64_t{-2}), -2}});
+    ExpectRecords<S64Traits>({{-2, boost::endian::native_to_big(std::int64_t{-2}), -2}});
     ExpectRecords<FloatTraits>({{1.5F, 16777216.0F, 1.0F},
                                 {-1.0F, 4294967296.0F, 0.0F}, // 0xFFFFFFFF is no float
                                 {16909060.0F, 67305984.0F, 131844.0F},
                                 {3e9F, 6213810.0F, 3e9F},
-                                {4294967296.0F, 0.0F, 0.0F}, // the low 32 bits
-                                {-1e30F, 0.0F, 0.0F},
-                                {k_nan, 0.0F, 0.0F}});
-    constexpr double swapped = 9223372036854775808.0; // 128 with its bytes swapped
+                                {4294967296.0F, 0.0F, 0.0F}}); // the low 32 bits
+    constexpr double swapped = 9223372036854775808.0;          // 128 with its bytes swapped
     ExpectRecords<DoubleTraits>({{1.5, 72057594037927936.0, 1.0},
                                  {-1.0, 18446744073709551616.0, 128.0}, // 2 to the 64 is out of range on the way back
                                  {18446744073709551616.0, 128.0, swapped},
-                                 {-1e300, 128.0, swapped},
-                                 {k_nan, 128.0, swapped}});
+                                 {std::numeric_limits<double>::quiet_NaN(), 128.0, swapped}});
 }
 
 TEST(Numeric, ReadsNumbersAndPrintsCharactersInDumps)
@@ -204,15 +173,13 @@ TEST(Numeric, ReadsNumbersAndPrintsCharactersInDumps)
         bool const character = sizeof(typename T::T) == 1;
         auto const info = Bounded<T>(65, 65, 67);
         EXPECT_EQ(Printed(*info), "65 <= 65 <= 67");
-        EXPECT_EQ(Dumped(*info),
-                  "id: 7\npermission: 4660\nname: speed\ntype: Numeric\nnumericType: " +
-                      std::string(Detail::TypeText(T::k_numericType)) +
-                      (character ? "\nmin: A\nmax: C\ndefault: A\n" : "\nmin: 65\nmax: 67\ndefault: 65\n"));
+        EXPECT_TRUE(Dumped(*info).ends_with(character ? "\nmin: A\nmax: C\ndefault: A\n"
+                                                      : "\nmin: 65\nmax: 67\ndefault: 65\n"));
         NumericItem<T> item(7);
         NumericSparseItem<T> sparse(7);
         NumericArrayItem<T> list(7);
         EXPECT_EQ(ReadText(item, "65"), std::pair(true, std::string()));
-        EXPECT_EQ(ReadText(sparse, "65").first, true);
+        EXPECT_TRUE(ReadText(sparse, "65").first);
         std::string const value = character ? "value: A\n" : "value: 65\n";
         EXPECT_EQ(Dumped(item), "id: 7\ntype: Numeric\n" + value);
         EXPECT_EQ(Dumped(sparse), "id: 7\ntype: NumericSparse\n" + value);
