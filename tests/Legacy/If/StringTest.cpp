@@ -31,7 +31,6 @@ TEST(String, IsBoundedByLength)
     EXPECT_FALSE(copy->IsEqualBounds(info));
     EXPECT_EQ(Assign(*copy, info), (Outcome{0, 1}));
     EXPECT_EQ(Printed(*copy), "\"abc\"; max length=0"); // uncut
-    EXPECT_EQ(Assign(*copy, info), (Outcome{0, 0}));
     copy->SetMaxLength(10);
     EXPECT_EQ(copy->MergeBounds(info), IfErrTypeNotAssignable); // the merge is made all the same
     EXPECT_EQ(copy->GetMaxLength(), 0U);
@@ -39,19 +38,7 @@ TEST(String, IsBoundedByLength)
     EXPECT_TRUE(copy->IsEqualBounds(info));
 }
 
-TEST(StringArray, IsBoundedBySize)
-{
-    auto const info = MakeInfo<StringArrayInfo>();
-    EXPECT_EQ(info->SetDefault({"a"}), IfErrSizeOutOfRange); // both sizes start at 0
-    StringArrayItem item(1);
-    item.SetVal({"a"});
-    EXPECT_EQ(Validated(item, info), (Texts{"TypesSystemStringArrayValidationMaxSize", "speed", "0"}));
-    info->SetMinSize(3);
-    EXPECT_EQ(item.SetVal({"b"}, *info), IfErrSizeOutOfRange);
-    EXPECT_EQ(Validated(item, info), (Texts{"TypesSystemStringArrayValidationMinSize", "speed", "3"}));
-}
-
-TEST(SizeBounds, MergeToTheirCommonRange)
+TEST(StringArray, IsBoundedBySizesThatMergeToTheirCommonRange)
 {
     auto const sized = [](unsigned int min, unsigned int max) {
         auto const info = MakeInfo<StringArrayInfo>();
@@ -59,12 +46,19 @@ TEST(SizeBounds, MergeToTheirCommonRange)
         info->SetMinSize(min);
         return info;
     };
+    auto const info = sized(0, 0);
+    EXPECT_EQ(info->SetDefault({"a"}), IfErrSizeOutOfRange);
+    auto const item = Hold(StringArrayItem::Create(1, {"a"}));
+    EXPECT_EQ(Validated(*item, info), (Texts{"TypesSystemStringArrayValidationMaxSize", "speed", "0"}));
+    info->SetMinSize(3);
+    EXPECT_EQ(item->SetVal({"b"}, *info), IfErrSizeOutOfRange);
+    EXPECT_EQ(Validated(*item, info), (Texts{"TypesSystemStringArrayValidationMinSize", "speed", "3"}));
+
     auto const merge = [&](InfoPtr const& into, InfoPtr const& other, int code, InfoPtr const& result) {
         auto const target = Hold(into->DeepCopy());
         EXPECT_EQ(target->MergeBounds(other), code);
         EXPECT_EQ(Printed(*target), Printed(*result));
     };
-    merge(sized(1, 5), sized(3, 9), 0, sized(3, 5));
     merge(sized(1, 5), sized(5, 9), 0, sized(5, 5));
     merge(sized(5, 9), sized(1, 5), 0, sized(5, 5));
     merge(sized(1, 5), sized(6, 9), IfErrBoundsDisjoint, sized(1, 5));
@@ -73,13 +67,12 @@ TEST(SizeBounds, MergeToTheirCommonRange)
 
 TEST(StringRecords, HaveTheirBytesAndAreReadWithinThem)
 {
-    auto const text = Hold(StringItem::Create(0x01020304, "old"));
-    EXPECT_EQ(RecordOf(*text).id, 0x01020304U);
+    auto const text = Hold(StringItem::Create(1, "old"));
     EXPECT_EQ(RecordOf(*text).payload, (Bytes{'o', 'l', 'd', 0}));
     for (Bytes const& bad : {Bytes{}, Bytes{'a'}, Bytes{0, 'a'}})
-        EXPECT_EQ(Read(*text, {0x01020304, 6, 0, bad}), IfErrInvalidArgument);
+        EXPECT_EQ(Read(*text, {1, 6, 0, bad}), IfErrInvalidArgument);
     EXPECT_EQ(text->GetVal(), "old");
-    EXPECT_EQ(Read(*text, {0x01020304, 6, 0, {'a', 0, 'b', 0}}), 0);
+    EXPECT_EQ(Read(*text, {1, 6, 0, {'a', 0, 'b', 0}}), 0);
     EXPECT_EQ(text->GetVal(), "a"); // up to the first zero byte
 
     auto const list = Hold(StringArrayItem::Create(1, {"a", "", "b"}));
@@ -144,19 +137,6 @@ TEST(Roots, CompareByIdentityAndType)
     EXPECT_TRUE(*info == std::string("speed"));
     EXPECT_TRUE(info->IsEqualType(a));
     EXPECT_FALSE(info->IsEqualType(ItemPtr()) || info->IsEqualType(InfoPtr()));
-}
-
-TEST(Roots, AReleaseWithoutAReferenceDestroys)
-{
-    struct Watched : StringItem
-    {
-        explicit Watched(bool& gone) : StringItem(1), m_gone(gone) {}
-        ~Watched() override { m_gone = true; }
-        bool& m_gone;
-    };
-    bool gone = false;
-    intrusive_ptr_release(static_cast<ItemBase const*>(new Watched(gone)));
-    EXPECT_TRUE(gone);
 }
 
 } // namespace
