@@ -9,6 +9,7 @@
 #include <Legacy/If/Array.h>
 #include <Legacy/If/Bool.h>
 #include <Legacy/If/BoolArray.h>
+#include <Legacy/If/CachedObject.h>
 #include <Legacy/If/Cast.h>
 #include <Legacy/If/Collection.h>
 #include <Legacy/If/Colour.h>

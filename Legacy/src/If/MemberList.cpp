@@ -1,5 +1,4 @@
 #include "MemberWalk.h"
-#include "ObjectCache.h"
 #include "Text.h"
 
 #include <boost/container/small_vector.hpp>
@@ -8,18 +7,15 @@ namespace Legacy::If {
 
 /// Outlives the list that it belonged to for as long as its members wait to be released.
 template<typename Root>
-struct MemberList<Root>::Node
+struct MemberList<Root>::Node : Detail::CachedObject
 {
     boost::container::small_vector<Pointer, 2> members; // a list of one or two needs no further block
     Node* next = nullptr;
-
-    static void* operator new(std::size_t size) { return Detail::AllocateObject(size); }
-    static void operator delete(void* object, std::size_t size) noexcept { Detail::FreeObject(object, size); }
 };
 
 template<typename Root>
 MemberList<Root>::MemberList(MemberList const& other)
-    : m_node(other.View().empty() ? nullptr : new Node{other.m_node->members})
+    : m_node(other.View().empty() ? nullptr : new Node{{}, other.m_node->members})
 {}
 
 template<typename Root>

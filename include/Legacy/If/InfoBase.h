@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Legacy/If/CachedObject.h>
 #include <Legacy/If/Export.h>
 #include <Legacy/If/IfType.h>
 #include <Legacy/If/Permission.h>
@@ -11,7 +12,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
-#include <new>
 #include <string>
 
 namespace Legacy::If {
@@ -26,7 +26,7 @@ struct FirstReference;
 ///
 /// Schemas are made with `new` and shared through `boost::intrusive_ptr`. A new object has the count 0: wrap it at
 /// once. Any thread may take and drop references; everything else about one object is for one thread at a time.
-class LEGACY_IF_API InfoBase
+class LEGACY_IF_API InfoBase : public Detail::CachedObject
 {
 public:
     InfoBase(unsigned int const& id, std::string const& name, Permission_t const& permission);
@@ -94,19 +94,6 @@ public:
     bool operator<=(InfoBase const& other) const noexcept { return m_id <= other.m_id; }
     bool operator>(InfoBase const& other) const noexcept { return m_id > other.m_id; }
     bool operator>=(InfoBase const& other) const noexcept { return m_id >= other.m_id; }
-
-    /// Storage comes from a small bounded cache of the calling thread, since parameters come and go in numbers.
-    static void* operator new(std::size_t size);
-    static void* operator new(std::size_t, void* place) noexcept { return place; }
-    static void operator delete(void* object, std::size_t size) noexcept;
-    static void operator delete(void*, void*) noexcept {}
-
-    /// The cache knows no alignment: classes that ask for more than the usual one go straight to the allocator.
-    static void* operator new(std::size_t size, std::align_val_t alignment) { return ::operator new(size, alignment); }
-    static void operator delete(void* object, std::align_val_t alignment) noexcept
-    {
-        ::operator delete(object, alignment);
-    }
 
 private:
     friend struct Detail::FirstReference;

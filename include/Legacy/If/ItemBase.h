@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Legacy/If/CachedObject.h>
 #include <Legacy/If/Export.h>
 #include <Legacy/If/IfType.h>
 #include <Legacy/If/ReturnCodes.h>
@@ -11,7 +12,6 @@
 #include <cstdint>
 #include <iosfwd>
 #include <memory>
-#include <new>
 #include <string>
 
 namespace Legacy::If {
@@ -27,7 +27,7 @@ struct FirstReference;
 ///
 /// Values are made with `new` and shared through `boost::intrusive_ptr`. A new object has the count 0: wrap it at once.
 /// Any thread may take and drop references; everything else about one object is for one thread at a time.
-class LEGACY_IF_API ItemBase
+class LEGACY_IF_API ItemBase : public Detail::CachedObject
 {
 public:
     /// A serial record that owns its payload.
@@ -176,19 +176,6 @@ public:
     /// @return 0; #IfErrNullArgument for a null record, #IfErrInvalidArgument for tags that name no class, both with
     ///         `item` untouched; otherwise the code of the class.
     static int Deserialize(ConstSerialStruct_t const* record, boost::intrusive_ptr<ItemBase>& item);
-
-    /// Storage comes from a small bounded cache of the calling thread, since parameters come and go in numbers.
-    static void* operator new(std::size_t size);
-    static void* operator new(std::size_t, void* place) noexcept { return place; }
-    static void operator delete(void* object, std::size_t size) noexcept;
-    static void operator delete(void*, void*) noexcept {}
-
-    /// The cache knows no alignment: classes that ask for more than the usual one go straight to the allocator.
-    static void* operator new(std::size_t size, std::align_val_t alignment) { return ::operator new(size, alignment); }
-    static void operator delete(void* object, std::align_val_t alignment) noexcept
-    {
-        ::operator delete(object, alignment);
-    }
 
 protected:
     /// Copies the id; the copy is an object of its own, with the count 0.

@@ -106,6 +106,7 @@ TEST(FastPath, GivesOverAlignedClassesTheirAlignment)
     std::vector<ItemPtr> held;
     for (unsigned int id = 0; id < 8; ++id)
         EXPECT_EQ(reinterpret_cast<std::uintptr_t>(held.emplace_back(Make<Wide>(id)).get()) % alignof(Wide), 0U);
+    EXPECT_TRUE(ItemPtr(new (std::nothrow) NumericItem<U8Traits>(8)));
 }
 
 } // namespace

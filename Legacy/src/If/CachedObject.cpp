@@ -1,6 +1,4 @@
-#include "ObjectCache.h"
-
-#include <Legacy/If/ItemBase.h>
+#include <Legacy/If/CachedObject.h>
 
 #include <array>
 #include <cstdint>
@@ -94,7 +92,7 @@ bool Open() noexcept
 
 } // namespace
 
-void* AllocateObject(std::size_t size)
+void* CachedObject::operator new(std::size_t size)
 {
     if (size > k_largest)
         return ::operator new(size);
@@ -108,7 +106,7 @@ void* AllocateObject(std::size_t size)
     return ::operator new(BlockSize(i));
 }
 
-void FreeObject(void* object, std::size_t size) noexcept
+void CachedObject::operator delete(void* object, std::size_t size) noexcept
 {
     if (size > k_largest) {
         ::operator delete(object);
@@ -126,20 +124,18 @@ void FreeObject(void* object, std::size_t size) noexcept
 
 #else
 
-void* AllocateObject(std::size_t size) { return ::operator new(size); }
-void FreeObject(void* object, std::size_t) noexcept { ::operator delete(object); }
+void* CachedObject::operator new(std::size_t size) { return ::operator new(size); }
+void CachedObject::operator delete(void* object, std::size_t) noexcept { ::operator delete(object); }
 
 #endif
 
+void* CachedObject::operator new(std::size_t size, std::nothrow_t const&) noexcept
+{
+    try {
+        return CachedObject::operator new(size);
+    } catch (std::bad_alloc const&) {
+        return nullptr;
+    }
+}
+
 } // namespace Legacy::If::Detail
-
-// Here, so that they hold the code of the cache and do not call it.
-namespace Legacy::If {
-
-void* ItemBase::operator new(std::size_t size) { return Detail::AllocateObject(size); }
-void ItemBase::operator delete(void* object, std::size_t size) noexcept { Detail::FreeObject(object, size); }
-
-void* InfoBase::operator new(std::size_t size) { return Detail::AllocateObject(size); }
-void InfoBase::operator delete(void* object, std::size_t size) noexcept { Detail::FreeObject(object, size); }
-
-} // namespace Legacy::If
