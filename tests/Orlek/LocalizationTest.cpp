@@ -80,7 +80,6 @@ TEST(Localization, DirectoryOverridesAndAddsLanguagesAndMayHoldAnything)
     // Cut off anywhere, and with any byte of header or tables changed, a file must neither throw nor be read astray.
     for (std::size_t size = 0; size < german.size(); size += size < 300 ? 1 : 97)
         EXPECT_EQ(use("de", german.substr(0, size)), 0U) << size;
-    EXPECT_EQ(Look(k_minKey, "de"), k_minGerman);
     for (std::size_t at = 0; at < 28 + 16 * 15; ++at)
         for (char const value : {'\0', '\x7F', '\xFF', static_cast<char>(german.at(at) ^ 1)}) {
             use("de", std::string(german).replace(at, 1, 1, value));

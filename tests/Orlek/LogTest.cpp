@@ -54,8 +54,7 @@ TEST(LogManager, KeepsOneFacadeForAChannelWithItsParentsFirstLevel)
     EXPECT_EQ(child->get()->channel(), "Test.One[a]");
     parent->SetLevel(LogLevel_t::Debug);
     EXPECT_EQ(Manager().GetLogger("Test.One", parent, "a"), child);
-    for (auto const level : {LogLevel_t::Warning, LogLevel_t::Error, LogLevel_t::Fatal})
-        EXPECT_EQ(child->IsEnabled(level), level != LogLevel_t::Warning);
+    EXPECT_TRUE(child->IsEnabled(LogLevel_t::Error) && !child->IsEnabled(LogLevel_t::Warning));
     EXPECT_EQ(Manager().GetLogger("Test.One")->GetLevel(), LogLevel_t::Trace);
     EXPECT_FALSE(LoggerFacade().IsEnabled(LogLevel_t::Fatal)); // there is no logger behind it
 }
@@ -72,7 +71,7 @@ TEST(LogManager, ThreadsShareChannelsLevelsAndConsoles)
                 logger->SetLevel(static_cast<LogLevel_t>(i % 4));
                 if (logger->IsEnabled(LogLevel_t::Fatal))
                     BOOST_LOG_SEV(*logger->get(), LogLevel_t::Fatal) << "turn " << i;
-                Manager().AddConsoleSink(console.out);
+                Manager().AddConsoleSink(console.out); // once more, in vain
             }
         });
     threads.clear();
@@ -83,7 +82,6 @@ TEST(ConsoleSink, PrintsWhatARecordHas)
 {
     Console const other;
     Console console;
-    Manager().AddConsoleSink(console.out); // once more, in vain
     auto& channel = *k_early.logger->get();
     auto record = channel.open_record(boost::log::keywords::severity = LogLevel_t::Error);
     LoggerFacade::AttachLocation(record, CodeLocation("src\\File", "Space::F", 161));

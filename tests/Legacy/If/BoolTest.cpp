@@ -12,7 +12,7 @@ namespace {
 
 using Bits = std::vector<bool>;
 
-TEST(Bool, IsHeldToAFixedDefault)
+TEST(Bool, IsHeldToAFixedDefaultAndMergesTowardsFixed)
 {
     for (int row = 0; row < 8; ++row) {
         bool const fixed = row & 1, standard = row & 2, value = row & 4;
@@ -25,20 +25,13 @@ TEST(Bool, IsHeldToAFixedDefault)
         EXPECT_EQ(item->WithinBounds(*info), !fixed || value == standard);
         item->BoundVal(*info);
         EXPECT_EQ(item->GetVal(), fixed ? standard : value);
+        auto const other = MakeInfo<BoolInfo>();
+        other->SetFixed(value);
+        EXPECT_EQ(info->IsEqualBounds(other), fixed == value); // whatever their defaults
+        EXPECT_EQ(info->MergeBounds(other), 0);
+        EXPECT_EQ(Printed(*info),
+                  std::string("default=") + (standard ? "True" : "False") + (fixed || value ? " (fixed)" : ""));
     }
-}
-
-TEST(Bool, MergesTowardsFixed)
-{
-    auto const free = MakeInfo<BoolInfo>();
-    auto const fixed = MakeInfo<BoolInfo>();
-    fixed->SetFixed(true);
-    fixed->SetDefault(true);
-    EXPECT_EQ(fixed->MergeBounds(free), 0);
-    EXPECT_FALSE(free->IsEqualBounds(fixed));
-    EXPECT_EQ(free->MergeBounds(fixed), 0);
-    EXPECT_TRUE(free->IsEqualBounds(fixed)); // whatever their defaults
-    EXPECT_EQ(Printed(*free), "default=False (fixed)");
 }
 
 TEST(Bool, HasItsForms)

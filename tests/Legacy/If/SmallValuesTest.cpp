@@ -107,10 +107,8 @@ TEST(FloatRecords, HoldTheirPartsInOrder)
     Record const orientation = RecordOf(*MakeOrientation({1, 2.5F, -1}));
     EXPECT_TRUE(Rebuild(orientation).second->IsEqualValue(MakeOrientation({1, 2, 0}))); // no fraction, none below 0
     for (Record const& good : {colour, orientation}) {
-        auto const item = Rebuild(good).second;
         for (std::size_t const size : {std::size_t{0}, good.payload.size() - 1, good.payload.size() + 1})
-            EXPECT_EQ(Read(*item, {7, good.type, 0, Bytes(size, 0x40)}), IfErrInvalidArgument) << size;
-        EXPECT_EQ(Dumped(*item), Dumped(*Rebuild(good).second));
+            EXPECT_EQ(Rebuild({7, good.type, 0, Bytes(size, 0x40)}).first, IfErrInvalidArgument) << size;
     }
 }
 
@@ -118,7 +116,6 @@ TEST(Orientation, ComparesWithinTheToleranceAndHasNoText)
 {
     auto const item = MakeOrientation({1.5F, 0, -2});
     EXPECT_EQ(Assign(*item, MakeOrientation({1.5F, 1e-11F, -2})), (Outcome{0, 0}));
-    EXPECT_EQ(item->GetInclination(), 0.0F);
     for (Orientation_t const& other : {Orientation_t{1, 0, -2}, Orientation_t{1.5F, -1, -2}, Orientation_t{1.5F, 0, 2}})
     {
         EXPECT_FALSE(item->IsEqualValue(MakeOrientation(other)));
@@ -141,7 +138,6 @@ TEST(Extended, IsAPairOfTextsThatIsNotPrinted)
     EXPECT_EQ(ReadText(*item, "a b"), std::pair(false, std::string()));
     auto const other = Hold(ExtendedItem::Create(1, {"", "c"}));
     EXPECT_EQ(Assign(*other, item, 9), (Outcome{0, 1})); // the second text counts too
-    EXPECT_EQ(Assign(*other, item), (Outcome{0, 0}));
     EXPECT_EQ(Assign(*MakeInfo<ExtendedInfo>(), info), (Outcome{0, 1}));
 }
 
