@@ -38,8 +38,7 @@ TEST(Bool, HasItsForms)
 {
     auto const info = MakeInfo<BoolInfo>();
     info->SetDefault(true);
-    EXPECT_EQ(Dumped(*info) + Printed(*info),
-              "id: 7\npermission: 4660\nname: speed\ntype: Bool\nfixed: 0\ndefault: 1\ndefault=True");
+    EXPECT_EQ(Dumped(*info), "id: 7\npermission: 4660\nname: speed\ntype: Bool\nfixed: 0\ndefault: 1\n");
     auto const item = Hold(info->CreateItem());
     for (char const* const bad : {"2", "", "true"})
         EXPECT_EQ(ReadText(*item, bad), std::pair(false, std::string("Error parsing boolItem\n")));
