@@ -31,7 +31,7 @@ TEST(Colour, IsPackedWithoutRoundingOrClamping)
     auto const info = MakeInfo<ColourInfo>();
     for (auto const& [component, ofItem, ofInfo] :
          {std::tuple(std::nextafter(1.0F, 0.0F), 0xFEU, 0xFEU), std::tuple(1.5F, 126U, 126U),
-          std::tuple(-0.5F, 0U, 0x81U), std::tuple(3e38F, 0U, 0U), std::tuple(k_nan, 0U, 0U)})
+          std::tuple(-0.5F, 0U, 0x81U), std::tuple(16777215.0F, 1U, 1U), std::tuple(k_nan, 0U, 0U)})
     {
         Colour_t const colour{component, component, component, component};
         info->SetMin(colour);
@@ -103,6 +103,7 @@ TEST(FloatRecords, HoldTheirPartsInOrder)
     // In this form of a float the bytes of its integer part are swapped: 1 stands as 16777216.
     Record const colour = RecordOf(*MakeColour({1, 2, 3, 255}));
     EXPECT_EQ(colour.payload, (Bytes{0, 0, 0x80, 0x4B, 0, 0, 0, 0x4C, 0, 0, 0x40, 0x4C, 0, 0, 0x7F, 0x4F}));
+    EXPECT_EQ(Printed(*Rebuild(colour).second), "(1 2 3 255)");
     Record const orientation = RecordOf(*MakeOrientation({1, 2.5F, -1}));
     EXPECT_TRUE(Rebuild(orientation).second->IsEqualValue(MakeOrientation({1, 2, 0}))); // no fraction, none below 0
     for (Record const& good : {colour, orientation}) {
