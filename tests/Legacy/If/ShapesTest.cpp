@@ -180,7 +180,7 @@ TEST(ShapeRecords, HaveTheirBytesAndSizes)
     // what follows it.
     for (auto const& [item, payload, takesMore] :
          {std::tuple(ItemPtr(Point<S32>(-2, 1)), Bytes{255, 255, 255, 254, 0, 0, 0, 1}, false),
-          std::tuple(ItemPtr(Point<F>(1.5F, 255)), Bytes{0, 0, 0x80, 0x4B, 0, 0, 0x7F, 0x4F}, false),
+          std::tuple(ItemPtr(Point<F>(1.5F, 255)), NativeBytes({16777216, 4278190080}), false),
           std::tuple(ItemPtr(Rectangle<U16>({1, 2, 3, 0x0405})), Bytes{0, 1, 0, 2, 0, 3, 4, 5}, true),
           std::tuple(ItemPtr(List({{1, 2, 3, 4}})), Bytes{0, 1, 0, 2, 0, 3, 0, 4}, false)})
     {

@@ -102,7 +102,7 @@ TEST(FloatRecords, HoldTheirPartsInOrder)
 {
     // In this form of a float the bytes of its integer part are swapped: 1 stands as 16777216.
     Record const colour = RecordOf(*MakeColour({1, 2, 3, 255}));
-    EXPECT_EQ(colour.payload, (Bytes{0, 0, 0x80, 0x4B, 0, 0, 0, 0x4C, 0, 0, 0x40, 0x4C, 0, 0, 0x7F, 0x4F}));
+    EXPECT_EQ(colour.payload, NativeBytes({16777216, 33554432, 50331648, 4278190080}));
     EXPECT_EQ(Printed(*Rebuild(colour).second), "(1 2 3 255)");
     Record const orientation = RecordOf(*MakeOrientation({1, 2.5F, -1}));
     EXPECT_TRUE(Rebuild(orientation).second->IsEqualValue(MakeOrientation({1, 2, 0}))); // no fraction, none below 0

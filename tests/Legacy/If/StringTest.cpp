@@ -117,7 +117,7 @@ TEST(StringText, IsReadWordByWord)
     StringArrayItem list(1);
     list.SetVal({"old"});
     for (auto const& [input, place] :
-         {std::pair("x", "arraySize"), std::pair("2 a ", "arrayItem"), std::pair("4000000000 a", "arrayItem")})
+         {std::pair("x", "arraySize"), std::pair("2 a ", "arrayItem"), std::pair("80000000 a", "arrayItem")})
         EXPECT_EQ(ReadText(list, input), std::pair(false, std::string("Error parsing ") + place + '\n')) << input;
     EXPECT_EQ(list.GetVal(), (List{"old"}));
     EXPECT_TRUE(ReadText(list, "0").first);

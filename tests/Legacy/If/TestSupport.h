@@ -12,6 +12,7 @@
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -35,6 +36,14 @@ using TenTraits = TraitsList<U8Traits, S8Traits, U16Traits, S16Traits, U32Traits
 
 using Texts = std::vector<std::string>;
 using Bytes = std::vector<unsigned char>;
+
+/// The floats as this machine stores them, which is how they stand in records.
+inline Bytes NativeBytes(std::vector<float> const& numbers)
+{
+    Bytes bytes(numbers.size() * sizeof(float));
+    std::memcpy(bytes.data(), numbers.data(), bytes.size());
+    return bytes;
+}
 
 /// A new object, held.
 template<typename Object, typename... Arguments>
