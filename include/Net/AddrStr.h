@@ -30,7 +30,7 @@ public:
     bool IsSpecified() const;
 
     /// Whether the text is `localhost` in any case, or a numeric loopback address: all of 127.0.0.0/8, `::1`, and the
-    /// former mapped into IPv6 (`::ffff:127.0.0.1`). Other names are not looked up, and a URL is no address here.
+    /// former mapped into IPv6 as RFC 4291 tells. Other names are not looked up, and a URL is no address here.
     bool IsLocalhost() const;
 
     friend bool operator==(AddrStr const&, AddrStr const&) = default;

@@ -23,8 +23,8 @@ public:
     /// Whether the text is an absolute URI by the grammar of RFC 3986, with a port, if any, up to 65535.
     bool IsWellFormed() const noexcept { return m_isWellFormed; }
 
-    /// What stands ahead of the first colon, if that is made as a scheme is: a letter, then letters, digits, `+`, `-`
-    /// and `.`. Otherwise empty. Given for a text that is not well formed, too.
+    /// What stands ahead of the first colon, if that is made as a scheme is: a letter, then letters, digits, plus
+    /// signs, hyphens and dots. Otherwise empty. Given for a text that is not well formed, too.
     UriScheme const& GetScheme() const noexcept { return m_scheme; }
 
     /// Host and port. The host is percent-decoded and without the brackets of IPv6; the port is 0 if none is given,

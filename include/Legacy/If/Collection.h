@@ -7,7 +7,7 @@
 
 namespace Legacy::If {
 
-/// Schema of a loose list of parameters. It has the shape of a #CompositeInfo, but says nothing about the values.
+/// Schema of a loose list of parameters. It has the shape of a `CompositeInfo`, but says nothing about the values.
 class LEGACY_IF_API CollectionInfo : public InfoList<CollectionInfo, IfType_t::Collection>
 {
 public:
@@ -16,7 +16,7 @@ public:
     using InfoList::DeepCopy;
     /// Duplicates each member under its own identity.
     CollectionInfo* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const override;
-    /// A #CollectionItem without members.
+    /// A `CollectionItem` without members.
     ItemBase* CreateItem() const override;
 };
 

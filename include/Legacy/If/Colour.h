@@ -35,7 +35,7 @@ public:
 
     /// The packed words.
     ///
-    /// Contract: unlike in #ColourItem::GetARGB a negative component wraps in its byte, -0.5 to 0x81; callers compare
+    /// Contract: unlike in `ColourItem::GetARGB` a negative component wraps in its byte, -0.5 to 0x81; callers compare
     /// the words of schemas with words that they stored earlier.
     /// @{
     std::uint32_t GetMinARGB() const noexcept;
@@ -63,7 +63,7 @@ private:
     Orlek::Colour_t m_default;
 };
 
-/// Value of a colour parameter. Two values are equal if each component differs by no more than #k_floatTolerance.
+/// Value of a colour parameter. Two values are equal if each component differs by no more than `k_floatTolerance`.
 class LEGACY_IF_API ColourItem : public ItemFamily<ColourItem, IfType_t::Colour>
 {
 public:
@@ -76,7 +76,7 @@ public:
     float GetR() const noexcept { return m_value.r; }
     float GetG() const noexcept { return m_value.g; }
     float GetB() const noexcept { return m_value.b; }
-    /// The packed word, as told at #ColourInfo, but with 0 for a component that is 0 or less.
+    /// The packed word, as told at `ColourInfo`, but with 0 for a component that is 0 or less.
     std::uint32_t GetARGB() const noexcept;
 
     void Set(float a, float r, float g, float b) noexcept { m_value = {a, r, g, b}; }

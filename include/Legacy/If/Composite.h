@@ -16,7 +16,7 @@ public:
     using InfoList::DeepCopy;
     /// Duplicates each member under its own identity.
     CompositeInfo* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const override;
-    /// A #CompositeItem with one member for each member of the schema, as that makes it.
+    /// A `CompositeItem` with one member for each member of the schema, as that makes it.
     ItemBase* CreateItem() const override;
 };
 

@@ -42,7 +42,7 @@ private:
     boost::intrusive_ptr<InfoBase> m_info;
 };
 
-/// An envelope round one value, for the same ends and under the same rules as #InfoHolder.
+/// An envelope round one value, for the same ends and under the same rules as `InfoHolder`.
 class LEGACY_IF_API ItemHolder : public Orlek::IntrusiveBaseMT
 {
 public:

@@ -71,7 +71,7 @@ public:
     };
 
     /// A serial record that borrows its payload, which must outlive every call that reads it. The layout is that of
-    /// #SerialStruct_t; fill it field by field.
+    /// `SerialStruct_t`; fill it field by field.
     struct [[gnu::packed]] ConstSerialStruct_t
     {
         std::uint32_t id = 0;                ///< the value's id, big-endian

@@ -13,7 +13,7 @@ namespace Detail {
 struct MemberAccess;
 }
 
-/// The members of one composite or collection, in order; `Root` is #InfoBase or #ItemBase. It never holds a null
+/// The members of one composite or collection, in order; `Root` is `InfoBase` or `ItemBase`. It never holds a null
 /// pointer. Copies share the members; one object may stand in several lists, and more than once in one.
 ///
 /// Letting a list go releases its members in order, and after them, list by list, the members of lists that thereby
@@ -125,7 +125,7 @@ private:
 /// What composite and collection values say alike: an ordered list of member values of any family, further composites
 /// and collections among them. There is no limit to the depth. `Self` is the family's own class.
 ///
-/// What #InfoList says of sharing, cost, derived classes, cycles and threads holds here too.
+/// What `InfoList` says of sharing, cost, derived classes, cycles and threads holds here too.
 template<typename Self, IfType_t Type>
 class LEGACY_IF_API ItemList : public ItemFamily<Self, Type>
 {

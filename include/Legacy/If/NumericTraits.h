@@ -42,7 +42,7 @@ struct NumericTraitsBase
     static constexpr T k_defaultMax = std::numeric_limits<T>::max(); ///< the greatest finite value
 
     /// Whether two values count as equal: exactly for integers; for floating-point types when the greater less the
-    /// lesser is at most #k_floatTolerance, so a NaN equals nothing and neither do two infinities.
+    /// lesser is at most `k_floatTolerance`, so a NaN equals nothing and neither do two infinities.
     static constexpr bool Equal(T a, T b) noexcept
     {
         if constexpr (std::numeric_limits<T>::is_integer)

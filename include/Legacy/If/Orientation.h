@@ -16,7 +16,7 @@ struct Orientation_t
 };
 
 /// Value of an orientation. There is no schema for it. Two values are equal if each angle differs by no more than
-/// #k_floatTolerance.
+/// `k_floatTolerance`.
 class LEGACY_IF_API OrientationItem : public ItemFamily<OrientationItem, IfType_t::Orientation>
 {
 public:
