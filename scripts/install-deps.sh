@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what building, testing and running this project needs on Debian 12.
 # Quick when nothing is missing; safe to run again at any time.
+# usage: install-deps.sh [FURTHER PACKAGE …]
 set -euo pipefail
 
 packages=(
@@ -11,6 +12,7 @@ packages=(
     gettext
     mosquitto libmosquitto-dev
     libclang-rt-14-dev clang-format clang-tidy
+    "$@"
 )
 
 missing=()
