@@ -73,10 +73,10 @@ TEST(Endpoint, PrintsThePortBehindTheLastColon)
 
 TEST(Endpoint, KnowsWhetherItIsFullySpecifiedAndTheLocalHost)
 {
-    auto const expect = [](bool specified, bool local, std::vector<std::string> const& texts) {
+    auto const expect = [](bool whole, bool local, std::vector<std::string> const& texts) {
         for (auto const& text : texts) {
-            EXPECT_EQ(EndpointStr::FromString(text).IsFullySpecified(), specified) << text;
-            EXPECT_EQ(EndpointIp::FromString(text).IsFullySpecified(), specified) << text;
+            EXPECT_EQ(EndpointStr::FromString(text).IsFullySpecified(), whole) << text;
+            EXPECT_EQ(EndpointIp::FromString(text).IsFullySpecified(), whole) << text;
             EXPECT_EQ(EndpointStr::FromString(text).IsLocalhostAddr(), local) << text;
             EXPECT_EQ(EndpointIp::FromString(text).IsLocalhostAddr(), local) << text;
         }

@@ -129,8 +129,6 @@ public:
         CopyWireForms<Number>(reinterpret_cast<unsigned char*>(values.data()), from, values.size());
     }
 
-    void Skip(std::size_t size) noexcept { Take_(size); }
-
     /// Whether the payload that is left ends in a zero byte.
     bool EndsInZero() const noexcept { return m_left != 0 && m_next[m_left - 1] == 0; }
 
