@@ -1,13 +1,13 @@
-# What is installed: four shared libraries, their headers, a CMake package, a pkg-config file. The catalogues and the
+# What is installed: five shared libraries, their headers, a CMake package, two pkg-config files. The catalogues and the
 # message headers are installed where they are made.
 include(CMakePackageConfigHelpers)
 
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/LegacyIf")
 
 # The libraries stand side by side and find each other there, wherever the prefix is.
-set_target_properties(orlek net pb legacyif PROPERTIES INSTALL_RPATH "$ORIGIN")
+set_target_properties(orlek net pb legacyif legacyifkit PROPERTIES INSTALL_RPATH "$ORIGIN")
 
-install(TARGETS orlek net pb legacyif EXPORT LegacyIfTargets
+install(TARGETS orlek net pb legacyif legacyifkit EXPORT LegacyIfTargets
     LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
     RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" FILES_MATCHING PATTERN "*.h")
@@ -23,5 +23,7 @@ install(FILES "${PROJECT_BINARY_DIR}/LegacyIfConfig.cmake" "${PROJECT_BINARY_DIR
 # Told from where the file itself stands, so that a moved prefix still works.
 file(RELATIVE_PATH include_from_pc "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/${CMAKE_INSTALL_INCLUDEDIR}")
 set(LEGACYIF_PC_INCLUDEDIR "\${pcfiledir}/${include_from_pc}")
-configure_file("${PROJECT_SOURCE_DIR}/cmake/legacyif.pc.in" "${PROJECT_BINARY_DIR}/legacyif.pc" @ONLY)
-install(FILES "${PROJECT_BINARY_DIR}/legacyif.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+foreach(library legacyif legacyifkit)
+    configure_file("${PROJECT_SOURCE_DIR}/cmake/${library}.pc.in" "${PROJECT_BINARY_DIR}/${library}.pc" @ONLY)
+    install(FILES "${PROJECT_BINARY_DIR}/${library}.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+endforeach()

@@ -23,8 +23,8 @@ class LEGACY_IF_API InfoFamily : public InfoBase
 public:
     using InfoBase::InfoBase;
 
-    static IfType_t GetTypeStatic() noexcept { return Type; }
-    static NumericType_t GetNumericTypeStatic() noexcept { return Element; }
+    static constexpr IfType_t GetTypeStatic() noexcept { return Type; }
+    static constexpr NumericType_t GetNumericTypeStatic() noexcept { return Element; }
     IfType_t GetType() const override { return Type; }
     NumericType_t GetNumericType() const override { return Element; }
 
@@ -60,8 +60,8 @@ class LEGACY_IF_API ItemFamily : public ItemBase
 public:
     using ItemBase::ItemBase;
 
-    static IfType_t GetTypeStatic() noexcept { return Type; }
-    static NumericType_t GetNumericTypeStatic() noexcept { return Element; }
+    static constexpr IfType_t GetTypeStatic() noexcept { return Type; }
+    static constexpr NumericType_t GetNumericTypeStatic() noexcept { return Element; }
     IfType_t GetType() const override { return Type; }
     NumericType_t GetNumericType() const override { return Element; }
 

@@ -1,0 +1,7 @@
+#pragma once
+
+// Everything of the companion library.
+#include <Legacy/IfKit/Export.h>
+#include <Legacy/IfKit/Families.h>
+#include <Legacy/IfKit/Records.h>
+#include <Legacy/IfKit/Visit.h>

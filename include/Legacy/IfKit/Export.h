@@ -1,0 +1,8 @@
+#pragma once
+
+/// Marks what the companion library offers to callers; everything else stays hidden in the shared object.
+#if defined(__GNUC__)
+#define LEGACY_IFKIT_API __attribute__((visibility("default")))
+#else
+#define LEGACY_IFKIT_API
+#endif
