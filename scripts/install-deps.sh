@@ -8,7 +8,7 @@ packages=(
     g++ clang cmake ninja-build pkg-config git ccache
     libboost-log1.81-dev libboost-url1.81-dev libboost-locale1.81-dev
     libprotobuf-dev protobuf-compiler
-    libgtest-dev libgmock-dev libbenchmark-dev
+    libgtest-dev libgmock-dev libbenchmark-dev valgrind
     gettext
     mosquitto libmosquitto-dev
     libclang-rt-14-dev clang-format clang-tidy

@@ -9,8 +9,9 @@ namespace Legacy::If::Detail {
 
 /// Gives schemas and values their storage, since parameters come and go in numbers: small blocks are kept by the thread
 /// that freed them, a bounded number of each size, and handed out again without a trip to the allocator. They are given
-/// back in full when the thread ends. Builds with an address checker go straight to the allocator, so that it sees
-/// every object.
+/// back in full when the thread ends. In a program that a checker watches (the address, memory or thread sanitizer, or
+/// valgrind's memcheck), and where LEGACYIF_NO_OBJECT_CACHE stands in the environment when the first object is made,
+/// all goes straight to the allocator, so that each use of a freed object is seen.
 class LEGACY_IF_API CachedObject
 {
 public:
