@@ -9,9 +9,16 @@ function(platform_warnings target)
     endif()
 endfunction()
 
-# Weak symbols of Boost and of the standard library stay inside a shared library: the script names what is ours.
-function(platform_version_script target script)
-    if(EXISTS "${script}" AND NOT APPLE AND NOT WIN32)
+# What a shared library of the house is to the linker. Weak symbols of Boost and of the standard library stay inside: the
+# script names what is ours.
+function(platform_shared_library target script)
+    if(APPLE OR WIN32)
+        return()
+    endif()
+    # Once loaded it stays, also when the plugin that brought it goes: protobuf and the log keep what it registered with
+    # them, and threads come back to it at their end.
+    target_link_options(${target} PRIVATE "LINKER:-z,nodelete")
+    if(EXISTS "${script}")
         # A library's calls of its own functions need no detour by which a program could put others in their place.
         target_link_options(${target} PRIVATE "LINKER:--version-script=${script}" "LINKER:-Bsymbolic-functions")
         set_target_properties(${target} PROPERTIES LINK_DEPENDS "${script}")
@@ -53,7 +60,7 @@ function(platform_library name)
         LINKER_LANGUAGE CXX
         VERSION ${PROJECT_VERSION}
         SOVERSION ${LEGACYIF_SOVERSION})
-    platform_version_script(${name} "${PROJECT_SOURCE_DIR}/cmake/${ARG_OUTPUT_NAME}.map")
+    platform_shared_library(${name} "${PROJECT_SOURCE_DIR}/cmake/${ARG_OUTPUT_NAME}.map")
 endfunction()
 
 # A program of our own: a test, an example, a benchmark.
