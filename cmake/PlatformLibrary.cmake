@@ -1,8 +1,9 @@
-# Helpers that every library, test and program of the house uses.
+# Helpers that every library, test and program of the house uses. All targets bear the prefix "legacyif", so that a
+# project that embeds us keeps the short names for itself; callers use the aliases Legacy::If, Net::Net and so on.
 
-# Strict warnings, as errors, for our own targets only: a project that embeds us keeps its own.
+# Strict warnings for our own targets only: a project that embeds us keeps its own. Our presets make errors of them.
 function(platform_warnings target)
-    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
         # g++ 12 at -O2 reports overlaps that do not exist when a string takes a short literal.
         target_compile_options(${target} PRIVATE -Wno-restrict)
@@ -25,12 +26,34 @@ function(platform_shared_library target script)
     endif()
 endfunction()
 
-# platform_library(name NAMESPACE ns EXPORT_NAME n OUTPUT_NAME file SOURCES … [PUBLIC …] [PRIVATE …])
+# platform_publish(name NAMESPACE ns EXPORT_NAME n OUTPUT_NAME file DESCRIPTION text)
 #
-# Compiles the sources once, as the object library <name>_objects, and links them into the shared library <name> with
-# the alias ns::n. Tests that reach for a hidden symbol link the objects; everyone else links the shared library.
+# Makes the library <name> one of those that are installed: alias and exported name ns::n, component n of find_package,
+# the file lib<file>, the pkg-config module <file>, and the list abi/<file>.symbols of what it exports.
+function(platform_publish name)
+    cmake_parse_arguments(ARG "" "NAMESPACE;EXPORT_NAME;OUTPUT_NAME;DESCRIPTION" "" ${ARGN})
+
+    add_library(${ARG_NAMESPACE}::${ARG_EXPORT_NAME} ALIAS ${name})
+    target_compile_features(${name} PUBLIC cxx_std_20)
+    set_target_properties(${name} PROPERTIES
+        CXX_EXTENSIONS OFF
+        EXPORT_NAME ${ARG_NAMESPACE}::${ARG_EXPORT_NAME}
+        OUTPUT_NAME ${ARG_OUTPUT_NAME}
+        LINKER_LANGUAGE CXX
+        VERSION ${PROJECT_VERSION}
+        SOVERSION ${LEGACYIF_SOVERSION}
+        LEGACYIF_COMPONENT ${ARG_EXPORT_NAME}
+        LEGACYIF_DESCRIPTION "${ARG_DESCRIPTION}")
+    platform_shared_library(${name} "${PROJECT_SOURCE_DIR}/cmake/${ARG_OUTPUT_NAME}.map")
+    set_property(GLOBAL APPEND PROPERTY LEGACYIF_LIBRARIES ${name})
+endfunction()
+
+# platform_library(name NAMESPACE ns EXPORT_NAME n OUTPUT_NAME file DESCRIPTION text SOURCES … [PUBLIC …] [PRIVATE …])
+#
+# Compiles the sources once, as the object library <name>_objects, and links them into the shared library <name>, which
+# it publishes. Tests that reach for a hidden symbol link the objects; everyone else links the shared library.
 function(platform_library name)
-    cmake_parse_arguments(ARG "" "NAMESPACE;EXPORT_NAME;OUTPUT_NAME" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
+    cmake_parse_arguments(ARG "" "NAMESPACE;EXPORT_NAME;OUTPUT_NAME;DESCRIPTION" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
 
     add_library(${name}_objects OBJECT ${ARG_SOURCES})
     platform_warnings(${name}_objects)
@@ -48,34 +71,36 @@ function(platform_library name)
         VISIBILITY_INLINES_HIDDEN ON)
 
     add_library(${name} SHARED $<TARGET_OBJECTS:${name}_objects>)
-    add_library(${ARG_NAMESPACE}::${ARG_EXPORT_NAME} ALIAS ${name})
-    target_compile_features(${name} PUBLIC cxx_std_20)
     target_include_directories(${name} PUBLIC
         "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>"
-        "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>")
+        "$<INSTALL_INTERFACE:${LEGACYIF_INSTALL_INCLUDEDIR}>")
     target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
-    set_target_properties(${name} PROPERTIES
-        EXPORT_NAME ${ARG_NAMESPACE}::${ARG_EXPORT_NAME}
+    platform_publish(${name}
+        NAMESPACE ${ARG_NAMESPACE}
+        EXPORT_NAME ${ARG_EXPORT_NAME}
         OUTPUT_NAME ${ARG_OUTPUT_NAME}
-        LINKER_LANGUAGE CXX
-        VERSION ${PROJECT_VERSION}
-        SOVERSION ${LEGACYIF_SOVERSION})
-    platform_shared_library(${name} "${PROJECT_SOURCE_DIR}/cmake/${ARG_OUTPUT_NAME}.map")
+        DESCRIPTION "${ARG_DESCRIPTION}")
 endfunction()
 
-# A program of our own: a test, an example, a benchmark.
+# platform_executable(name SOURCES … LINK …): a program of our own, a test, an example or a benchmark. Its file is <name>,
+# its target legacyif_<name>, or <name> where that says whose it is already.
 function(platform_executable name)
     cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
-    add_executable(${name} ${ARG_SOURCES})
-    platform_warnings(${name})
-    target_compile_features(${name} PRIVATE cxx_std_20)
-    set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF)
-    target_link_libraries(${name} PRIVATE ${ARG_LINK})
+    set(target ${name})
+    if(NOT name MATCHES "^legacyif.")
+        set(target legacyif_${name})
+    endif()
+    add_executable(${target} ${ARG_SOURCES})
+    platform_warnings(${target})
+    target_compile_features(${target} PRIVATE cxx_std_20)
+    set_target_properties(${target} PROPERTIES CXX_EXTENSIONS OFF OUTPUT_NAME ${name})
+    target_link_libraries(${target} PRIVATE ${ARG_LINK})
+    set(target ${target} PARENT_SCOPE)
 endfunction()
 
 # platform_test(name SOURCES … LINK …): one GoogleTest program, its cases known to ctest by name.
 function(platform_test name)
-    cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})
-    platform_executable(${name} SOURCES ${ARG_SOURCES} LINK ${ARG_LINK} GTest::gmock GTest::gtest_main)
-    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60)
+    platform_executable(${name} ${ARGN})
+    target_link_libraries(${target} PRIVATE GTest::gmock GTest::gtest_main)
+    gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60)
 endfunction()

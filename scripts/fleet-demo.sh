@@ -11,7 +11,7 @@ elif [ $# -eq 0 ]; then
     cd "$(dirname "$0")/.."
     echo "Building (the first time takes a few minutes) …"
     build_log=$(mktemp)
-    ./scripts/build.sh release fleet_device fleet_controller >"$build_log" 2>&1 ||
+    ./scripts/build.sh release legacyif_fleet_device legacyif_fleet_controller >"$build_log" 2>&1 ||
         { tail -40 "$build_log"; rm -f "$build_log"; exit 1; }
     rm -f "$build_log"
     build_dir=build/release
