@@ -3,5 +3,7 @@
 // Everything of the companion library.
 #include <Legacy/IfKit/Export.h>
 #include <Legacy/IfKit/Families.h>
+#include <Legacy/IfKit/Json.h>
 #include <Legacy/IfKit/Records.h>
+#include <Legacy/IfKit/TypeNames.h>
 #include <Legacy/IfKit/Visit.h>

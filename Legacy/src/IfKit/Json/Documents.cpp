@@ -1,0 +1,437 @@
+#include "Elements.h"
+#include "Reader.h"
+#include "Schemas.h"
+#include "Values.h"
+#include "Writer.h"
+
+#include <Legacy/If/ReturnCodes.h>
+#include <Legacy/IfKit/Json.h>
+
+#include <algorithm>
+#include <memory>
+#include <ostream>
+#include <utility>
+
+namespace Legacy::IfKit {
+
+using namespace If;
+using namespace Detail;
+
+namespace {
+
+using InfoHolderPtr = boost::intrusive_ptr<InfoHolder const>;
+using ItemHolderPtr = boost::intrusive_ptr<ItemHolder const>;
+using ParameterPtr = boost::intrusive_ptr<InfoItemHolder const>;
+
+/// An envelope with what a document says of a parameter beside its schema.
+class ReadInfoHolder : public InfoHolder
+{
+public:
+    ReadInfoHolder(InfoPtr const& info, std::string displayName, std::string description, std::string unit)
+        : InfoHolder(info), m_displayName(std::move(displayName)), m_description(std::move(description)),
+          m_unit(std::move(unit))
+    {}
+
+    std::string GetDisplayName() const override { return m_displayName; }
+    std::string GetDescription() const override { return m_description; }
+    std::string GetUnit() const override { return m_unit; }
+    ReadInfoHolder* DeepCopy() const override
+    {
+        return new ReadInfoHolder(InfoPtr(GetInfo()->DeepCopy()), m_displayName, m_description, m_unit);
+    }
+
+private:
+    std::string m_displayName;
+    std::string m_description;
+    std::string m_unit;
+};
+
+/// Runs what may refuse, and tells where that happened.
+template<typename Step>
+JsonOutcome_t Guarded(Step&& step)
+{
+    try {
+        step();
+    } catch (Refusal const& refusal) {
+        return JsonFault_t{refusal.GetPointer(), 0, 0, refusal.what()};
+    }
+    return std::nullopt;
+}
+
+// --- Writing -----------------------------------------------------------------------------------------------------
+
+template<typename Make>
+JsonOutcome_t WriteOne(std::ostream& os, JsonLayout_t layout, Make&& make)
+{
+    return Guarded([&] {
+        Writer writer(os, layout);
+        writer.Put(make());
+        writer.Flush();
+    });
+}
+
+json::object HeldSchemaForm(InfoHolder const& holder)
+{
+    auto const& info = *holder.GetInfo();
+    json::object schema = SchemaForm(info);
+    json::object& extra = schema[View(k_extra)].as_object();
+    if (auto const description = holder.GetDescription(); !description.empty())
+        schema["description"] = Put(description);
+    if (auto const name = holder.GetDisplayName(); name != info.GetName())
+        extra["displayName"] = Put(name);
+    if (auto const unit = holder.GetUnit(); !unit.empty())
+        extra["unit"] = Put(unit);
+    return schema;
+}
+
+/// Writes the sections of a directory as a tree.
+class DirectoryWriter
+{
+public:
+    DirectoryWriter(Writer& writer, InfoItemDirectory const& directory, JsonContent_t content)
+        : m_writer(writer), m_directory(directory), m_content(content)
+    {
+        // In the order of their ids, in which the parameters of a section stand side by side.
+        directory.GetAllInfoItems(m_parameters);
+    }
+
+    void Write()
+    {
+        std::vector<SectionId> sections;
+        m_directory.GetTopLevelSections(sections);
+        m_writer.Begin('{');
+        m_writer.Key("format");
+        m_writer.Put(k_jsonFormat);
+        WriteSections_(sections);
+        m_writer.End('}');
+    }
+
+private:
+    void WriteSections_(std::vector<SectionId> const& sections)
+    {
+        m_writer.Key("sections");
+        m_writer.Begin('[');
+        for (auto const& section : sections)
+            WriteSection_(section);
+        m_writer.End(']');
+    }
+
+    void WriteSection_(SectionId const& section)
+    {
+        m_writer.Begin('{');
+        m_writer.Key("path");
+        m_writer.Put(Put(section.GetSectionName()));
+        m_writer.Key("id");
+        m_writer.Put(Put(static_cast<unsigned int>(section.GetInfoItemSectionId())));
+        WriteParameters_(section.GetInfoItemSectionId());
+        std::vector<SectionId> below;
+        m_directory.GetSubsections(section.GetInfoItemSectionId(), below);
+        if (!below.empty())
+            WriteSections_(below); // four levels at most
+        m_writer.End('}');
+    }
+
+    void WriteParameters_(InfoItemSectionId const& section)
+    {
+        // All numbers of a section, from parameter 0 to the section's own, in which the last one may have been given.
+        auto const first =
+            std::lower_bound(m_parameters.begin(), m_parameters.end(), section.CreateInfoItemId(0U), ById_);
+        auto const isHere = [&](ParameterPtr const& parameter) {
+            return parameter->GetInfo()->GetInfo()->GetId() <= section && Counts_(*parameter);
+        };
+        bool isOpen = false;
+        for (auto next = first; next != m_parameters.end() && (*next)->GetInfo()->GetInfo()->GetId() <= section; ++next)
+        {
+            if (!isHere(*next))
+                continue;
+            if (!std::exchange(isOpen, true)) {
+                m_writer.Key("parameters");
+                m_writer.Begin('[');
+            }
+            WriteParameter_(**next);
+        }
+        if (isOpen)
+            m_writer.End(']');
+    }
+
+    bool Counts_(InfoItemHolder const& parameter) const
+    {
+        return m_content != JsonContent_t::Values || parameter.GetItem();
+    }
+
+    void WriteParameter_(InfoItemHolder const& parameter)
+    {
+        auto const& info = *parameter.GetInfo()->GetInfo();
+        auto const* const item =
+            parameter.GetItem() && m_content != JsonContent_t::Schemas ? parameter.GetItem()->GetItem().get() : nullptr;
+        try {
+            m_writer.Put(m_content == JsonContent_t::Values ? ByItself_(info, *item)
+                                                            : WithSchema_(*parameter.GetInfo(), item));
+        } catch (Refusal const& refusal) {
+            throw Refusal({}, "parameter '" + info.GetName() + "': " + refusal.what());
+        }
+    }
+
+    static json::value ByItself_(InfoBase const& info, ItemBase const& item)
+    {
+        json::object parameter{{"name", Put(info.GetName())}};
+        for (auto& member : SelfForm(item))
+            parameter.emplace(member.key(), std::move(member.value()));
+        return parameter;
+    }
+
+    static json::value WithSchema_(InfoHolder const& holder, ItemBase const* item)
+    {
+        json::object parameter{{"schema", HeldSchemaForm(holder)}};
+        if (!item)
+            return parameter;
+        auto const shape = ShapeOf(*item);
+        if (shape.members != ShapeOf(*holder.GetInfo()).members)
+            parameter["members"] = MembersOf(shape);
+        parameter["value"] = BareForm(*item);
+        return parameter;
+    }
+
+    static bool ById_(ParameterPtr const& parameter, unsigned int id)
+    {
+        return parameter->GetInfo()->GetInfo()->GetId() < id;
+    }
+
+    Writer& m_writer;
+    InfoItemDirectory const& m_directory;
+    JsonContent_t m_content;
+    std::vector<ParameterPtr> m_parameters;
+};
+
+template<typename Map, typename Form>
+void WriteMap(Writer& writer, std::string_view key, Map const& map, Form&& form)
+{
+    writer.Key(key);
+    writer.Begin('[');
+    for (auto const& [id, entry] : map)
+        writer.Put(form(entry));
+    writer.End(']');
+}
+
+// --- Reading -----------------------------------------------------------------------------------------------------
+
+std::string TakeTextIf(Node const& node, std::string_view key)
+{
+    std::string text;
+    if (node.Has(key))
+        Take(node[key], text);
+    return text;
+}
+
+InfoHolderPtr TakeHeldSchema(Node const& node)
+{
+    InfoPtr const info = FromSchemaForm(node);
+    Node const extra = node[k_extra];
+    std::string name = TakeTextIf(extra, "displayName");
+    std::string description = TakeTextIf(node, "description");
+    std::string unit = TakeTextIf(extra, "unit");
+    if (name.empty() && description.empty() && unit.empty())
+        return new InfoHolder(info);
+    return new ReadInfoHolder(info, name.empty() ? info->GetName() : std::move(name), std::move(description),
+                              std::move(unit));
+}
+
+/// Gathers the parts of a document in a delta.
+class DeltaSink : public DocumentSink
+{
+public:
+    InfoItemDirectoryDelta const& GetDelta() const noexcept { return m_delta; }
+
+    void TakeSection(Node const& node) override
+    {
+        std::string path;
+        Take(node["path"], path);
+        SectionId const section(path, InfoItemSectionId(node["id"].Unsigned()));
+        if (!section.IsValid())
+            node.Refuse("the path and the id are not those of one section");
+        Expect_(node, m_delta.AddSection(section), "a section with this id");
+    }
+
+    void TakeParameter(Node const& node) override
+    {
+        if (!node.Has("schema"))
+            return TakeValue(node);
+        ExpectKeys(node, {"schema", "members", "value"});
+        auto const holder = TakeHeldSchema(node["schema"]);
+        AddInfo_(node, holder);
+        if (!node.Has("value"))
+            return;
+        Shape_t shape = ShapeOf(*holder->GetInfo());
+        if (node.Has("members"))
+            shape.members = TakeMembers(node["members"]);
+        AddItem_(node, FromBareForm(node["value"], shape));
+    }
+
+    void TakeSchema(Node const& node) override { AddInfo_(node, TakeHeldSchema(node)); }
+    void TakeValue(Node const& node) override { AddItem_(node, FromSelfForm(node)); }
+
+private:
+    void AddInfo_(Node const& node, InfoHolderPtr const& info)
+    {
+        Expect_(node, m_delta.AddInfo(info), "a schema with this id");
+    }
+
+    void AddItem_(Node const& node, ItemPtr const& item)
+    {
+        Expect_(node, m_delta.AddItem(ItemHolderPtr(new ItemHolder(item))), "a value with this id");
+    }
+
+    static void Expect_(Node const& node, int code, char const* what)
+    {
+        if (code != 0)
+            node.Refuse(std::string("there is ") + what + " already");
+    }
+
+    InfoItemDirectoryDelta m_delta;
+};
+
+std::string Hex(unsigned int id)
+{
+    static constexpr char k_digits[] = "0123456789abcdef";
+    std::string text = "0x";
+    for (int shift = 28; shift >= 0; shift -= 4)
+        text += k_digits[id >> shift & 0xF];
+    return text;
+}
+
+/// Applies the parts one by one to a directory that is dropped if one of them does not fit.
+JsonOutcome_t TryDelta(InfoItemDirectoryDelta const& delta)
+{
+    auto const refuse = [](std::string const& what, int code) {
+        return JsonFault_t{{}, 0, 0, what + " has no place in the directory, code " + std::to_string(code)};
+    };
+    InfoItemDirectory trial;
+    for (auto const& [id, section] : delta.GetSectionIdMap_addMod()) {
+        if (int const code = trial.AddSection(section))
+            return refuse("section '" + ToUnicode(section.GetSectionName()) + "'", code);
+    }
+    for (auto const& [id, info] : delta.GetInfoHolderPtrMap_addMod()) {
+        if (int const code = trial.AddInfo(info))
+            return refuse("parameter '" + ToUnicode(info->GetInfo()->GetName()) + "' with the id " + Hex(id), code);
+    }
+    for (auto const& [id, item] : delta.GetItemHolderPtrMap_addMod()) {
+        if (int const code = trial.SetItem(item))
+            return refuse("the value with the id " + Hex(id), code);
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+std::string JsonFault_t::ToString() const
+{
+    std::string text;
+    if (line != 0)
+        text = "line " + std::to_string(line) + ", column " + std::to_string(column);
+    if (!pointer.empty())
+        text += (text.empty() ? "at " : ", at ") + pointer;
+    return text.empty() ? reason : text + ": " + reason;
+}
+
+JsonOutcome_t WriteJson(std::ostream& os, ItemBase const& item, JsonLayout_t layout)
+{
+    return WriteOne(os, layout, [&] { return SelfForm(item); });
+}
+
+JsonOutcome_t WriteBareJson(std::ostream& os, ItemBase const& item, JsonLayout_t layout)
+{
+    return WriteOne(os, layout, [&] { return BareForm(item); });
+}
+
+JsonOutcome_t WriteJson(std::ostream& os, InfoBase const& info, JsonLayout_t layout)
+{
+    return WriteOne(os, layout, [&] {
+        json::object schema{{"$schema", "https://json-schema.org/draft/2020-12/schema"}};
+        for (auto& word : SchemaForm(info))
+            schema.emplace(word.key(), std::move(word.value()));
+        return schema;
+    });
+}
+
+JsonOutcome_t WriteJson(std::ostream& os, InfoItemDirectory const& directory, JsonContent_t content,
+                        JsonLayout_t layout)
+{
+    return Guarded([&] {
+        Writer writer(os, layout);
+        DirectoryWriter(writer, directory, content).Write();
+        writer.Flush();
+    });
+}
+
+JsonOutcome_t WriteJson(std::ostream& os, InfoItemDirectoryDelta const& delta, JsonLayout_t layout)
+{
+    return Guarded([&] {
+        Writer writer(os, layout);
+        writer.Begin('{');
+        writer.Key("format");
+        writer.Put(k_jsonFormat);
+        WriteMap(writer, "sections", delta.GetSectionIdMap_addMod(), [](SectionId const& section) {
+            return json::object{{"path", Put(section.GetSectionName())},
+                                {"id", static_cast<unsigned int>(section.GetInfoItemSectionId())}};
+        });
+        WriteMap(writer, "schemas", delta.GetInfoHolderPtrMap_addMod(),
+                 [](InfoHolderPtr const& holder) { return HeldSchemaForm(*holder); });
+        WriteMap(writer, "values", delta.GetItemHolderPtrMap_addMod(),
+                 [](ItemHolderPtr const& holder) { return SelfForm(*holder->GetItem()); });
+        writer.End('}');
+        writer.Flush();
+    });
+}
+
+JsonOutcome_t ReadJson(std::istream& is, boost::intrusive_ptr<ItemBase>& item)
+{
+    ItemPtr read;
+    auto fault = ReadWhole(is, [&](Node const& node) { read = FromSelfForm(node); });
+    if (!fault)
+        item = std::move(read);
+    return fault;
+}
+
+JsonOutcome_t ReadJson(std::istream& is, boost::intrusive_ptr<InfoBase>& info)
+{
+    InfoPtr read;
+    auto fault = ReadWhole(is, [&](Node const& node) { read = FromSchemaForm(node); });
+    if (!fault)
+        info = std::move(read);
+    return fault;
+}
+
+JsonOutcome_t ReadBareJson(std::istream& is, InfoBase const& info, boost::intrusive_ptr<ItemBase>& item)
+{
+    ItemPtr read;
+    auto fault = ReadWhole(is, [&](Node const& node) { read = FromBareForm(node, ShapeOf(info)); });
+    if (!fault)
+        item = std::move(read);
+    return fault;
+}
+
+JsonOutcome_t ReadJson(std::istream& is, InfoItemDirectoryDelta& delta)
+{
+    DeltaSink sink;
+    auto fault = ReadParts(is, sink);
+    if (!fault)
+        delta = sink.GetDelta();
+    return fault;
+}
+
+JsonOutcome_t ReadJson(std::istream& is, InfoItemDirectory& directory)
+{
+    std::vector<SectionId> sections;
+    directory.GetTopLevelSections(sections);
+    if (!sections.empty() || !directory.Empty())
+        return JsonFault_t{{}, 0, 0, "the directory is not empty"};
+    auto const delta = std::make_shared<InfoItemDirectoryDelta>();
+    auto fault = ReadJson(is, *delta);
+    if (!fault)
+        fault = TryDelta(*delta);
+    if (!fault)
+        directory.UpdateFromDelta(delta, true, true); // as the trial did
+    return fault;
+}
+
+} // namespace Legacy::IfKit

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <Legacy/If/IfType.h>
+#include <Legacy/IfKit/Export.h>
+
+#include <optional>
+#include <string_view>
+
+/// Type tags as words, for people and for files.
+///
+///     for (auto const& record : records) std::cout << NameOf(record.type) << ' ' << NameOf(record.numericType) <<
+///     '\n'; auto const type = IfTypeOf("Numeric"); bool const isNumber = type == IfType_t::Numeric;
+namespace Legacy::IfKit {
+
+/// The enumerator's name, such as "NumericArray", and "U8" for an element; empty for a number that is no enumerator.
+/// Every tag has its name here, also those for which the texts of the core say that they are invalid.
+/// @{
+LEGACY_IFKIT_API std::string_view NameOf(If::IfType_t type) noexcept;
+LEGACY_IFKIT_API std::string_view NameOf(If::NumericType_t type) noexcept;
+/// @}
+
+/// The tag with that name, letter for letter; nothing for any other text.
+/// @{
+LEGACY_IFKIT_API std::optional<If::IfType_t> IfTypeOf(std::string_view name) noexcept;
+LEGACY_IFKIT_API std::optional<If::NumericType_t> NumericTypeOf(std::string_view name) noexcept;
+/// @}
+
+} // namespace Legacy::IfKit

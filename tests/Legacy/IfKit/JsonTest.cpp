@@ -1,0 +1,431 @@
+#include "Samples.h"
+
+#include <Legacy/IfKit/Json.h>
+
+#include <gtest/gtest.h>
+
+namespace Legacy::IfKit::Test {
+namespace {
+
+std::string Text(auto const& object, auto... how)
+{
+    std::ostringstream os;
+    auto const fault = WriteJson(os, object, how...);
+    EXPECT_FALSE(fault) << fault->ToString();
+    return os.str();
+}
+
+template<typename Root>
+boost::intrusive_ptr<Root> FromText(std::string const& text)
+{
+    std::istringstream is(text);
+    boost::intrusive_ptr<Root> object;
+    auto const fault = ReadJson(is, object);
+    EXPECT_FALSE(fault) << fault->ToString() << " in " << text;
+    return object;
+}
+
+TEST(Json, CarriesEveryValueExactly)
+{
+    for (auto const& item : SampleItems()) {
+        for (auto const layout : {JsonLayout_t::Compact, JsonLayout_t::Indented}) {
+            std::string const text = Text(*item, layout);
+            auto const copy = FromText<ItemBase>(text);
+            ASSERT_TRUE(copy);
+            EXPECT_EQ(Print::Of(*copy), Print::Of(*item)) << text;
+            EXPECT_EQ(Text(*copy, layout), text);
+        }
+    }
+}
+
+TEST(Json, CarriesEverySchemaExactly)
+{
+    for (auto const& info : SampleInfos()) {
+        std::string const text = Text(*info, JsonLayout_t::Indented);
+        auto const copy = FromText<InfoBase>(text);
+        ASSERT_TRUE(copy);
+        EXPECT_EQ(Print::Of(*copy), Print::Of(*info)) << text;
+        EXPECT_EQ(Text(*copy, JsonLayout_t::Indented), text);
+    }
+}
+
+class Parameter : public InfoHolder
+{
+public:
+    using InfoHolder::InfoHolder;
+    std::string GetDisplayName() const override { return "Frame size"; }
+    std::string GetDescription() const override { return "Largest frame"; }
+    std::string GetUnit() const override { return "bytes"; }
+    Parameter* DeepCopy() const override { return new Parameter(*this); }
+};
+
+SectionId Section(InfoItemDirectory& directory, std::string const& path)
+{
+    SectionId section;
+    EXPECT_EQ(directory.AddSection(path, section), 0);
+    return section;
+}
+
+/// Two levels, a parameter without a value, a value with other members than its schema, and an envelope that says more.
+InfoItemDirectory SampleDirectory()
+{
+    InfoItemDirectory directory;
+    auto const port = Section(directory, "port").GetInfoItemSectionId();
+    auto const tree = Section(directory, "port/stp").GetInfoItemSectionId();
+    boost::intrusive_ptr<NumericInfo<U16Traits>> const mtu(
+        new NumericInfo<U16Traits>(port.CreateInfoItemId(0U), "mtu", {6}));
+    mtu->SetMin(68);
+    mtu->SetMax(9216);
+    mtu->SetDefault(1500);
+    directory.AddInfo(new Parameter(mtu));
+    directory.SetItem(new ItemHolder(NumericItem<U16Traits>::Create(mtu->GetId(), 65535)));
+    boost::intrusive_ptr<EnumInfo> const mode(new EnumInfo(port.CreateInfoItemId(1U), "mode", {4}, false));
+    mode->SetTable({{"off", 0, false}, {"auto", 2, true}});
+    directory.AddInfo(new InfoHolder(mode));
+    boost::intrusive_ptr<CompositeInfo> const timer(new CompositeInfo(tree.CreateInfoItemId(0U), "timer", {}));
+    timer->AddInfo(FreshInfo<BoolInfo>(1, "on"));
+    directory.AddInfo(new InfoHolder(timer));
+    boost::intrusive_ptr<CompositeItem> const value(new CompositeItem(timer->GetId()));
+    value->AddItem(NumericItem<FloatTraits>::Create(9, 0.1F));
+    directory.SetItem(new ItemHolder(value));
+    return directory;
+}
+
+constexpr auto k_sample = R"({
+  "format": 1,
+  "sections": [
+    {
+      "path": "port",
+      "id": 16777215,
+      "parameters": [
+        {
+          "schema": {
+            "title": "mtu",
+            "type": "integer",
+            "minimum": 68,
+            "maximum": 9216,
+            "default": 1500,
+            "x-legacyif": {
+              "id": 0,
+              "type": "Numeric",
+              "elementType": "U16",
+              "permission": 6,
+              "displayName": "Frame size",
+              "unit": "bytes"
+            },
+            "description": "Largest frame"
+          },
+          "value": 65535
+        },
+        {
+          "schema": {
+            "title": "mode",
+            "type": "integer",
+            "enum": [0, 2],
+            "default": 0,
+            "x-legacyif": {
+              "id": 1,
+              "type": "Enum",
+              "permission": 4,
+              "elements": [
+                {"name": "off"},
+                {"name": "auto", "disabled": true}
+              ]
+            }
+          }
+        }
+      ],
+      "sections": [
+        {
+          "path": "port/stp",
+          "id": 1074003967,
+          "parameters": [
+            {
+              "schema": {
+                "title": "timer",
+                "type": "array",
+                "prefixItems": [
+                  {
+                    "title": "on",
+                    "type": "boolean",
+                    "default": false,
+                    "x-legacyif": {"id": 1, "type": "Bool", "permission": 4660}
+                  }
+                ],
+                "items": false,
+                "minItems": 1,
+                "x-legacyif": {"id": 1073741824, "type": "Composite", "permission": 0}
+              },
+              "members": [
+                {"id": 9, "type": "Numeric", "elementType": "Float"}
+              ],
+              "value": [0.1]
+            }
+          ]
+        }
+      ]
+    }
+  ]
+}
+)";
+
+TEST(Json, ShowsDirectoriesAsTrees)
+{
+    auto const directory = SampleDirectory();
+    EXPECT_EQ(Text(directory, JsonContent_t::Everything, JsonLayout_t::Indented), k_sample);
+    EXPECT_EQ(Text(directory, JsonContent_t::Values),
+              R"({"format":1,"sections":[{"path":"port","id":16777215,"parameters":[{"name":"mtu","id":0,)"
+              R"("type":"Numeric","elementType":"U16","value":65535}],"sections":[{"path":"port/stp","id":1074003967,)"
+              R"("parameters":[{"name":"timer","id":1073741824,"type":"Composite","members":)"
+              R"([{"id":9,"type":"Numeric","elementType":"Float"}],"value":[0.1]}]}]}]})");
+    InfoItemDirectory bare;
+    std::istringstream schemas(Text(directory, JsonContent_t::Schemas));
+    EXPECT_FALSE(ReadJson(schemas, bare));
+    EXPECT_EQ(
+        Text(bare, JsonContent_t::Values),
+        R"({"format":1,"sections":[{"path":"port","id":16777215,"sections":[{"path":"port/stp","id":1074003967}]}]})");
+}
+
+TEST(Json, RebuildsDirectoriesAndDeltas)
+{
+    InfoItemDirectory copy;
+    std::istringstream is(k_sample);
+    auto fault = ReadJson(is, copy);
+    ASSERT_FALSE(fault) << fault->ToString();
+    EXPECT_EQ(Text(copy, JsonContent_t::Everything, JsonLayout_t::Indented), k_sample);
+    boost::intrusive_ptr<InfoHolder const> const twin(copy.FindInfo("port", "mtu")->DeepCopy());
+    EXPECT_EQ(twin->GetDisplayName() + '|' + twin->GetDescription() + '|' + twin->GetUnit(),
+              "Frame size|Largest frame|bytes");
+
+    // A document of a directory is one of a delta too, which has the same content in another order.
+    InfoItemDirectoryDelta delta;
+    std::istringstream again(k_sample);
+    ASSERT_FALSE(ReadJson(again, delta));
+    std::istringstream flat(Text(delta, JsonLayout_t::Indented));
+    auto const second = std::make_shared<InfoItemDirectoryDelta>();
+    fault = ReadJson(flat, *second);
+    ASSERT_FALSE(fault) << fault->ToString();
+    EXPECT_EQ(Text(*second), Text(delta));
+    InfoItemDirectory other;
+    EXPECT_EQ(other.UpdateFromDelta(second, true, true), 0);
+    EXPECT_EQ(Text(other, JsonContent_t::Everything, JsonLayout_t::Indented), k_sample);
+
+    // A directory is filled once.
+    std::istringstream third(k_sample);
+    EXPECT_EQ(ReadJson(third, other)->reason, "the directory is not empty");
+}
+
+TEST(Json, CarriesBareValuesUnderTheirSchema)
+{
+    auto const timer = FreshInfo<CompositeInfo>();
+    timer->AddInfo(FreshInfo<NumericInfo<S64Traits>>(1, "a"));
+    timer->AddInfo(FreshInfo<BoolArrayInfo>(2, "b"));
+    std::istringstream is("[-9223372036854775808, [true]]");
+    ItemPtr item;
+    EXPECT_FALSE(ReadBareJson(is, *timer, item));
+    EXPECT_EQ(item->GetValAsString(), "(-9223372036854775808, (True))");
+    std::ostringstream os;
+    EXPECT_FALSE(WriteBareJson(os, *item));
+    EXPECT_EQ(os.str(), "[-9223372036854775808,[true]]");
+}
+
+struct Refused_t
+{
+    char const* text;
+    char const* fault; // its end
+};
+
+std::string FaultOf(std::string const& text, auto&& target)
+{
+    std::istringstream is(text);
+    auto const fault = ReadJson(is, target);
+    return fault ? fault->ToString() : "";
+}
+
+TEST(Json, RefusesValuesThatAreNone)
+{
+    ItemPtr item(BoolItem::Create(1, true));
+    auto* const before = item.get();
+    Refused_t const cases[] = {
+        {"", "line 1, column 1: incomplete JSON"},
+        {"{\n\"id\": 1,,", "line 2, column 9: syntax error"},
+        {R"({"id":1,"type":"Bool","value":true} x)", "column 37: extra data"},
+        {R"({"id":1,"type":"Bool","value":true // no
+              })",
+         "syntax error"},
+        {R"({"id":1,"id":1})", "'id' stands there twice"},
+        {R"([])", "an object is expected"},
+        {R"({"type":"Bool","value":true})", "there is no 'id'"},
+        {R"({"id":4294967296,"type":"Bool","value":true})", "at /id: a whole number from 0 to 4294967295 is expected"},
+        {R"({"id":-1,"type":"Bool","value":true})", "at /id: a whole number from 0 to 4294967295 is expected"},
+        {R"({"id":1,"type":"bool","value":true})", "at /type: there is no type of this name"},
+        {R"({"id":1,"type":"Connection","value":true})", "there are no values of this type and element type"},
+        {R"({"id":1,"type":"Bool","elementType":"U8","value":true})",
+         "there are no values of this type and element type"},
+        {R"({"id":1,"type":"Bool","value":1})", "at /value: true or false is expected"},
+        {R"({"id":1,"type":"Bool","members":[],"value":true})", "at /members: this type has no members"},
+        {R"({"id":1,"type":"Bool","value":true,"more":1})", "'more' is not known here"},
+        {R"({"id":1,"type":"Numeric","elementType":"U8","value":256})",
+         "at /value: a whole number from 0 to 255 is expected"},
+        {R"({"id":1,"type":"Numeric","elementType":"U8","value":0.5})",
+         "at /value: a whole number from 0 to 255 is expected"},
+        {R"({"id":1,"type":"Numeric","elementType":"S64","value":9223372036854775808})",
+         "9223372036854775807 is expected"},
+        {R"({"id":1,"type":"Numeric","elementType":"S64","value":9223372036854775807.0})",
+         "9223372036854775807 is expected"},
+        {R"({"id":1,"type":"Numeric","elementType":"Float","value":3.4028236e38})", "\"NaN\" is expected"},
+        {R"_({"id":1,"type":"Numeric","elementType":"Float","value":"NaN(0x7f800000)"})_", "\"NaN\" is expected"},
+        {R"({"id":1,"type":"Numeric","elementType":"Double","value":1e999})",
+         "at /value: no number of 64 bits comes near to this one"},
+        {R"({"id":1,"type":"StringArray","value":["a",null]})", "at /value/1: a string is expected"},
+        {"{\"id\":1,\"type\":\"String\",\"value\":\"\xFF\"}", "syntax error"},
+        {R"({"id":1,"type":"String","value":"\ud800"})", "syntax error"},
+        {R"({"id":1,"type":"Colour","value":{"a":1,"r":1,"g":1}})", "at /value: there is no 'b'"},
+        {R"({"id":1,"type":"AppEndpoint","value":{"protocol":"Gopher","version":1,"compatVersion":1,"address":"","port":1,"group":1}})",
+         "at /value/protocol: there is no protocol of this name"},
+        {R"({"id":1,"type":"Composite","members":[{"id":1,"type":"Bool"}],"value":[]})",
+         "at /value: 1 members are expected"},
+        {R"({"id":1,"type":"LocalizedString","value":{"key":"","arguments":[{"id":1,"type":"Bool","value":7}]}})",
+         "at /value/arguments/0/value: true or false is expected"},
+    };
+    for (auto const& [text, fault] : cases) {
+        std::string const found = FaultOf(text, item);
+        EXPECT_TRUE(found.ends_with(fault)) << text << "\n" << found;
+        EXPECT_EQ(item.get(), before);
+    }
+}
+
+TEST(Json, RefusesSchemasThatCannotBeHeld)
+{
+    InfoPtr info = FreshInfo<BoolInfo>();
+    auto* const before = info.get();
+    std::string const number = R"("x-legacyif":{"id":1,"type":"Numeric","elementType":"U8"}})";
+    Refused_t const cases[] = {
+        {R"({"type":"integer"})", "there is no 'x-legacyif'"},
+        {R"({"multipleOf":2,)", "at /multipleOf: a schema cannot hold this"},
+        {R"({"type":"string",)", "at /type: a schema cannot hold this; it would hold \"integer\""},
+        {R"({"minimum":5,"maximum":4,)", "at /minimum: a schema cannot hold this; it would hold 4"},
+        {R"({"maximum":256,)", "at /maximum: a whole number from 0 to 255 is expected"},
+        {R"({"minimum":-1e400,)", "at /minimum: no number of 64 bits comes near to this one"},
+        {R"({"x-legacyif":{"id":1,"type":"Orientation"}})", "at /x-legacyif: there are no schemas of this type"},
+        {R"({"x-legacyif":{"id":1,"type":"Bool","colour":1}})", "at /x-legacyif/colour: a schema cannot hold this"},
+        {R"({"x-legacyif":{"id":1,"type":"Bool","permission":65536}})", "a whole number from 0 to 65535 is expected"},
+        {R"({"enum":[1],"x-legacyif":{"id":1,"type":"Enum","elements":[]}})",
+         "at /x-legacyif/elements: there must be an element for each value in 'enum'"},
+        {R"({"minItems":2,"maxItems":1,"x-legacyif":{"id":1,"type":"BoolArray"}})", "it would hold 1"},
+        {R"({"prefixItems":[{"x-legacyif":{"id":1,"type":"Bool"}},{"const":1,"x-legacyif":{"id":1,"type":"Bool"}}],
+                 "x-legacyif":{"id":1,"type":"Composite"}})",
+         "at /prefixItems/1/const: true or false is expected"},
+    };
+    for (auto const& [text, fault] : cases) {
+        std::string whole = text;
+        if (whole.back() == ',')
+            whole += number;
+        std::string const found = FaultOf(whole, info);
+        EXPECT_TRUE(found.ends_with(fault)) << whole << "\n" << found;
+        EXPECT_EQ(info.get(), before);
+    }
+    // What is not said binds nothing, and annotations do no harm.
+    auto const loose = FromText<InfoBase>(R"({"$comment":"x","examples":[1],"type":"number",
+        "x-legacyif":{"id":1,"type":"Numeric","elementType":"Float"}})");
+    auto const& real = dynamic_cast<NumericInfo<FloatTraits> const&>(*loose);
+    EXPECT_EQ(real.GetMin(), -std::numeric_limits<float>::infinity());
+    EXPECT_EQ(real.GetMax(), std::numeric_limits<float>::infinity());
+}
+
+TEST(Json, RefusesDirectoriesThatAreNone)
+{
+    std::string const mtu = R"({"title":"mtu","x-legacyif":{"id":0,"type":"Bool"}})";
+    std::string const port = R"({"sections":[{"path":"port","id":16777215)";
+    std::pair<std::string, char const*> const cases[] = {
+        {"[]", "an object is expected"},
+        {"7", "an object is expected"},
+        {R"({"format":2})", "at /format: this format is not known, only 1"},
+        {R"({"more":[]})", "at /more: 'more' is not known here"},
+        {R"({"parameters":[]})", "'parameters' is not known here"},
+        {R"({"sections":[],"sections":[]})", "'sections' stands there twice"},
+        {R"({"sections":{}})", "at /sections: an array is expected"},
+        {R"({"sections":1})", "at /sections: an array is expected"},
+        {R"({"sections":[1]})", "at /sections/0: an object is expected"},
+        {R"({"sections":[[]]})", "at /sections/0: an object is expected"},
+        {R"({"sections":[{"id":1}]})", "at /sections/0: there is no 'path'"},
+        {R"({"sections":[{"path":"a","id":1}]})", "the path and the id are not those of one section"},
+        {port + R"(},{"path":"x","id":16777215}]})", "at /sections/1: there is a section with this id already"},
+        {port + R"(},{"path":"port","id":33554431}]})", "section 'port' has no place in the directory, code -47"},
+        {port + R"(,"parameters":[{"schema":)" + mtu + R"(},{"schema":)" + mtu + "}]}]}",
+         "at /sections/0/parameters/1: there is a schema with this id already"},
+        {port + R"(,"parameters":[{"schema":)" + mtu + R"(,"value":7}]}]})",
+         "at /sections/0/parameters/0/value: true or false is expected"},
+        {R"({"schemas":[)" + mtu + "]}",
+         "parameter 'mtu' with the id 0x00000000 has no place in the directory, code -25"},
+        {port + R"(}],"values":[{"id":0,"type":"Bool","value":true}]})",
+         "the value with the id 0x00000000 has no place in the directory, code -25"},
+    };
+    for (auto const& [text, fault] : cases) {
+        InfoItemDirectory directory;
+        std::string const found = FaultOf(text, directory);
+        EXPECT_TRUE(found.ends_with(fault)) << text << "\n" << found;
+        EXPECT_EQ(Text(directory), R"({"format":1,"sections":[]})");
+    }
+}
+
+TEST(Json, FollowsNoDepthThatInputChooses)
+{
+    auto const nested = [](std::size_t depth) {
+        ItemPtr item(new CompositeItem(1));
+        for (std::size_t i = 0; i < depth; ++i) {
+            boost::intrusive_ptr<CompositeItem> const outer(new CompositeItem(1));
+            outer->AddItem(item);
+            item = outer;
+        }
+        return item;
+    };
+    std::string const text = Text(*nested(k_maxJsonMembers));
+    EXPECT_EQ(Text(*FromText<ItemBase>(text)), text);
+    std::ostringstream os;
+    EXPECT_EQ(WriteJson(os, *nested(k_maxJsonMembers + 1))->ToString(), "members lie more than 32 deep");
+    for (auto const* const part : {"[", "{\"a\":", "{\"id\":1,\"type\":\"Composite\",\"members\":["}) {
+        std::string deep;
+        for (int i = 0; i < 100000; ++i)
+            deep += part;
+        ItemPtr item;
+        EXPECT_NE(FaultOf(deep, item), "");
+        InfoItemDirectory directory;
+        EXPECT_NE(FaultOf(deep, directory), "");
+        EXPECT_NE(FaultOf("{\"sections\":[{\"sections\":" + deep, directory), "");
+    }
+}
+
+TEST(Json, ReadsStreamsInAnyPieces)
+{
+    // A buffer that gives one byte at a time, and a stream that breaks.
+    struct Slow : std::streambuf
+    {
+        explicit Slow(std::string text) : m_text(std::move(text)) {}
+        int_type underflow() override
+        {
+            if (m_next == m_text.size())
+                throw std::runtime_error("broken");
+            setg(&m_text[m_next], &m_text[m_next], &m_text[m_next] + 1);
+            ++m_next;
+            return traits_type::to_int_type(*gptr());
+        }
+        std::string m_text;
+        std::size_t m_next = 0;
+    };
+    Slow broken(R"({"id":1,)");
+    std::istream is(&broken);
+    ItemPtr item;
+    EXPECT_EQ(ReadJson(is, item)->reason, "the text cannot be read");
+
+    // Parts of strings and numbers at every place of the reader's own pieces.
+    std::string text =
+        Text(*SamplesOf(Family<NumericArrayInfo<DoubleTraits>, NumericArrayItem<DoubleTraits>>()).back());
+    for (std::size_t const padding : {65536 - 300, 65536 - 200, 65536 - 100, 65536 - 77}) {
+        auto const copy = FromText<ItemBase>(std::string(padding, ' ') + text);
+        EXPECT_EQ(Text(*copy), text);
+    }
+}
+
+} // namespace
+} // namespace Legacy::IfKit::Test
