@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Legacy/If/NetValue.h>
+#include <Legacy/If/Detail/NetValue.h>
 #include <Net/AddrStr.h>
 
 namespace Legacy::If {
@@ -12,12 +12,12 @@ struct LEGACY_IF_API AddrFamily
     static constexpr IfType_t k_type = IfType_t::Addr;
 };
 
-extern template class NetInfo<AddrFamily>;
-extern template class NetItem<AddrFamily>;
+extern template class Detail::NetInfo<AddrFamily>;
+extern template class Detail::NetItem<AddrFamily>;
 
 /// Schema of an address.
-using AddrInfo = NetInfo<AddrFamily>;
+using AddrInfo = Detail::NetInfo<AddrFamily>;
 /// An address. It prints as its text, an unspecified one as nothing.
-using AddrItem = NetItem<AddrFamily>;
+using AddrItem = Detail::NetItem<AddrFamily>;
 
 } // namespace Legacy::If

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <Legacy/If/Detail/NetValue.h>
 #include <Legacy/If/Export.h>
-#include <Legacy/If/NetValue.h>
 #include <Net/Endpoint.h>
 
 #include <string>
@@ -137,12 +137,12 @@ struct LEGACY_IF_API AppEndpointFamily
     static constexpr IfType_t k_type = IfType_t::AppEndpoint;
 };
 
-extern template class NetInfo<AppEndpointFamily>;
-extern template class NetItem<AppEndpointFamily>;
+extern template class Detail::NetInfo<AppEndpointFamily>;
+extern template class Detail::NetItem<AppEndpointFamily>;
 
 /// Schema of an application endpoint. The protocol of its default is that of every value read from a stream.
-using AppEndpointInfo = NetInfo<AppEndpointFamily>;
+using AppEndpointInfo = Detail::NetInfo<AppEndpointFamily>;
 /// An application endpoint. It prints in the form for display.
-using AppEndpointItem = NetItem<AppEndpointFamily>;
+using AppEndpointItem = Detail::NetItem<AppEndpointFamily>;
 
 } // namespace Legacy::If

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <Legacy/If/AppEndpoint.h>
-#include <Legacy/If/Array.h>
+#include <Legacy/If/Detail/Array.h>
+#include <Legacy/If/Detail/Family.h>
 #include <Legacy/If/Export.h>
-#include <Legacy/If/Family.h>
 
 #include <memory>
 #include <string>
@@ -15,7 +15,7 @@ namespace Legacy::If {
 using AppEndpointList = std::vector<AppEndpoint<Net::Endpoint<Net::AddrStr>>>;
 
 /// Schema of a list of application endpoints: two sizes, which nothing enforces, and a default.
-class LEGACY_IF_API AppEndpointArrayInfo : public InfoFamily<AppEndpointArrayInfo, IfType_t::AppEndpointArray>
+class LEGACY_IF_API AppEndpointArrayInfo : public Detail::InfoFamily<AppEndpointArrayInfo, IfType_t::AppEndpointArray>
 {
 public:
     static constexpr unsigned int k_initialMaxSize = 0x7FFFFFFF;
@@ -63,7 +63,7 @@ private:
 
 /// Value of a parameter that is a list of application endpoints.
 class LEGACY_IF_API AppEndpointArrayItem
-    : public ArrayItem<AppEndpointArrayItem, IfType_t::AppEndpointArray, AppEndpointList::value_type>
+    : public Detail::ArrayItem<AppEndpointArrayItem, IfType_t::AppEndpointArray, AppEndpointList::value_type>
 {
 public:
     explicit AppEndpointArrayItem(unsigned int id); ///< empty

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <Legacy/If/Detail/Family.h>
+#include <Legacy/If/Detail/ValueItem.h>
 #include <Legacy/If/Export.h>
-#include <Legacy/If/Family.h>
-#include <Legacy/If/ValueItem.h>
 
 #include <memory>
 #include <string>
@@ -10,7 +10,7 @@
 namespace Legacy::If {
 
 /// Schema of a yes-or-no parameter: a default, and whether the value may only be the default.
-class LEGACY_IF_API BoolInfo : public InfoFamily<BoolInfo, IfType_t::Bool>
+class LEGACY_IF_API BoolInfo : public Detail::InfoFamily<BoolInfo, IfType_t::Bool>
 {
 public:
     /// Not fixed, and false by default.
@@ -45,7 +45,7 @@ private:
 ///
 /// Contract: it prints as "True" or "False" in its compact form and as 1 or 0 in dumps and findings; whoever takes one
 /// of these apart knows the words of that one alone.
-class LEGACY_IF_API BoolItem : public ValueItem<BoolItem, IfType_t::Bool, bool>
+class LEGACY_IF_API BoolItem : public Detail::ValueItem<BoolItem, IfType_t::Bool, bool>
 {
 public:
     explicit BoolItem(unsigned int id); ///< false

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Legacy/If/Array.h>
+#include <Legacy/If/Detail/Array.h>
 #include <Legacy/If/Export.h>
 
 #include <memory>
@@ -10,7 +10,7 @@
 namespace Legacy::If {
 
 /// Schema of a list of booleans: how many there may be, and a default. The elements themselves are not bounded.
-class LEGACY_IF_API BoolArrayInfo : public ArrayInfo<BoolArrayInfo, IfType_t::BoolArray, bool>
+class LEGACY_IF_API BoolArrayInfo : public Detail::ArrayInfo<BoolArrayInfo, IfType_t::BoolArray, bool>
 {
 public:
     /// An empty default and the sizes 0 to 2147483647, so that a schema left as it is refuses no list.
@@ -25,7 +25,7 @@ public:
 };
 
 /// Value of a parameter that is a list of booleans.
-class LEGACY_IF_API BoolArrayItem : public ArrayItem<BoolArrayItem, IfType_t::BoolArray, bool>
+class LEGACY_IF_API BoolArrayItem : public Detail::ArrayItem<BoolArrayItem, IfType_t::BoolArray, bool>
 {
 public:
     explicit BoolArrayItem(unsigned int id); ///< empty

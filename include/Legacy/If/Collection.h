@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Legacy/If/MemberList.h>
+#include <Legacy/If/Detail/MemberList.h>
 
 #include <memory>
 #include <string>
@@ -8,7 +8,7 @@
 namespace Legacy::If {
 
 /// Schema of a loose list of parameters. It has the shape of a `CompositeInfo`, but says nothing about the values.
-class LEGACY_IF_API CollectionInfo : public InfoList<CollectionInfo, IfType_t::Collection>
+class LEGACY_IF_API CollectionInfo : public Detail::InfoList<CollectionInfo, IfType_t::Collection>
 {
 public:
     CollectionInfo(unsigned int const& id, std::string const& name, Permission_t const& permission);
@@ -20,10 +20,10 @@ public:
     ItemBase* CreateItem() const override;
 };
 
-extern template class InfoList<CollectionInfo, IfType_t::Collection>;
+extern template class Detail::InfoList<CollectionInfo, IfType_t::Collection>;
 
 /// Value that is a loose list of values: never refused, without a serial form, and not to be read from text.
-class LEGACY_IF_API CollectionItem : public ItemList<CollectionItem, IfType_t::Collection>
+class LEGACY_IF_API CollectionItem : public Detail::ItemList<CollectionItem, IfType_t::Collection>
 {
 public:
     explicit CollectionItem(unsigned int id);
@@ -49,6 +49,6 @@ public:
                           boost::intrusive_ptr<InfoBase const> const& info) override;
 };
 
-extern template class ItemList<CollectionItem, IfType_t::Collection>;
+extern template class Detail::ItemList<CollectionItem, IfType_t::Collection>;
 
 } // namespace Legacy::If

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <Legacy/If/Detail/Family.h>
 #include <Legacy/If/Export.h>
-#include <Legacy/If/Family.h>
 #include <Orlek/Colour.h>
 
 #include <cstdint>
@@ -16,7 +16,7 @@ namespace Legacy::If {
 /// A colour can be read as one packed word: alpha in bits 31 to 24, then red, green and blue. Each component is
 /// multiplied by 255, cut towards zero, and its low 8 bits are kept: there is no rounding and no clamping, so 0.999
 /// gives 254 and 1.5 gives 126. A component that is not a number, or too large for 64 bits, gives 0.
-class LEGACY_IF_API ColourInfo : public InfoFamily<ColourInfo, IfType_t::Colour>
+class LEGACY_IF_API ColourInfo : public Detail::InfoFamily<ColourInfo, IfType_t::Colour>
 {
 public:
     /// Three colours with all components 0.
@@ -64,7 +64,7 @@ private:
 };
 
 /// Value of a colour parameter. Two values are equal if each component differs by no more than `k_floatTolerance`.
-class LEGACY_IF_API ColourItem : public ItemFamily<ColourItem, IfType_t::Colour>
+class LEGACY_IF_API ColourItem : public Detail::ItemFamily<ColourItem, IfType_t::Colour>
 {
 public:
     explicit ColourItem(unsigned int id); ///< all components 0

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Legacy/If/MemberList.h>
+#include <Legacy/If/Detail/MemberList.h>
 
 #include <memory>
 #include <string>
@@ -8,7 +8,7 @@
 namespace Legacy::If {
 
 /// Schema of a parameter that is made of other parameters, position for position.
-class LEGACY_IF_API CompositeInfo : public InfoList<CompositeInfo, IfType_t::Composite>
+class LEGACY_IF_API CompositeInfo : public Detail::InfoList<CompositeInfo, IfType_t::Composite>
 {
 public:
     CompositeInfo(unsigned int const& id, std::string const& name, Permission_t const& permission);
@@ -20,10 +20,10 @@ public:
     ItemBase* CreateItem() const override;
 };
 
-extern template class InfoList<CompositeInfo, IfType_t::Composite>;
+extern template class Detail::InfoList<CompositeInfo, IfType_t::Composite>;
 
 /// Value of a parameter that is made of other parameters.
-class LEGACY_IF_API CompositeItem : public ItemList<CompositeItem, IfType_t::Composite>
+class LEGACY_IF_API CompositeItem : public Detail::ItemList<CompositeItem, IfType_t::Composite>
 {
 public:
     explicit CompositeItem(unsigned int id);
@@ -66,6 +66,6 @@ public:
                           boost::intrusive_ptr<InfoBase const> const& info) override;
 };
 
-extern template class ItemList<CompositeItem, IfType_t::Composite>;
+extern template class Detail::ItemList<CompositeItem, IfType_t::Composite>;
 
 } // namespace Legacy::If

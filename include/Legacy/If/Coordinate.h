@@ -1,10 +1,10 @@
 #pragma once
 
+#include <Legacy/If/Detail/Family.h>
+#include <Legacy/If/Detail/OwnedPart.h>
+#include <Legacy/If/Detail/PairInfo.h>
 #include <Legacy/If/Export.h>
-#include <Legacy/If/Family.h>
 #include <Legacy/If/Numeric.h>
-#include <Legacy/If/OwnedPart.h>
-#include <Legacy/If/PairInfo.h>
 
 #include <array>
 #include <memory>
@@ -18,9 +18,9 @@ namespace Legacy::If {
 /// is done with X and then with Y.
 template<typename T>
 class LEGACY_IF_API CoordinateInfo
-    : public PairInfo<CoordinateInfo<T>, IfType_t::Coordinate, NumericInfo<T>, T::k_numericType>
+    : public Detail::PairInfo<CoordinateInfo<T>, IfType_t::Coordinate, NumericInfo<T>, T::k_numericType>
 {
-    using Family = PairInfo<CoordinateInfo, IfType_t::Coordinate, NumericInfo<T>, T::k_numericType>;
+    using Family = Detail::PairInfo<CoordinateInfo, IfType_t::Coordinate, NumericInfo<T>, T::k_numericType>;
 
 public:
     using Element = typename T::T; ///< the type of the numbers
@@ -60,9 +60,10 @@ private:
 /// The axes are objects of their own, always there and never shared with another point; assigning a point keeps them
 /// and changes their values.
 template<typename T>
-class LEGACY_IF_API CoordinateItem : public ItemFamily<CoordinateItem<T>, IfType_t::Coordinate, T::k_numericType>
+class LEGACY_IF_API CoordinateItem
+    : public Detail::ItemFamily<CoordinateItem<T>, IfType_t::Coordinate, T::k_numericType>
 {
-    using Family = ItemFamily<CoordinateItem<T>, IfType_t::Coordinate, T::k_numericType>;
+    using Family = Detail::ItemFamily<CoordinateItem<T>, IfType_t::Coordinate, T::k_numericType>;
 
 public:
     using Element = typename T::T; ///< the type of the numbers
@@ -107,8 +108,8 @@ public:
     std::ostream& operator<<(std::ostream& os) const override;
 
 private:
-    OwnedPart<Axis> m_x;
-    OwnedPart<Axis> m_y;
+    Detail::OwnedPart<Axis> m_x;
+    Detail::OwnedPart<Axis> m_y;
 };
 
 extern template class CoordinateInfo<U16Traits>;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Legacy/If/NetValue.h>
+#include <Legacy/If/Detail/NetValue.h>
 #include <Net/Endpoint.h>
 
 namespace Legacy::If {
@@ -12,12 +12,12 @@ struct LEGACY_IF_API EndpointFamily
     static constexpr IfType_t k_type = IfType_t::Endpoint;
 };
 
-extern template class NetInfo<EndpointFamily>;
-extern template class NetItem<EndpointFamily>;
+extern template class Detail::NetInfo<EndpointFamily>;
+extern template class Detail::NetItem<EndpointFamily>;
 
 /// Schema of an endpoint.
-using EndpointInfo = NetInfo<EndpointFamily>;
+using EndpointInfo = Detail::NetInfo<EndpointFamily>;
 /// An endpoint. It prints as `host:port`.
-using EndpointItem = NetItem<EndpointFamily>;
+using EndpointItem = Detail::NetItem<EndpointFamily>;
 
 } // namespace Legacy::If

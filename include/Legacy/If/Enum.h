@@ -1,8 +1,8 @@
 #pragma once
 
+#include <Legacy/If/Detail/Family.h>
+#include <Legacy/If/Detail/ValueItem.h>
 #include <Legacy/If/Export.h>
-#include <Legacy/If/Family.h>
-#include <Legacy/If/ValueItem.h>
 
 #include <memory>
 #include <string>
@@ -26,7 +26,7 @@ struct ElemType
 /// Names and values are unique as far as #AddElem made the table; in a table that was given as a whole, look-ups find
 /// the first match. A disabled element is found and valid like any other: only the checked setter of the value
 /// refuses it.
-class LEGACY_IF_API EnumInfo : public InfoFamily<EnumInfo, IfType_t::Enum>
+class LEGACY_IF_API EnumInfo : public Detail::InfoFamily<EnumInfo, IfType_t::Enum>
 {
 public:
     /// No elements and the default 0.
@@ -92,7 +92,7 @@ private:
 };
 
 /// Value of an enumeration parameter: the number, not the name.
-class LEGACY_IF_API EnumItem : public ValueItem<EnumItem, IfType_t::Enum, int>
+class LEGACY_IF_API EnumItem : public Detail::ValueItem<EnumItem, IfType_t::Enum, int>
 {
 public:
     explicit EnumItem(unsigned int id); ///< 0

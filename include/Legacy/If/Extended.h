@@ -1,8 +1,8 @@
 #pragma once
 
+#include <Legacy/If/Detail/Family.h>
+#include <Legacy/If/Detail/ValueItem.h>
 #include <Legacy/If/Export.h>
-#include <Legacy/If/Family.h>
-#include <Legacy/If/ValueItem.h>
 
 #include <memory>
 #include <string>
@@ -11,7 +11,7 @@
 namespace Legacy::If {
 
 /// Schema of a pair of texts that only the callers understand: nothing but a default.
-class LEGACY_IF_API ExtendedInfo : public InfoFamily<ExtendedInfo, IfType_t::Extended>
+class LEGACY_IF_API ExtendedInfo : public Detail::InfoFamily<ExtendedInfo, IfType_t::Extended>
 {
 public:
     /// Two empty texts.
@@ -43,7 +43,7 @@ private:
 
 /// Value that is a pair of texts. It lives in memory alone: it has no serial form and no text form.
 class LEGACY_IF_API ExtendedItem
-    : public ValueItem<ExtendedItem, IfType_t::Extended, std::pair<std::string, std::string>>
+    : public Detail::ValueItem<ExtendedItem, IfType_t::Extended, std::pair<std::string, std::string>>
 {
 public:
     explicit ExtendedItem(unsigned int id); ///< two empty texts

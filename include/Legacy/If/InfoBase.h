@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Legacy/If/CachedObject.h>
+#include <Legacy/If/Detail/CachedObject.h>
 #include <Legacy/If/Export.h>
 #include <Legacy/If/IfType.h>
 #include <Legacy/If/Permission.h>

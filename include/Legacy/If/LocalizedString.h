@@ -1,7 +1,7 @@
 #pragma once
 
+#include <Legacy/If/Detail/Family.h>
 #include <Legacy/If/Export.h>
-#include <Legacy/If/Family.h>
 
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 
@@ -48,7 +48,7 @@ private:
 };
 
 /// Schema of a localized message: nothing but a default.
-class LEGACY_IF_API LocalizedStringInfo : public InfoFamily<LocalizedStringInfo, IfType_t::LocalizedString>
+class LEGACY_IF_API LocalizedStringInfo : public Detail::InfoFamily<LocalizedStringInfo, IfType_t::LocalizedString>
 {
 public:
     /// No message as the default.
@@ -81,7 +81,7 @@ private:
 
 /// Value that is a localized message. It lives in memory alone: it has no serial form and cannot be read from text.
 /// Copies share the arguments of the message.
-class LEGACY_IF_API LocalizedStringItem : public ItemFamily<LocalizedStringItem, IfType_t::LocalizedString>
+class LEGACY_IF_API LocalizedStringItem : public Detail::ItemFamily<LocalizedStringItem, IfType_t::LocalizedString>
 {
 public:
     explicit LocalizedStringItem(unsigned int id); ///< no message; even so the value does not count as empty

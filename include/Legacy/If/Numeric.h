@@ -1,9 +1,9 @@
 #pragma once
 
+#include <Legacy/If/Detail/Family.h>
+#include <Legacy/If/Detail/ValueItem.h>
 #include <Legacy/If/Export.h>
-#include <Legacy/If/Family.h>
 #include <Legacy/If/NumericTraits.h>
-#include <Legacy/If/ValueItem.h>
 
 #include <memory>
 #include <string>
@@ -14,9 +14,9 @@ namespace Legacy::If {
 ///
 /// The bounds act in the operations that name them and nowhere else, so a value may lie outside them at any time.
 template<typename T>
-class LEGACY_IF_API NumericInfo : public InfoFamily<NumericInfo<T>, IfType_t::Numeric, T::k_numericType>
+class LEGACY_IF_API NumericInfo : public Detail::InfoFamily<NumericInfo<T>, IfType_t::Numeric, T::k_numericType>
 {
-    using Family = InfoFamily<NumericInfo<T>, IfType_t::Numeric, T::k_numericType>;
+    using Family = Detail::InfoFamily<NumericInfo<T>, IfType_t::Numeric, T::k_numericType>;
 
 public:
     using Element = typename T::T; ///< the type of the number
@@ -61,9 +61,10 @@ private:
 /// Value of a parameter that is a number.
 template<typename T>
 class LEGACY_IF_API NumericItem
-    : public ValueItem<NumericItem<T>, IfType_t::Numeric, typename T::T, T::k_numericType, NumericEqual<T>>
+    : public Detail::ValueItem<NumericItem<T>, IfType_t::Numeric, typename T::T, T::k_numericType, NumericEqual<T>>
 {
-    using Family = ValueItem<NumericItem<T>, IfType_t::Numeric, typename T::T, T::k_numericType, NumericEqual<T>>;
+    using Family =
+        Detail::ValueItem<NumericItem<T>, IfType_t::Numeric, typename T::T, T::k_numericType, NumericEqual<T>>;
 
 public:
     using Element = typename T::T; ///< the type of the number

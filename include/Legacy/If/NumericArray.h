@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Legacy/If/Array.h>
+#include <Legacy/If/Detail/Array.h>
 #include <Legacy/If/Export.h>
 #include <Legacy/If/NumericTraits.h>
 
@@ -23,9 +23,9 @@ class LEGACY_IF_API RectArrayInfo;
 /// schemas for interchangeable that differ in them alone.
 template<typename T>
 class LEGACY_IF_API NumericArrayInfo
-    : public ArrayInfo<NumericArrayInfo<T>, IfType_t::NumericArray, typename T::T, T::k_numericType>
+    : public Detail::ArrayInfo<NumericArrayInfo<T>, IfType_t::NumericArray, typename T::T, T::k_numericType>
 {
-    using Family = ArrayInfo<NumericArrayInfo, IfType_t::NumericArray, typename T::T, T::k_numericType>;
+    using Family = Detail::ArrayInfo<NumericArrayInfo, IfType_t::NumericArray, typename T::T, T::k_numericType>;
 
 public:
     using Element = typename T::T; ///< the type of a number
@@ -69,11 +69,11 @@ private:
 
 /// Value of a parameter that is a list of numbers.
 template<typename T>
-class LEGACY_IF_API NumericArrayItem
-    : public ArrayItem<NumericArrayItem<T>, IfType_t::NumericArray, typename T::T, T::k_numericType, NumericEqual<T>>
+class LEGACY_IF_API NumericArrayItem : public Detail::ArrayItem<NumericArrayItem<T>, IfType_t::NumericArray,
+                                                                typename T::T, T::k_numericType, NumericEqual<T>>
 {
     using Family =
-        ArrayItem<NumericArrayItem, IfType_t::NumericArray, typename T::T, T::k_numericType, NumericEqual<T>>;
+        Detail::ArrayItem<NumericArrayItem, IfType_t::NumericArray, typename T::T, T::k_numericType, NumericEqual<T>>;
 
 public:
     using Element = typename T::T; ///< the type of a number

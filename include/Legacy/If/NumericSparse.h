@@ -1,10 +1,10 @@
 #pragma once
 
-#include <Legacy/If/AllowedValues.h>
+#include <Legacy/If/Detail/AllowedValues.h>
+#include <Legacy/If/Detail/Family.h>
+#include <Legacy/If/Detail/ValueItem.h>
 #include <Legacy/If/Export.h>
-#include <Legacy/If/Family.h>
 #include <Legacy/If/NumericTraits.h>
-#include <Legacy/If/ValueItem.h>
 
 #include <memory>
 #include <string>
@@ -21,9 +21,9 @@ class LEGACY_IF_API NumericSparseItem;
 /// The table binds the default and the checked setter of the value, nothing else.
 template<typename T>
 class LEGACY_IF_API NumericSparseInfo
-    : public InfoFamily<NumericSparseInfo<T>, IfType_t::NumericSparse, T::k_numericType>
+    : public Detail::InfoFamily<NumericSparseInfo<T>, IfType_t::NumericSparse, T::k_numericType>
 {
-    using Family = InfoFamily<NumericSparseInfo<T>, IfType_t::NumericSparse, T::k_numericType>;
+    using Family = Detail::InfoFamily<NumericSparseInfo<T>, IfType_t::NumericSparse, T::k_numericType>;
 
 public:
     using Element = typename T::T; ///< the type of the number
@@ -64,18 +64,18 @@ public:
     std::ostream& operator<<(std::ostream& os) const override;
 
 private:
-    AllowedValues<Element, T::Equal> m_allowed;
+    Detail::AllowedValues<Element, T::Equal> m_allowed;
 
     friend class NumericSparseItem<T>;
 };
 
 /// Value of a parameter that is a number out of a table. It may at any time lie outside the table.
 template<typename T>
-class LEGACY_IF_API NumericSparseItem
-    : public ValueItem<NumericSparseItem<T>, IfType_t::NumericSparse, typename T::T, T::k_numericType, NumericEqual<T>>
+class LEGACY_IF_API NumericSparseItem : public Detail::ValueItem<NumericSparseItem<T>, IfType_t::NumericSparse,
+                                                                 typename T::T, T::k_numericType, NumericEqual<T>>
 {
-    using Family =
-        ValueItem<NumericSparseItem<T>, IfType_t::NumericSparse, typename T::T, T::k_numericType, NumericEqual<T>>;
+    using Family = Detail::ValueItem<NumericSparseItem<T>, IfType_t::NumericSparse, typename T::T, T::k_numericType,
+                                     NumericEqual<T>>;
 
 public:
     using Element = typename T::T; ///< the type of the number

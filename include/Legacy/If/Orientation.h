@@ -1,7 +1,7 @@
 #pragma once
 
+#include <Legacy/If/Detail/Family.h>
 #include <Legacy/If/Export.h>
-#include <Legacy/If/Family.h>
 
 #include <memory>
 
@@ -17,7 +17,7 @@ struct Orientation_t
 
 /// Value of an orientation. There is no schema for it. Two values are equal if each angle differs by no more than
 /// `k_floatTolerance`.
-class LEGACY_IF_API OrientationItem : public ItemFamily<OrientationItem, IfType_t::Orientation>
+class LEGACY_IF_API OrientationItem : public Detail::ItemFamily<OrientationItem, IfType_t::Orientation>
 {
 public:
     explicit OrientationItem(unsigned int id); ///< all angles 0

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <Legacy/If/Coordinate.h>
+#include <Legacy/If/Detail/Family.h>
+#include <Legacy/If/Detail/OwnedPart.h>
+#include <Legacy/If/Detail/PairInfo.h>
 #include <Legacy/If/Export.h>
-#include <Legacy/If/Family.h>
-#include <Legacy/If/OwnedPart.h>
-#include <Legacy/If/PairInfo.h>
 
 #include <array>
 #include <memory>
@@ -18,9 +18,10 @@ namespace Legacy::If {
 /// The corners are objects of their own, always there and never shared with another rectangle. Whatever is done with a
 /// rectangle is done with the top left corner and then with the bottom right one.
 template<typename T>
-class LEGACY_IF_API RectInfo : public PairInfo<RectInfo<T>, IfType_t::Rectangle, CoordinateInfo<T>, T::k_numericType>
+class LEGACY_IF_API RectInfo
+    : public Detail::PairInfo<RectInfo<T>, IfType_t::Rectangle, CoordinateInfo<T>, T::k_numericType>
 {
-    using Family = PairInfo<RectInfo, IfType_t::Rectangle, CoordinateInfo<T>, T::k_numericType>;
+    using Family = Detail::PairInfo<RectInfo, IfType_t::Rectangle, CoordinateInfo<T>, T::k_numericType>;
 
 public:
     using Corner = CoordinateInfo<T>;
@@ -58,9 +59,9 @@ private:
 /// The corners are objects of their own, always there and never shared with another rectangle; assigning a rectangle
 /// keeps them and changes their values.
 template<typename T>
-class LEGACY_IF_API RectItem : public ItemFamily<RectItem<T>, IfType_t::Rectangle, T::k_numericType>
+class LEGACY_IF_API RectItem : public Detail::ItemFamily<RectItem<T>, IfType_t::Rectangle, T::k_numericType>
 {
-    using Family = ItemFamily<RectItem<T>, IfType_t::Rectangle, T::k_numericType>;
+    using Family = Detail::ItemFamily<RectItem<T>, IfType_t::Rectangle, T::k_numericType>;
 
 public:
     using Element = typename T::T; ///< the type of the numbers
@@ -120,8 +121,8 @@ public:
     std::ostream& operator<<(std::ostream& os) const override;
 
 private:
-    OwnedPart<Corner> m_topLeft;
-    OwnedPart<Corner> m_bottomRight;
+    Detail::OwnedPart<Corner> m_topLeft;
+    Detail::OwnedPart<Corner> m_bottomRight;
 };
 
 extern template class RectInfo<U16Traits>;

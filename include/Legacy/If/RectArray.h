@@ -1,12 +1,12 @@
 #pragma once
 
 #include <Legacy/If/Coordinate.h>
+#include <Legacy/If/Detail/Family.h>
+#include <Legacy/If/Detail/OwnedPart.h>
+#include <Legacy/If/Detail/PairInfo.h>
+#include <Legacy/If/Detail/SizeBounds.h>
 #include <Legacy/If/Export.h>
-#include <Legacy/If/Family.h>
-#include <Legacy/If/OwnedPart.h>
-#include <Legacy/If/PairInfo.h>
 #include <Legacy/If/Rect.h>
-#include <Legacy/If/SizeBounds.h>
 
 #include <cstdint>
 #include <memory>
@@ -24,9 +24,9 @@ namespace Legacy::If {
 /// lists of different lengths.
 template<typename T>
 class LEGACY_IF_API RectArrayInfo
-    : public PairInfo<RectArrayInfo<T>, IfType_t::RectArray, CoordinateInfo<T>, T::k_numericType>
+    : public Detail::PairInfo<RectArrayInfo<T>, IfType_t::RectArray, CoordinateInfo<T>, T::k_numericType>
 {
-    using Family = PairInfo<RectArrayInfo, IfType_t::RectArray, CoordinateInfo<T>, T::k_numericType>;
+    using Family = Detail::PairInfo<RectArrayInfo, IfType_t::RectArray, CoordinateInfo<T>, T::k_numericType>;
 
 public:
     using Corner = CoordinateInfo<T>;
@@ -45,9 +45,9 @@ public:
 
     unsigned int GetMinSize() const noexcept { return m_size.Min(); }
     unsigned int GetMaxSize() const noexcept { return m_size.Max(); }
-    SizeBounds const& Sizes() const noexcept { return m_size; } ///< the least and the greatest size
-    int SetMinSize(unsigned int n);                             ///< Pushes the greatest size along. Always 0.
-    int SetMaxSize(unsigned int n);                             ///< Pushes the least size along. Always 0.
+    Detail::SizeBounds const& Sizes() const noexcept { return m_size; } ///< the least and the greatest size
+    int SetMinSize(unsigned int n);                                     ///< Pushes the greatest size along. Always 0.
+    int SetMaxSize(unsigned int n);                                     ///< Pushes the least size along. Always 0.
 
     boost::intrusive_ptr<Corner> const& TopLeft() noexcept { return m_first.Get(); }
     boost::intrusive_ptr<Corner> const& BottomRight() noexcept { return m_second.Get(); }
@@ -72,16 +72,16 @@ private:
     template<typename Schema>
     int AssignNumbers_(Schema const& schema, bool* changed);
 
-    SizeBounds m_size;
+    Detail::SizeBounds m_size;
     using Family::m_first;
     using Family::m_second;
 };
 
 /// Value of a parameter that is a list of rectangles, each held by value with the id 0.
 template<typename T>
-class LEGACY_IF_API RectArrayItem : public ItemFamily<RectArrayItem<T>, IfType_t::RectArray, T::k_numericType>
+class LEGACY_IF_API RectArrayItem : public Detail::ItemFamily<RectArrayItem<T>, IfType_t::RectArray, T::k_numericType>
 {
-    using Family = ItemFamily<RectArrayItem<T>, IfType_t::RectArray, T::k_numericType>;
+    using Family = Detail::ItemFamily<RectArrayItem<T>, IfType_t::RectArray, T::k_numericType>;
 
 public:
     using Element = typename T::T; ///< the type of the numbers

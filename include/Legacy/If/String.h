@@ -1,8 +1,8 @@
 #pragma once
 
+#include <Legacy/If/Detail/Family.h>
+#include <Legacy/If/Detail/ValueItem.h>
 #include <Legacy/If/Export.h>
-#include <Legacy/If/Family.h>
-#include <Legacy/If/ValueItem.h>
 
 #include <memory>
 #include <string>
@@ -10,7 +10,7 @@
 namespace Legacy::If {
 
 /// Schema of a text: a greatest length in bytes and a default. Text is a plain sequence of bytes without an encoding.
-class LEGACY_IF_API StringInfo : public InfoFamily<StringInfo, IfType_t::String>
+class LEGACY_IF_API StringInfo : public Detail::InfoFamily<StringInfo, IfType_t::String>
 {
 public:
     /// An empty default and room for 256 bytes.
@@ -50,7 +50,7 @@ private:
 };
 
 /// Value of a text parameter.
-class LEGACY_IF_API StringItem : public ValueItem<StringItem, IfType_t::String, std::string>
+class LEGACY_IF_API StringItem : public Detail::ValueItem<StringItem, IfType_t::String, std::string>
 {
 public:
     explicit StringItem(unsigned int id); ///< empty

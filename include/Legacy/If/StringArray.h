@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Legacy/If/Array.h>
+#include <Legacy/If/Detail/Array.h>
 #include <Legacy/If/Export.h>
 
 #include <memory>
@@ -10,7 +10,7 @@
 namespace Legacy::If {
 
 /// Schema of a list of texts: how many there may be, and a default. The length of a text is not bounded.
-class LEGACY_IF_API StringArrayInfo : public ArrayInfo<StringArrayInfo, IfType_t::StringArray, std::string>
+class LEGACY_IF_API StringArrayInfo : public Detail::ArrayInfo<StringArrayInfo, IfType_t::StringArray, std::string>
 {
 public:
     /// An empty default, and both sizes 0: only the empty list passes until #SetMaxSize is called.
@@ -25,7 +25,7 @@ public:
 };
 
 /// Value of a parameter that is a list of texts.
-class LEGACY_IF_API StringArrayItem : public ArrayItem<StringArrayItem, IfType_t::StringArray, std::string>
+class LEGACY_IF_API StringArrayItem : public Detail::ArrayItem<StringArrayItem, IfType_t::StringArray, std::string>
 {
 public:
     explicit StringArrayItem(unsigned int id); ///< empty

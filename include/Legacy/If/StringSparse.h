@@ -1,9 +1,9 @@
 #pragma once
 
-#include <Legacy/If/AllowedValues.h>
+#include <Legacy/If/Detail/AllowedValues.h>
+#include <Legacy/If/Detail/Family.h>
+#include <Legacy/If/Detail/ValueItem.h>
 #include <Legacy/If/Export.h>
-#include <Legacy/If/Family.h>
-#include <Legacy/If/ValueItem.h>
 
 #include <memory>
 #include <string>
@@ -13,7 +13,7 @@ namespace Legacy::If {
 
 /// Schema of a text out of a list: the allowed texts, in the order given, and a default. The list binds the default and
 /// the setter that names the schema; nothing validates against it.
-class LEGACY_IF_API StringSparseInfo : public InfoFamily<StringSparseInfo, IfType_t::StringSparse>
+class LEGACY_IF_API StringSparseInfo : public Detail::InfoFamily<StringSparseInfo, IfType_t::StringSparse>
 {
 public:
     /// An empty list and an empty default.
@@ -49,13 +49,13 @@ public:
     std::ostream& operator<<(std::ostream& os) const override;
 
 private:
-    AllowedValues<std::string> m_allowed;
+    Detail::AllowedValues<std::string> m_allowed;
 
     friend class StringSparseItem;
 };
 
 /// Value of a parameter that is a text out of a list. It never counts as empty, not even with an empty text.
-class LEGACY_IF_API StringSparseItem : public ValueItem<StringSparseItem, IfType_t::StringSparse, std::string>
+class LEGACY_IF_API StringSparseItem : public Detail::ValueItem<StringSparseItem, IfType_t::StringSparse, std::string>
 {
 public:
     explicit StringSparseItem(unsigned int id); ///< an empty text

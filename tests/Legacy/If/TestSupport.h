@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../../../Legacy/src/If/Finding.h"
+#include "core/Finding.h"
 
 #include <Legacy/If/InfoBase.h>
 #include <Legacy/If/ItemBase.h>

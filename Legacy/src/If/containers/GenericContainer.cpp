@@ -1,0 +1,423 @@
+#include "containers/PlaceIndex.h"
+
+#include <Legacy/If/GenericContainer.h>
+#include <Legacy/If/GenericContainerImpl.h>
+#include <Legacy/If/InfoItemContainer.h>
+#include <Legacy/If/InfoItemHolderContainer.h>
+
+#include <boost/container_hash/hash.hpp>
+
+#include <cstdint>
+#include <memory>
+#include <type_traits>
+#include <utility>
+
+namespace Legacy::If {
+
+namespace {
+
+/// What an element goes by: the element itself, or what a holder holds.
+template<typename Element>
+auto const* Subject(Element const& element)
+{
+    if constexpr (std::is_same_v<Element, InfoHolder>)
+        return element.GetInfo().get();
+    else if constexpr (std::is_same_v<Element, ItemHolder>)
+        return element.GetItem().get();
+    else
+        return &element;
+}
+
+template<typename Ptr>
+bool IsStorable(Ptr const& element)
+{
+    return element && Subject(*element);
+}
+
+template<typename Pointer>
+void Reserve(std::vector<Pointer>& elements, std::size_t size)
+{
+    if (elements.capacity() < size)
+        elements.reserve(size);
+}
+
+} // namespace
+
+// The storage.
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Entry::Entry(Ptr const& stored)
+    : element(stored), nameHash(Detail::TagOf(Subject(*stored)->GetName()))
+{
+    if constexpr (std::is_integral_v<Key>)
+        number = Subject(*stored)->GetId();
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Name::Name(std::string const& name)
+    : text(&name), hash(Detail::TagOf(name))
+{}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Name::Name(Entry const& entry)
+    : text(&Subject(*entry.element)->GetName()), hash(entry.nameHash)
+{}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+bool GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Name::operator==(Name const& other) const
+{
+    return hash == other.hash && *text == *other.text;
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+Key const& GenericContainerImpl<Element, Ptr, ConstPtr, Key>::KeyOf::operator()(Entry const& entry) const
+{
+    if constexpr (std::is_integral_v<Key>)
+        return entry.number;
+    else
+        return Subject(*entry.element)->GetId();
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+typename GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Name
+GenericContainerImpl<Element, Ptr, ConstPtr, Key>::NameOf::operator()(Entry const& entry) const
+{
+    return Name(entry);
+}
+
+// Packed ids differ in a few high bits and a few low ones, and taken as they are they crowd a small part of the
+// buckets. The product spreads them: its high half depends on all bits of the key.
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+std::size_t GenericContainerImpl<Element, Ptr, ConstPtr, Key>::HashOf::operator()(Key const& key) const
+{
+    if constexpr (std::is_integral_v<Key>) {
+        std::uint64_t const product = std::uint64_t{key} * 0x9E3779B97F4A7C15U;
+        return static_cast<std::size_t>(product >> 32 ^ product);
+    } else {
+        return boost::hash<Key>()(key);
+    }
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+std::size_t GenericContainerImpl<Element, Ptr, ConstPtr, Key>::HashOf::operator()(Name const& name) const
+{
+    return name.hash;
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+GenericContainerImpl<Element, Ptr, ConstPtr, Key>::GenericContainerImpl() = default;
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+GenericContainerImpl<Element, Ptr, ConstPtr, Key>::GenericContainerImpl(GenericContainerImpl const&) = default;
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+GenericContainerImpl<Element, Ptr, ConstPtr, Key>::~GenericContainerImpl() = default;
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+GenericContainerImpl<Element, Ptr, ConstPtr, Key>&
+GenericContainerImpl<Element, Ptr, ConstPtr, Key>::operator=(GenericContainerImpl const&) = default;
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+GenericContainerImpl<Element, Ptr, ConstPtr, Key>* GenericContainerImpl<Element, Ptr, ConstPtr, Key>::DeepCopy() const
+{
+    auto copy = std::make_unique<GenericContainerImpl>();
+    Store& store = copy->m_store;
+    store.template get<1>().rehash(m_store.template get<1>().bucket_count());
+    store.template get<2>().rehash(m_store.template get<2>().bucket_count());
+    // The walk is in key order, so each copy goes to the end.
+    for (Entry const& entry : m_store) {
+        Ptr const element(entry.element->DeepCopy());
+        if (IsStorable(element)) // the holders of applications may give no copy
+            store.emplace_hint(store.end(), element);
+    }
+    return copy.release();
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+int GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Add(Ptr const& element)
+{
+    if (!IsStorable(element))
+        return 0;
+    return m_store.emplace(element).second ? 0 : IfErrDuplicateId;
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+int GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Add(std::vector<Ptr> const& elements)
+{
+    for (Ptr const& element : elements)
+        if (IsStorable(element) && IsPresent(Subject(*element)->GetId()))
+            return IfErrDuplicateId;
+    Set(elements);
+    return 0;
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+void GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Set(Ptr const& element)
+{
+    if (!IsStorable(element))
+        return;
+    auto& byKey = m_store.template get<1>();
+    auto const place = byKey.find(Subject(*element)->GetId());
+    if (place == byKey.end())
+        byKey.emplace(element);
+    else
+        byKey.replace(place, Entry(element));
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+void GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Set(std::vector<Ptr> const& elements)
+{
+    for (Ptr const& element : elements)
+        Set(element);
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+Ptr GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Get(Key const& key) const
+{
+    auto const& byKey = m_store.template get<1>();
+    auto const place = byKey.find(key);
+    return place == byKey.end() ? Ptr() : place->element;
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+int GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Get(Key const& key, Ptr& element) const
+{
+    element = Get(key);
+    return element ? 0 : IfErrNotFound;
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+int GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Get(std::vector<Key> const& keys,
+                                                           std::vector<Ptr>& elements) const
+{
+    Reserve(elements, m_store.size());
+    for (Key const& key : keys) {
+        Ptr element = Get(key);
+        if (!element)
+            return IfErrNotFound;
+        elements.push_back(std::move(element));
+    }
+    return 0;
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+void GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Get(std::vector<Ptr>& elements) const
+{
+    Reserve(elements, m_store.size());
+    elements.insert(elements.end(), m_store.begin(), m_store.end());
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+void GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Get(std::vector<ConstPtr>& elements) const
+{
+    Reserve(elements, m_store.size());
+    elements.insert(elements.end(), m_store.begin(), m_store.end());
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+Ptr GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Find(std::string const& name) const
+{
+    auto const& byName = m_store.template get<2>();
+    auto const place = byName.find(Name(name));
+    return place == byName.end() ? Ptr() : place->element;
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+bool GenericContainerImpl<Element, Ptr, ConstPtr, Key>::FindId(std::string const& name, Key& key) const
+{
+    Ptr const element = Find(name);
+    if (!element)
+        return false;
+    key = Subject(*element)->GetId();
+    return true;
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+bool GenericContainerImpl<Element, Ptr, ConstPtr, Key>::IsPresent(Key const& key) const
+{
+    auto const& byKey = m_store.template get<1>();
+    return byKey.find(key) != byKey.end();
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+int GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Remove(Key key)
+{
+    return m_store.template get<1>().erase(key) != 0 ? 0 : IfErrNotFound;
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+int GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Remove(std::vector<Key> const& keys)
+{
+    for (Key const& key : keys)
+        if (!IsPresent(key))
+            return IfErrNotFound;
+    for (Key const& key : keys)
+        m_store.template get<1>().erase(key);
+    return 0;
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+void GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Clear()
+{
+    m_store.clear();
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+bool GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Empty() const
+{
+    return m_store.empty();
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+unsigned int GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Size() const
+{
+    return static_cast<unsigned int>(m_store.size());
+}
+
+// The facade.
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+GenericContainer<Element, Ptr, ConstPtr, Key>::GenericContainer()
+    : m_impl(std::make_unique<GenericContainerImpl<Element, Ptr, ConstPtr, Key>>())
+{}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+GenericContainer<Element, Ptr, ConstPtr, Key>::GenericContainer(GenericContainer const& other)
+    : m_impl(other.m_impl->DeepCopy())
+{}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+GenericContainer<Element, Ptr, ConstPtr, Key>::~GenericContainer() = default;
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+GenericContainer<Element, Ptr, ConstPtr, Key> const&
+GenericContainer<Element, Ptr, ConstPtr, Key>::operator=(GenericContainer const& other)
+{
+    if (this != &other)
+        m_impl.reset(other.m_impl->DeepCopy());
+    return *this;
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+int GenericContainer<Element, Ptr, ConstPtr, Key>::Add(Ptr const& element)
+{
+    return m_impl->Add(element);
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+int GenericContainer<Element, Ptr, ConstPtr, Key>::Add(std::vector<Ptr> const& elements)
+{
+    return m_impl->Add(elements);
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+void GenericContainer<Element, Ptr, ConstPtr, Key>::Set(Ptr const& element)
+{
+    m_impl->Set(element);
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+void GenericContainer<Element, Ptr, ConstPtr, Key>::Set(std::vector<Ptr> const& elements)
+{
+    m_impl->Set(elements);
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+Ptr GenericContainer<Element, Ptr, ConstPtr, Key>::Get(Key const& key) const
+{
+    return m_impl->Get(key);
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+int GenericContainer<Element, Ptr, ConstPtr, Key>::Get(Key const& key, Ptr& element) const
+{
+    return m_impl->Get(key, element);
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+int GenericContainer<Element, Ptr, ConstPtr, Key>::Get(std::vector<Key> const& keys, std::vector<Ptr>& elements) const
+{
+    return m_impl->Get(keys, elements);
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+void GenericContainer<Element, Ptr, ConstPtr, Key>::Get(std::vector<Ptr>& elements) const
+{
+    m_impl->Get(elements);
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+void GenericContainer<Element, Ptr, ConstPtr, Key>::Get(std::vector<ConstPtr>& elements) const
+{
+    m_impl->Get(elements);
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+Ptr GenericContainer<Element, Ptr, ConstPtr, Key>::Find(std::string const& name) const
+{
+    return m_impl->Find(name);
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+bool GenericContainer<Element, Ptr, ConstPtr, Key>::FindId(std::string const& name, Key& key) const
+{
+    return m_impl->FindId(name, key);
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+bool GenericContainer<Element, Ptr, ConstPtr, Key>::IsPresent(Key const& key) const
+{
+    return m_impl->IsPresent(key);
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+int GenericContainer<Element, Ptr, ConstPtr, Key>::Remove(Key key)
+{
+    return m_impl->Remove(key);
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+int GenericContainer<Element, Ptr, ConstPtr, Key>::Remove(std::vector<Key> const& keys)
+{
+    return m_impl->Remove(keys);
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+void GenericContainer<Element, Ptr, ConstPtr, Key>::Clear()
+{
+    m_impl->Clear();
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+bool GenericContainer<Element, Ptr, ConstPtr, Key>::Empty() const
+{
+    return m_impl->Empty();
+}
+
+template<typename Element, typename Ptr, typename ConstPtr, typename Key>
+unsigned int GenericContainer<Element, Ptr, ConstPtr, Key>::Size() const
+{
+    return m_impl->Size();
+}
+
+template class GenericContainerImpl<InfoBase, boost::intrusive_ptr<InfoBase>, boost::intrusive_ptr<InfoBase const>,
+                                    unsigned int>;
+template class GenericContainerImpl<ItemBase, boost::intrusive_ptr<ItemBase>, boost::intrusive_ptr<ItemBase const>,
+                                    unsigned int>;
+template class GenericContainerImpl<InfoHolder, boost::intrusive_ptr<InfoHolder>,
+                                    boost::intrusive_ptr<InfoHolder const>, unsigned int>;
+template class GenericContainerImpl<ItemHolder, boost::intrusive_ptr<ItemHolder>,
+                                    boost::intrusive_ptr<ItemHolder const>, unsigned int>;
+template class GenericContainerImpl<Section, boost::intrusive_ptr<Section>, boost::intrusive_ptr<Section const>,
+                                    SectionId_t>;
+
+template class GenericContainer<InfoBase, boost::intrusive_ptr<InfoBase>, boost::intrusive_ptr<InfoBase const>,
+                                unsigned int>;
+template class GenericContainer<ItemBase, boost::intrusive_ptr<ItemBase>, boost::intrusive_ptr<ItemBase const>,
+                                unsigned int>;
+template class GenericContainer<InfoHolder, boost::intrusive_ptr<InfoHolder>, boost::intrusive_ptr<InfoHolder const>,
+                                unsigned int>;
+template class GenericContainer<ItemHolder, boost::intrusive_ptr<ItemHolder>, boost::intrusive_ptr<ItemHolder const>,
+                                unsigned int>;
+
+} // namespace Legacy::If

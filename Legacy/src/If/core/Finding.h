@@ -1,0 +1,75 @@
+#pragma once
+
+#include <Legacy/If/Detail/SizeBounds.h>
+#include <Legacy/If/InfoBase.h>
+#include <Legacy/If/ItemBase.h>
+
+#include <boost/smart_ptr/intrusive_ptr.hpp>
+
+#include <charconv>
+#include <concepts>
+#include <cstddef>
+#include <initializer_list>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+namespace Legacy::If {
+
+class LocalizedString;
+class ResultElem;
+
+namespace Detail {
+
+using Finding = std::shared_ptr<ResultElem const>;
+using InfoPtr = boost::intrusive_ptr<InfoBase const>;
+
+/// Builds a finding. The first argument of its message is always the schema's name, or "Unknown" without a schema; the
+/// texts follow. To be called in the failing branch alone: it allocates, a passing validation does not.
+Finding MakeFinding(char const* key, InfoPtr const& info, ItemBase const& item,
+                    std::initializer_list<std::string_view> texts);
+
+/// The schema is null or of another class than the value needs.
+Finding TypeMismatch(InfoPtr const& info, ItemBase const& item);
+
+/// The value's family has no such validation at all.
+Finding IllegalValidation(InfoPtr const& info, ItemBase const& item);
+
+/// The number of elements of a list is outside its bounds: `below` and `above` are the keys of the two ends, and the
+/// end is the argument.
+Finding SizeFinding(SizeBounds const& bounds, std::size_t size, char const* below, char const* above,
+                    InfoPtr const& info, ItemBase const& item);
+
+/// Tests the number of elements of a list; empty for a pass.
+inline Finding CheckSize(SizeBounds const& bounds, std::size_t size, char const* below, char const* above,
+                         InfoPtr const& info, ItemBase const& item)
+{
+    return bounds.Contains(size) ? Finding() : SizeFinding(bounds, size, below, above, info, item);
+}
+
+/// A number as a default-formatted stream prints it; 8-bit numbers as the single character that a stream makes of them.
+template<typename Number>
+std::string DefaultText(Number value)
+{
+    if constexpr (sizeof(Number) == 1 && !std::same_as<Number, bool>)
+        return std::string(1, static_cast<char>(value));
+    char text[32];
+    std::to_chars_result end{};
+    if constexpr (std::floating_point<Number>)
+        end = std::to_chars(text, text + sizeof(text), value, std::chars_format::general, 6);
+    else if constexpr (std::same_as<Number, bool>)
+        end = std::to_chars(text, text + sizeof(text), static_cast<int>(value));
+    else
+        end = std::to_chars(text, text + sizeof(text), value);
+    return std::string(text, end.ptr);
+}
+
+/// Sees the message of each finding on this thread before it is dropped. A finding carries no message, so this is how
+/// tests look at keys and arguments; null, as it stands outside tests, is nobody.
+using MessageObserver = void (*)(LocalizedString const& message);
+extern constinit thread_local MessageObserver t_messageObserver;
+
+} // namespace Detail
+
+} // namespace Legacy::If

@@ -1,0 +1,443 @@
+#include "containers/PlaceIndex.h"
+#include "core/ReserveMore.h"
+
+#include <Legacy/If/SectionMapElement.h>
+
+#include <new>
+#include <utility>
+
+namespace Legacy::If {
+
+namespace {
+
+constexpr unsigned int k_noId = 0xFFFFFFFF;
+constexpr unsigned char k_noSubsection = 0xFF;
+
+/// The first of the ascending numbers 0, 1, 2… that the keys of a map leave out.
+template<typename Map, typename Number>
+unsigned int FirstGap(Map const& map, Number&& number)
+{
+    unsigned int gap = 0;
+    for (auto const& entry : map) {
+        if (number(entry.first) != gap)
+            break;
+        ++gap;
+    }
+    return gap;
+}
+
+template<typename Map>
+void CopyChildren(Map& children)
+{
+    for (auto& child : children)
+        child.second = std::make_shared<SectionMapElement>(*child.second);
+}
+
+/// Finds in a map with names as keys, by its index where that can tell.
+template<typename Map, typename Index>
+typename Map::const_iterator FindName(Map const& map, Index const& index, std::string_view name)
+{
+    auto const* const place = index.Find(Detail::TagOf(name), [&](auto const& other) { return other->first == name; });
+    if (place)
+        return *place;
+    return index.IsComplete() ? map.end() : map.find(name);
+}
+
+} // namespace
+
+struct SectionMapElement::Lookup
+{
+    Detail::PlaceIndex<decltype(m_subsectionsByName)::const_iterator> subsections;
+    Detail::PlaceIndex<decltype(m_infosByName)::const_iterator> infos;
+    std::vector<SectionMapElement*> subsectionsById; // null where there is none
+    Detail::PlaceIndex<SectionMapElement*> paths;    // of the root: sections that were once found by their own name
+
+    void Remember(SectionMapElement* section)
+    {
+        try {
+            paths.MakeRoom();
+        } catch (std::bad_alloc const&) {
+            return; // the long way remains
+        }
+        paths.Insert(Detail::TagOf(section->m_sectionId.GetSectionName()), section);
+    }
+
+    /// Called before the maps are changed, since it may fail; what follows cannot.
+    void MakeRoomForSubsection(unsigned char sub)
+    {
+        subsections.MakeRoom();
+        if (subsectionsById.size() <= sub)
+            subsectionsById.resize(sub + 1U);
+    }
+};
+
+SectionMapElement::SectionMapElement(SectionId const& sectionId)
+    : m_sectionId(sectionId), m_lookup(std::make_unique<Lookup>()), m_isRoot(false)
+{}
+
+SectionMapElement::SectionMapElement(SectionMapElement const& other)
+    : m_sectionId(other.m_sectionId), m_subsectionsByName(other.m_subsectionsByName),
+      m_subsectionsById(other.m_subsectionsById), m_infosByName(other.m_infosByName), m_infosById(other.m_infosById),
+      m_lookup(std::make_unique<Lookup>()), m_isRoot(other.m_isRoot)
+{
+    CopyChildren(m_subsectionsByName);
+    CopyChildren(m_subsectionsById);
+    for (auto const& [sub, child] : m_subsectionsById) {
+        m_lookup->MakeRoomForSubsection(sub);
+        m_lookup->subsectionsById[sub] = child.get();
+    }
+    for (auto place = m_subsectionsByName.cbegin(); place != m_subsectionsByName.cend(); ++place) {
+        m_lookup->subsections.MakeRoom();
+        m_lookup->subsections.Insert(Detail::TagOf(place->first), place);
+    }
+    for (auto place = m_infosByName.cbegin(); place != m_infosByName.cend(); ++place) {
+        m_lookup->infos.MakeRoom();
+        m_lookup->infos.Insert(Detail::TagOf(place->first), place);
+    }
+}
+
+SectionMapElement::~SectionMapElement() = default;
+
+SectionMapElement::SectionMapElement() : m_lookup(std::make_unique<Lookup>()), m_isRoot(true) {}
+
+int SectionMapElement::AddSection_(SectionId const& id)
+{
+    if (id == SectionId())
+        return IfErrInvalidArgument;
+    if (id == m_sectionId)
+        return 0;
+    unsigned int const depth = Depth_();
+    if (id.GetSectionDepth() <= depth)
+        return IfErrInvalidArgument;
+    if (!m_isRoot && (id.GetSectionName(depth) != m_sectionId.GetSectionName() ||
+                      id.GetInfoItemSectionId(depth) != m_sectionId.GetInfoItemSectionId()))
+        return IfErrInvalidArgument;
+    Child child;
+    SectionId const childId(id.GetSectionName(depth + 1), id.GetInfoItemSectionId(depth + 1));
+    if (int const code = AddNewSectionMapElement_(childId, child))
+        return code;
+    return child->AddSection_(id);
+}
+
+int SectionMapElement::AddSection_(std::string_view path, SectionId& section)
+{
+    if (path.empty()) {
+        if (m_isRoot)
+            return IfErrInvalidArgument;
+        section = m_sectionId;
+        return 0;
+    }
+    std::string_view first;
+    std::string_view rest;
+    ParseSectionName_(path, first, rest);
+    if (first.empty())
+        return IfErrInvalidArgument;
+    if (auto const place = FindName(m_subsectionsByName, m_lookup->subsections, first);
+        place != m_subsectionsByName.end()) {
+        if (!rest.empty())
+            return place->second->AddSection_(rest, section);
+        section = place->second->m_sectionId;
+        return IfErrAlreadyExists;
+    }
+    unsigned char sub = 0;
+    if (int const code = AllocateSubsectionId_(sub))
+        return code;
+    std::string const name(first);
+    Child child;
+    if (int const code =
+            AddNewSectionMapElement_(m_isRoot ? SectionId(name, InfoItemSectionId::CreateLevel1SectionId(sub))
+                                              : m_sectionId.CreateSectionId(name, sub),
+                                     child))
+        return code;
+    return child->AddSection_(rest, section);
+}
+
+int SectionMapElement::FindSection_(std::string_view path, SectionId& section) const
+{
+    SectionMapElement const* element = nullptr;
+    if (int const code = Descend_(*this, path, element))
+        return code;
+    section = element->m_sectionId;
+    return 0;
+}
+
+int SectionMapElement::FindSection_(InfoItemSectionId const& id, SectionId& section) const
+{
+    SectionMapElement const* element = nullptr;
+    if (int const code = Descend_(*this, id, IfErrNotFound, element))
+        return code;
+    section = element->m_sectionId;
+    return 0;
+}
+
+void SectionMapElement::GetTopLevelSections_(std::vector<SectionId>& sections) const
+{
+    Detail::ReserveMore(sections, m_subsectionsById.size());
+    for (auto const& [sub, child] : m_subsectionsById)
+        sections.push_back(child->m_sectionId);
+}
+
+int SectionMapElement::GetSubsections_(InfoItemSectionId const& id, std::vector<SectionId>& sections) const
+{
+    SectionMapElement const* element = nullptr;
+    if (int const code = Descend_(*this, id, IfErrNotFound, element))
+        return code;
+    element->GetTopLevelSections_(sections);
+    return 0;
+}
+
+void SectionMapElement::GetLeafSections_(std::list<SectionId>& sections) const
+{
+    if (!m_isRoot && m_subsectionsByName.empty()) {
+        if (m_sectionId.IsValid())
+            sections.push_back(m_sectionId);
+        return;
+    }
+    for (auto const& [name, child] : m_subsectionsByName)
+        child->GetLeafSections_(sections);
+}
+
+int SectionMapElement::AddInfo_(InfoItemSectionId const& id, std::string const& name)
+{
+    SectionMapElement* element = nullptr;
+    if (int const code = Descend_(*this, id, IfErrInvalidArgument, element))
+        return code;
+    InfoItemSectionId stored(k_noId);
+    return element->AddNewInfo_(id, name, stored);
+}
+
+int SectionMapElement::AddInfo_(std::string_view path, std::string const& name, InfoItemSectionId& id)
+{
+    SectionMapElement* element = nullptr;
+    if (int const code = Descend_(*this, path, element))
+        return code;
+    unsigned int number = 0;
+    if (int const code = element->AllocateInfoNumber_(number))
+        return code;
+    id = element->m_sectionId.GetInfoItemSectionId().CreateInfoItemId(number);
+    return element->AddNewInfo_(id, name, id);
+}
+
+int SectionMapElement::FindInfo_(std::string_view path, std::string_view name, InfoItemSectionId& id) const
+{
+    SectionMapElement const* element = nullptr;
+    if (int const code = Descend_(*this, path, element))
+        return code;
+    auto const place = FindName(element->m_infosByName, element->m_lookup->infos, name);
+    if (place == element->m_infosByName.end())
+        return IfErrNotFound;
+    id = place->second;
+    return 0;
+}
+
+int SectionMapElement::FindInfo_(InfoItemSectionId const& id, std::string& path, std::string& name) const
+{
+    if (id == k_noId)
+        return IfErrInvalidArgument;
+    if (Depth_() < id.Depth()) {
+        SectionMapElement* next = nullptr;
+        if (int const code = FindNextSectionMapElement_(id, next))
+            return code;
+        return next->FindInfo_(id, path, name);
+    }
+    if (m_sectionId.GetInfoItemSectionId(id.Depth()) != id.GetSectionId(id.Depth()))
+        return IfErrNotFound;
+    if (!id.IsValidInfoItemId())
+        return IfErrInvalidArgument;
+    auto const place = m_infosById.find(id);
+    if (place == m_infosById.end())
+        return IfErrNotFound;
+    path = m_sectionId.GetSectionName(Depth_());
+    name = place->second;
+    return 0;
+}
+
+int SectionMapElement::GetInfos_(InfoItemSectionId const& id, std::vector<unsigned int>& infos) const
+{
+    if (id == k_noId)
+        return IfErrInvalidArgument;
+    unsigned int const depth = id.Depth();
+    if (Depth_() < depth) {
+        SectionMapElement* next = nullptr;
+        if (int const code = FindNextSectionMapElement_(id, next))
+            return code;
+        return next->GetInfos_(id, infos);
+    }
+    bool const isWildcard = id.IsValidWildcardSectionId();
+    // Contract: the whole id is compared, item field included, where the other operations compare its section. So the
+    // id of a parameter finds nothing, which callers use to tell sections from parameters.
+    if (!isWildcard && id != m_sectionId.GetInfoItemSectionId(depth))
+        return IfErrNotFound;
+    // A wildcard means what lies below the section and not the section's own.
+    if (!isWildcard || depth < Depth_())
+        for (auto const& [name, info] : m_infosByName)
+            infos.push_back(info);
+    for (auto const& [name, child] : m_subsectionsByName)
+        if (int const code = child->GetInfos_(id, infos))
+            return code;
+    return 0;
+}
+
+int SectionMapElement::AddNewSectionMapElement_(SectionId const& child, Child& element)
+{
+    unsigned int const level = child.GetSectionDepth();
+    std::string name = child.GetSubsectionName(level);
+    unsigned char const sub = child.GetSubsectionId(level);
+    if (name.empty() || sub == k_noSubsection)
+        return IfErrInvalidArgument;
+    auto const byName = m_subsectionsByName.find(name);
+    auto const byId = m_subsectionsById.find(sub);
+    bool const hasName = byName != m_subsectionsByName.end();
+    bool const hasId = byId != m_subsectionsById.end();
+    if (hasName && hasId && byName->second == byId->second) {
+        element = byName->second;
+        return 0;
+    }
+    if (hasName || hasId)
+        return IfErrAlreadyExists;
+    m_lookup->MakeRoomForSubsection(sub);
+    auto created = std::make_shared<SectionMapElement>(child);
+    auto const place = m_subsectionsByName.emplace(std::move(name), created).first;
+    try {
+        m_subsectionsById.emplace(sub, created);
+    } catch (...) {
+        m_subsectionsByName.erase(place);
+        throw;
+    }
+    m_lookup->subsections.Insert(Detail::TagOf(place->first), place);
+    m_lookup->subsectionsById[sub] = created.get();
+    element = std::move(created);
+    return 0;
+}
+
+int SectionMapElement::AddNewInfo_(InfoItemSectionId const& id, std::string const& name, InfoItemSectionId& stored)
+{
+    m_lookup->infos.MakeRoom();
+    auto const [byName, isNewName] = m_infosByName.try_emplace(name, id);
+    stored = byName->second;
+    if (!isNewName)
+        return IfErrAlreadyExists;
+    bool isNewId = false;
+    try {
+        isNewId = m_infosById.try_emplace(byName->second, name).second;
+    } catch (...) {
+        m_infosByName.erase(byName);
+        throw;
+    }
+    if (!isNewId) {
+        m_infosByName.erase(byName);
+        return IfErrAlreadyExists;
+    }
+    m_lookup->infos.Insert(Detail::TagOf(byName->first), byName);
+    return 0;
+}
+
+int SectionMapElement::AllocateSubsectionId_(unsigned char& sub) const
+{
+    unsigned int const greatest = InfoItemSectionId::MaxSubsectionPerSubsection();
+    unsigned int number = 0;
+    if (!m_subsectionsById.empty())
+        number = m_subsectionsById.rbegin()->first + 1U;
+    if (number > greatest)
+        number = FirstGap(m_subsectionsById, [](unsigned char id) { return id; });
+    if (number > greatest)
+        return IfErrNoFreeId;
+    sub = static_cast<unsigned char>(number);
+    return 0;
+}
+
+// Contract: the greatest number in use is known by its low eight bits alone. At depth 1 to 3 numbers run from 0 to 256,
+// then 1 is offered again, which is taken. At depth 4 the last number, 63, gives the id of the section itself. Stored
+// configurations hold ids that were numbered so, and the same sections must number the same way again.
+int SectionMapElement::AllocateInfoNumber_(unsigned int& number) const
+{
+    unsigned int const greatest = m_sectionId.GetMaxNumInfoItemsInSection();
+    number = 0;
+    if (!m_infosById.empty())
+        number = m_infosById.rbegin()->first.GetInfoItemSubsectionId() + 1U;
+    if (number > greatest)
+        number = FirstGap(m_infosById, [](InfoItemSectionId id) { return id.GetInfoItemSubsectionId(); });
+    return number > greatest ? IfErrNoFreeId : 0;
+}
+
+int SectionMapElement::FindNextSectionMapElement_(std::string_view path, std::string_view& rest,
+                                                  SectionMapElement*& next) const
+{
+    std::string_view first;
+    ParseSectionName_(path, first, rest);
+    if (first.empty())
+        return IfErrInvalidArgument;
+    auto const place = FindName(m_subsectionsByName, m_lookup->subsections, first);
+    if (place == m_subsectionsByName.end())
+        return IfErrNotFound;
+    next = place->second.get();
+    return 0;
+}
+
+int SectionMapElement::FindNextSectionMapElement_(InfoItemSectionId const& id, SectionMapElement*& next) const
+{
+    unsigned char const sub = id.GetSubsectionId(Depth_() + 1);
+    if (sub == k_noSubsection)
+        return IfErrInvalidArgument;
+    if (sub >= m_lookup->subsectionsById.size() || !m_lookup->subsectionsById[sub])
+        return IfErrNotFound;
+    next = m_lookup->subsectionsById[sub];
+    return 0;
+}
+
+// One leading delimiter is skipped, at each level anew.
+void SectionMapElement::ParseSectionName_(std::string_view path, std::string_view& first, std::string_view& rest)
+{
+    if (path.starts_with(SectionId::k_sectionDelim))
+        path.remove_prefix(1);
+    std::size_t const delim = path.find(SectionId::k_sectionDelim);
+    first = path.substr(0, delim);
+    rest = delim == std::string_view::npos ? std::string_view() : path.substr(delim + 1);
+}
+
+/// Leads down to the node of the section with that path, which is not the root. A path that was found before is known
+/// as a whole; no section ever moves or goes away.
+template<typename Self>
+int SectionMapElement::Descend_(Self& self, std::string_view path, Self*& element)
+{
+    if (path.empty()) {
+        element = &self;
+        return self.m_isRoot ? IfErrNotFound : 0;
+    }
+    auto const isIt = [&](SectionMapElement* section) { return section->m_sectionId.GetSectionName() == path; };
+    if (auto const* const known = self.m_lookup->paths.Find(Detail::TagOf(path), isIt)) {
+        element = *known;
+        return 0;
+    }
+    SectionMapElement* next = nullptr;
+    std::string_view rest = path;
+    for (SectionMapElement const* from = &self; !rest.empty(); from = next)
+        if (int const code = from->FindNextSectionMapElement_(rest, rest, next))
+            return code;
+    if (self.m_isRoot && isIt(next))
+        self.m_lookup->Remember(next);
+    element = next;
+    return 0;
+}
+
+/// Leads down to the node of the section that the id names or lies in; `mismatch` is the code for a node on the way
+/// that the id does not fit.
+template<typename Self>
+int SectionMapElement::Descend_(Self& self, InfoItemSectionId const& id, int mismatch, Self*& element)
+{
+    unsigned int const depth = self.Depth_();
+    if (id == k_noId || depth > id.Depth())
+        return IfErrInvalidArgument;
+    if (!self.m_isRoot && id.GetSectionId(depth) != self.m_sectionId.GetInfoItemSectionId())
+        return mismatch;
+    if (id.Depth() == depth) {
+        element = &self;
+        return 0;
+    }
+    SectionMapElement* next = nullptr;
+    if (int const code = self.FindNextSectionMapElement_(id, next))
+        return code;
+    return Descend_<Self>(*next, id, mismatch, element);
+}
+
+} // namespace Legacy::If

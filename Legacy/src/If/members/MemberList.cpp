@@ -1,0 +1,337 @@
+#include "members/MemberWalk.h"
+#include "text/Text.h"
+
+#include <boost/container/small_vector.hpp>
+
+namespace Legacy::If::Detail {
+
+/// Outlives the list that it belonged to for as long as its members wait to be released.
+template<typename Root>
+struct MemberList<Root>::Node : CachedObject
+{
+    boost::container::small_vector<Pointer, 2> members; // a list of one or two needs no further block
+    Node* next = nullptr;
+};
+
+template<typename Root>
+MemberList<Root>::MemberList(MemberList const& other)
+    : m_node(other.View().empty() ? nullptr : new Node{{}, other.m_node->members})
+{}
+
+template<typename Root>
+MemberList<Root>& MemberList<Root>::operator=(MemberList const& other)
+{
+    MemberList copy(other);
+    Swap(copy);
+    return *this;
+}
+
+template<typename Root>
+MemberList<Root>::~MemberList()
+{
+    if (m_node)
+        Drop_(m_node);
+}
+
+// A member's last release may end lists of its own, and so come back here from within: those lists only line up.
+template<typename Root>
+void MemberList<Root>::Drop_(Node* node) noexcept
+{
+    static thread_local constinit Node* first = nullptr;
+    static thread_local constinit Node* last = nullptr;
+
+    bool const within = first != nullptr;
+    (within ? last->next : first) = node;
+    last = node;
+    if (within)
+        return;
+    while (Node* const current = first) {
+        for (Pointer& member : current->members)
+            member.reset();
+        first = current->next;
+        delete current;
+    }
+}
+
+template<typename Root>
+bool MemberList<Root>::Add(Pointer member)
+{
+    if (!member)
+        return false;
+    if (!m_node)
+        m_node = new Node;
+    m_node->members.push_back(std::move(member));
+    return true;
+}
+
+template<typename Root>
+bool MemberList<Root>::Set(unsigned int index, Pointer const& member)
+{
+    if (!member || index >= View().size())
+        return false;
+    Pointer replaced(member);
+    replaced.swap(m_node->members[index]);
+    return true;
+}
+
+template<typename Root>
+void MemberList<Root>::Assign(std::span<Pointer const> members)
+{
+    MemberList taken;
+    taken.Reserve(members.size());
+    for (Pointer const& member : members)
+        taken.Add(member);
+    Swap(taken);
+}
+
+template<typename Root>
+void MemberList<Root>::Reserve(std::size_t count)
+{
+    if (count == 0)
+        return;
+    if (!m_node)
+        m_node = new Node;
+    m_node->members.reserve(count);
+}
+
+template<typename Root>
+void MemberList<Root>::Clear() noexcept
+{
+    MemberList empty;
+    Swap(empty);
+}
+
+template<typename Root>
+std::span<boost::intrusive_ptr<Root> const> MemberList<Root>::View() const noexcept
+{
+    if (!m_node)
+        return {};
+    return {m_node->members.data(), m_node->members.size()};
+}
+
+template<typename Root>
+boost::intrusive_ptr<Root> MemberList<Root>::At(unsigned int index) const
+{
+    auto const members = View();
+    return index < members.size() ? members[index] : nullptr;
+}
+
+template class MemberList<InfoBase>;
+template class MemberList<ItemBase>;
+
+namespace {
+
+/// The members of `object` if it is of the same family as `like`, also through a derived class; null otherwise.
+template<typename Root>
+MemberList<Root> const* MembersAs(Root const& like, Root const& object)
+{
+    using Composite = typename Nesting<Root>::Composite;
+    using Collection = typename Nesting<Root>::Collection;
+    if (like.GetType() != object.GetType() || like.GetNumericType() != object.GetNumericType())
+        return nullptr;
+    if (IsExactly<Composite>(like)) {
+        auto const* const composite = ExactCast<Composite>(&object);
+        return composite ? &MemberAccess::Of(*composite) : nullptr;
+    }
+    auto const* const collection = ExactCast<Collection>(&object);
+    return collection ? &MemberAccess::Of(*collection) : nullptr;
+}
+
+template<typename Root>
+bool EqualMembers(MemberList<Root> const& a, MemberList<Root> const& b)
+{
+    struct Step
+    {
+        Remaining<Root> a;
+        Remaining<Root> b;
+    };
+    if (a.Size() != b.Size())
+        return false;
+    Path<Step> path(Step{Remaining(a), Remaining(b)});
+    do {
+        while (!path.Here().a.Empty()) {
+            auto const& left = path.Here().a.Take();
+            auto const& right = path.Here().b.Take();
+            MemberList<Root> const* const nested = MembersOf(*left);
+            if (!nested) {
+                if (!Nesting<Root>::Equal(*left, Borrowed(right).Pointer()))
+                    return false;
+                continue;
+            }
+            MemberList<Root> const* const counterpart = MembersAs(*left, *right);
+            if (!counterpart || nested->Size() != counterpart->Size())
+                return false;
+            path.Descend(Step{Remaining(*nested), Remaining(*counterpart)});
+        }
+    } while (path.Ascend());
+    return true;
+}
+
+template<typename Root>
+std::ostream& PrintMembers(std::ostream& os, MemberList<Root> const& members)
+{
+    struct Step
+    {
+        Remaining<Root> left;
+        char const* separator;
+    };
+    os << "(";
+    Path<Step> path(Step{Remaining(members), ""});
+    do {
+        while (!path.Here().left.Empty()) {
+            os << std::exchange(path.Here().separator, k_separator);
+            Root const& member = *path.Here().left.Take();
+            if (MemberList<Root> const* const nested = MembersOf(member)) {
+                os << "(";
+                path.Descend(Step{Remaining(*nested), ""});
+            } else {
+                member.operator<<(os);
+            }
+        }
+        os << ")";
+    } while (path.Ascend());
+    return os;
+}
+
+template<typename Root, typename Pointer>
+void StorePointers(MemberList<Root> const& members, std::vector<Pointer>& pointers)
+{
+    auto const view = members.View();
+    pointers.assign(view.begin(), view.end());
+}
+
+template<typename Root>
+bool AddAt(MemberList<Root>& members, boost::intrusive_ptr<Root> const& member, unsigned int& index)
+{
+    unsigned int const position = members.Size();
+    if (!members.Add(member))
+        return false;
+    index = position;
+    return true;
+}
+
+} // namespace
+
+template<typename Self, IfType_t Type>
+bool InfoList<Self, Type>::AddInfo(Pointer const& info, unsigned int& index)
+{
+    return AddAt(m_members, info, index);
+}
+
+template<typename Self, IfType_t Type>
+void InfoList<Self, Type>::GetInfos(std::vector<Pointer>& infos)
+{
+    StorePointers(m_members, infos);
+}
+
+template<typename Self, IfType_t Type>
+void InfoList<Self, Type>::GetInfos(std::vector<ConstPointer>& infos) const
+{
+    StorePointers(m_members, infos);
+}
+
+template<typename Self, IfType_t Type>
+bool InfoList<Self, Type>::IsEqualBounds(ConstPointer const& other) const
+{
+    auto const* const schema = CastTo<Self>(other);
+    return schema && this->IsEqualType(other) && EqualMembers(m_members, schema->m_members);
+}
+
+template<typename Self, IfType_t Type>
+int InfoList<Self, Type>::MergeBounds(ConstPointer const&)
+{
+    return IfErrTypeNotAssignable;
+}
+
+template<typename Self, IfType_t Type>
+int InfoList<Self, Type>::AssignValue(ConstPointer const& source, bool* changed)
+{
+    if (!source)
+        return IfErrNullSource;
+    auto const* const schema = source->GetType() == Type ? CastTo<Self>(source) : nullptr;
+    if (!schema)
+        return IfErrTypeNotAssignable;
+    m_members = schema->m_members;
+    if (changed)
+        *changed = true;
+    return 0;
+}
+
+template<typename Self, IfType_t Type>
+void InfoList<Self, Type>::DumpVal(std::ostream& os) const
+{
+    DumpHead(os, *this);
+}
+
+template<typename Self, IfType_t Type>
+std::ostream& InfoList<Self, Type>::operator<<(std::ostream& os) const
+{
+    return PrintMembers(os, m_members);
+}
+
+template<typename Self, IfType_t Type>
+Self* InfoList<Self, Type>::DuplicateAs_(unsigned int id, std::string const& name, Permission_t const& permission) const
+{
+    auto copy = std::make_unique<Self>(id, name, permission);
+    CopyMembers(m_members, copy->m_members);
+    return copy.release();
+}
+
+template<typename Self, IfType_t Type>
+bool ItemList<Self, Type>::AddItem(Pointer const& item, unsigned int& index)
+{
+    return AddAt(m_members, item, index);
+}
+
+template<typename Self, IfType_t Type>
+void ItemList<Self, Type>::GetItems(std::vector<Pointer>& items)
+{
+    StorePointers(m_members, items);
+}
+
+template<typename Self, IfType_t Type>
+void ItemList<Self, Type>::GetItems(std::vector<ConstPointer>& items) const
+{
+    StorePointers(m_members, items);
+}
+
+template<typename Self, IfType_t Type>
+bool ItemList<Self, Type>::IsEmpty() const
+{
+    return m_members.View().empty();
+}
+
+template<typename Self, IfType_t Type>
+bool ItemList<Self, Type>::IsEqualValue(ConstPointer const& other) const
+{
+    auto const* const item = CastTo<Self>(other);
+    return item && this->IsEqualType(other) && EqualMembers(m_members, item->m_members);
+}
+
+template<typename Self, IfType_t Type>
+void ItemList<Self, Type>::DumpVal(std::ostream& os) const
+{
+    DumpHead(os, *this);
+    os << "value: (" << GetSize() << " items)";
+}
+
+template<typename Self, IfType_t Type>
+std::ostream& ItemList<Self, Type>::operator<<(std::ostream& os) const
+{
+    return PrintMembers(os, m_members);
+}
+
+template<typename Self, IfType_t Type>
+Self* ItemList<Self, Type>::DuplicateAs_(unsigned int id) const
+{
+    auto copy = std::make_unique<Self>(id);
+    CopyMembers(m_members, copy->m_members);
+    return copy.release();
+}
+
+template class InfoList<CompositeInfo, IfType_t::Composite>;
+template class InfoList<CollectionInfo, IfType_t::Collection>;
+template class ItemList<CompositeItem, IfType_t::Composite>;
+template class ItemList<CollectionItem, IfType_t::Collection>;
+
+} // namespace Legacy::If::Detail

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <Legacy/If/ReturnCodes.h>
+
+#include <algorithm>
+#include <functional>
+#include <vector>
+
+namespace Legacy::If::Detail {
+
+/// What a sparse schema holds: a table of the allowed values, in the order given, and a default. A plain value.
+///
+/// The table binds the default where it is set through #SetDefault or #SetTable; whoever changes the table or the
+/// default directly answers for that. `Same` tells which values are equal.
+template<typename Value, auto Same = std::equal_to<>()>
+class AllowedValues
+{
+public:
+    std::vector<Value>& Table() noexcept { return m_table; }
+    std::vector<Value> const& Table() const noexcept { return m_table; }
+    Value& Default() noexcept { return m_default; }
+    Value const& Default() const noexcept { return m_default; }
+    unsigned int Size() const noexcept { return static_cast<unsigned int>(m_table.size()); }
+
+    bool IsPresent(Value const& value) const
+    {
+        return std::any_of(m_table.begin(), m_table.end(),
+                           [&value](Value const& allowed) { return Same(allowed, value); });
+    }
+
+    /// @return 0; #IfErrNotInSet, and nothing stored, for a value that the table does not hold.
+    int SetDefault(Value const& value)
+    {
+        if (!IsPresent(value))
+            return IfErrNotInSet;
+        m_default = value;
+        return 0;
+    }
+
+    /// Copies the table. A default that is not in it becomes its first value, or nothing in an empty one.
+    void SetTable(std::vector<Value> const& table)
+    {
+        m_table = table;
+        if (m_table.empty())
+            m_default = Value();
+        else if (!IsPresent(m_default))
+            m_default = m_table.front();
+    }
+
+    /// The value if it is allowed, otherwise the default.
+    Value const& AllowedOrDefault(Value const& value) const { return IsPresent(value) ? value : m_default; }
+
+private:
+    std::vector<Value> m_table;
+    Value m_default{};
+};
+
+} // namespace Legacy::If::Detail

@@ -1,0 +1,174 @@
+#include "../Families.h"
+#include "text/TypeText.h"
+
+#include <set>
+
+/// What all families have in common, and where one of them departs from it.
+namespace Legacy::If::Test {
+namespace {
+
+using enum IfType_t;
+using Types = std::set<IfType_t>;
+
+Types const k_neverValid{NumericSparse, Coordinate, Rectangle, RectArray};
+Types const k_alwaysValid{StringSparse, Colour,      Orientation,      Addr,      LocalizedString,
+                          Endpoint,     AppEndpoint, AppEndpointArray, Collection};
+Types const k_withoutMerge{LocalizedString, Extended, Composite, Collection};
+// Contract: the bounds of these are equal to nobody's, own copies included; callers take them for new and send them.
+Types const k_neverEqual{NumericSparse, StringSparse, Enum, Extended, LocalizedString};
+// Contract: these report so even to an own copy, a text after it was merged; callers go by the other code alone.
+Types const k_neverMerged{NumericSparse, StringSparse, Enum, String, Extended, LocalizedString, Composite, Collection};
+Types const k_withoutRecord{LocalizedString, Extended, Collection};
+
+/// A schema of a family that no other has to do with.
+InfoPtr ForeignInfo(IfType_t own)
+{
+    return own == Extended ? InfoPtr(MakeInfo<CollectionInfo>()) : MakeInfo<ExtendedInfo>();
+}
+
+// Contract: four tags of families have no word of their own and print as unknown ones.
+Texts const k_plainWords{"Undefined", "Bool",   "Numeric",     "NumericArray", "NumericSparse",
+                         "Enum",      "String", "StringArray", "BoolArray"};
+Texts const k_shapeWords{"Colour", "Coordinate",      "Rectangle", "Orientation", "Invalid",   "Invalid",
+                         "Addr",   "LocalizedString", "Endpoint",  "AppEndpoint", "Connection"};
+Texts const k_listWords{"Composite", "Collection"};
+Texts const k_elementWords{"Undefined", "U8", "S8", "U16", "S16", "U32", "S32", "U64", "S64", "Float", "Double"};
+
+std::string WordAt(Texts const& words, int at)
+{
+    return 0 <= at && at < std::ssize(words) ? words[static_cast<std::size_t>(at)] : "Invalid";
+}
+
+std::string Word(NumericType_t type) { return WordAt(k_elementWords, static_cast<int>(type)); }
+
+std::string Word(IfType_t type)
+{
+    int const tag = static_cast<int>(type);
+    auto const& words = tag < 0x80 ? k_plainWords : tag < 0xfd ? k_shapeWords : k_listWords;
+    return WordAt(words, tag < 0x80 ? tag : tag < 0xfd ? tag - 0x80 : tag - 0xfd);
+}
+
+std::string Words(auto const& object) { return Word(object.GetType()) + '(' + Word(object.GetNumericType()) + ')'; }
+
+void ExpectValidation(ItemBase& item, InfoPtr const& info)
+{
+    IfType_t const type = item.GetType();
+    std::string const own = Words(item);
+    Texts const mismatch{"TypesSystemValidateTypeMismatch", info ? "speed" : "Unknown",
+                         info ? Words(*info) : "NULL-Info", own};
+    Texts const illegal{"TypesSystemIllegalValidatationError", mismatch[1], own};
+    Texts const valid = k_alwaysValid.contains(type) ? Texts{} : mismatch;
+    EXPECT_EQ(Validated(item, info), k_neverValid.contains(type) ? illegal : valid);
+    for (auto const half : {&ItemBase::ValidateMin, &ItemBase::ValidateMax})
+        EXPECT_EQ(MessageOf(item, [&] { return (item.*half)(info); }), type == Numeric ? mismatch : illegal);
+}
+
+template<typename Item>
+void ExpectValue(Item& item)
+{
+    IfType_t const type = item.GetType();
+    EXPECT_EQ(Item::GetTypeStatic(), type);
+    EXPECT_EQ(Item::GetNumericTypeStatic(), item.GetNumericType());
+    EXPECT_TRUE(Dumped(item).starts_with("id: 7\ntype: " + Word(type) + '\n'));
+    auto const expectCopy = [&](boost::intrusive_ptr<Item> const& copy, unsigned int id) {
+        EXPECT_EQ(copy->GetId(), id);
+        EXPECT_EQ(copy->GetRefCount(), 1);
+        EXPECT_TRUE(copy->IsEqualType(&item) && copy->IsEqualValue(&item));
+    };
+    auto const assigned = Make<Item>(8U);
+    EXPECT_FALSE(assigned->IsEqualValue(&item));
+    *assigned = item;
+    ItemPtr const other = type == Extended ? ItemPtr(Make<CollectionItem>(7U)) : Make<ExtendedItem>(7U);
+    for (ItemPtr const& foreign : {ItemPtr(), other}) {
+        // Contract: a composite clears the flag before it looks at the source's type, and callers read it then.
+        Outcome const refused{IfErrTypeNotAssignable, type == Composite ? 0 : -1};
+        EXPECT_EQ(Assign(item, foreign), (foreign ? refused : Outcome{IfErrNullSource, -1}));
+        EXPECT_FALSE(item.IsEqualValue(foreign));
+    }
+    for (InfoPtr const& info : {InfoPtr(), ForeignInfo(type)})
+        ExpectValidation(item, info);
+
+    int const code = type == Extended ? IfErrNotSerializable : IfErrTypeNotAssignable;
+    EXPECT_EQ(item.Serialize(nullptr), k_withoutRecord.contains(type) ? code : IfErrInvalidArgument);
+    EXPECT_EQ(item.Deserialize(nullptr), k_withoutRecord.contains(type) ? code : IfErrNullArgument);
+    if (k_withoutRecord.contains(type)) {
+        ItemBase::SerialStruct_t record;
+        EXPECT_EQ(item.Serialize(&record), code);
+        EXPECT_TRUE(record.id == 0 && !record.data && item.GetSerialDataSize() == 0);
+    }
+    for (int part = 0; part < 3 && !k_withoutRecord.contains(type); ++part) {
+        auto const target = Hold(item.DeepCopy());
+        Record record = RecordOf(item);
+        record.id += part == 0;
+        record.type ^= part == 1;
+        record.numericType ^= part == 2;
+        EXPECT_EQ(Read(*target, record), IfErrInvalidArgument);
+        // Contract: a list of endpoints is emptied before the header is looked at, and callers count on the empty list.
+        EXPECT_TRUE(target->IsEqualValue(type == AppEndpointArray ? Make<Item>(7U) : &item));
+    }
+    expectCopy(assigned, 8);
+    expectCopy(Make<Item>(item), 7);
+    expectCopy(Hold(item.DeepCopy()), 7);
+    expectCopy(Hold(item.DeepCopy(9)), 9);
+}
+
+template<typename Info>
+void ExpectSchema(Info& info)
+{
+    IfType_t const type = info.GetType();
+    // Contract: a schema of lists of rectangles tells static callers that it is one of rectangles, and they rely on it.
+    EXPECT_EQ(Info::GetTypeStatic(), type == RectArray ? Rectangle : type);
+    EXPECT_EQ(Info::GetNumericTypeStatic(), info.GetNumericType());
+    std::string const element = Word(info.GetNumericType());
+    EXPECT_TRUE(Dumped(info).starts_with("id: 7\npermission: 4660\nname: speed\ntype: " + Word(type) + '\n' +
+                                         (element == "Undefined" ? "" : "numericType: " + element + '\n')));
+    auto const expectCopy = [&](boost::intrusive_ptr<Info> const& copy, unsigned int id, std::string const& name,
+                                Permission_t permission) {
+        EXPECT_EQ(copy->GetId(), id);
+        EXPECT_EQ(copy->GetName(), name);
+        EXPECT_EQ(copy->GetPermission(), permission);
+        EXPECT_EQ(copy->GetRefCount(), 1);
+        EXPECT_EQ(Printed(*copy), Printed(info));
+        auto const created = Hold(copy->CreateItem());
+        EXPECT_EQ(created->GetId(), id);
+        EXPECT_TRUE(copy->IsEqualType(created) && created->IsEqualValue(Hold(info.CreateItem())));
+    };
+    auto const assigned = FreshInfo<Info>(8, "own", {5});
+    *assigned = info;
+    int const unmerged = k_withoutMerge.contains(type) ? IfErrTypeNotAssignable : IfErrBoundsTypeMismatch;
+    for (InfoPtr const& foreign : {InfoPtr(), ForeignInfo(type)}) {
+        EXPECT_EQ(Assign(info, foreign), (Outcome{foreign ? IfErrTypeNotAssignable : IfErrNullSource, -1}));
+        EXPECT_EQ(info.MergeBounds(foreign), unmerged);
+        EXPECT_EQ(info.IsEqualBounds(foreign), type == Colour); // a colour has none to compare
+    }
+    auto const twin = Hold(info.DeepCopy());
+    EXPECT_EQ(info.IsEqualBounds(twin), !k_neverEqual.contains(type));
+    EXPECT_EQ(info.MergeBounds(twin), k_neverMerged.contains(type) ? IfErrTypeNotAssignable : 0);
+    expectCopy(assigned, 8, "own", {5});
+    expectCopy(Make<Info>(info), 7, "speed", {0x1234});
+    expectCopy(Hold(info.DeepCopy()), 7, "speed", {0x1234});
+    expectCopy(Hold(info.DeepCopy(9, "other")), 9, "other", {0x1234});
+    expectCopy(Hold(info.DeepCopy(9, "other", {6})), 9, "other", {6});
+}
+
+TEST(Families, HaveTheirWords)
+{
+    for (int tag = -1; tag <= 256; ++tag) {
+        EXPECT_EQ(Detail::TypeText(static_cast<IfType_t>(tag)), Word(static_cast<IfType_t>(tag)));
+        EXPECT_EQ(Detail::TypeText(static_cast<NumericType_t>(tag)), Word(static_cast<NumericType_t>(tag)));
+    }
+}
+
+TEST(Families, HoldToWhatTheyHaveInCommon)
+{
+    ForAllFamilies([]<typename Info, typename Item>(Family<Info, Item>) {
+        auto const item = Filled<Item>(7);
+        SCOPED_TRACE(Dumped(*item));
+        ExpectValue(*item);
+        if constexpr (!std::is_void_v<Info>)
+            ExpectSchema(*FilledInfo<Info, Item>());
+    });
+}
+
+} // namespace
+} // namespace Legacy::If::Test

@@ -1,0 +1,113 @@
+// Ways that are taken for speed lead where the plain ones do.
+#include "../TestSupport.h"
+
+#include <Legacy/If/Addr.h>
+#include <Legacy/If/Numeric.h>
+#include <Legacy/If/NumericArray.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <locale>
+#include <random>
+
+namespace Legacy::If::Test {
+namespace {
+
+/// Values at which conversions and loops over several elements at a time could go wrong, and any others; so many that
+/// some are left for the end of every loop.
+template<typename Element>
+std::vector<Element> HardValues()
+{
+    using Limits = std::numeric_limits<Element>;
+    std::vector<Element> values{Limits::lowest(), Limits::min(), Limits::max(), Element{0}, Element{1}};
+    if constexpr (!Limits::is_integer) {
+        for (Element const value : {Limits::quiet_NaN(), Limits::infinity(), Element(0), Element(0.1), Element(1e-7)})
+            values.insert(values.end(), {value, -value});
+        for (int const exponent : {7, 8, 15, 16, 31, 32, 63, 64}) {
+            auto const power = std::ldexp(Element{1}, exponent);
+            for (Element const value : {power, std::nextafter(power, Element{0}), power + Element{1.5}})
+                values.insert(values.end(), {value, -value});
+        }
+    }
+    std::mt19937_64 random(1); // NOLINT: the same in every run
+    while (values.size() < 131) {
+        auto const bits = random();
+        std::memcpy(&values.emplace_back(), &bits, sizeof(Element));
+    }
+    return values;
+}
+
+TEST(FastPath, ConvertsAndWritesListsLikeNumbers)
+{
+    ForAllTraits([]<typename From>(From) {
+        auto const values = HardValues<typename From::T>();
+        auto const source = Make<NumericArrayItem<From>>(7U);
+        source->SetVal(values);
+        std::vector<ItemPtr> numbers;
+        Bytes bytes;
+        for (auto const value : values) {
+            numbers.emplace_back(NumericItem<From>::Create(7, value));
+            for (auto const byte : RecordOf(*numbers.back()).payload)
+                bytes.push_back(byte);
+        }
+        EXPECT_EQ(RecordOf(*source).payload, bytes);
+        ForAllTraits([&]<typename To>(To) {
+            auto const list = Make<NumericArrayItem<To>>(7U);
+            ASSERT_EQ(list->AssignValue(source, nullptr), 0);
+            for (std::size_t i = 0; i < std::min(values.size(), list->Val().size()); ++i) {
+                auto const number = Make<NumericItem<To>>(7U);
+                ASSERT_EQ(number->AssignValue(numbers[i], nullptr), 0);
+                // What is within the tolerance of the 0 that the new element held stays 0 in a list.
+                auto const expected = To::Equal(0, number->Val()) ? typename To::T{0} : number->Val();
+                auto const got = list->Val()[i];
+                EXPECT_TRUE(got == expected || (got != got && expected != expected)) << +values[i] << " gave " << +got;
+            }
+        });
+    });
+}
+
+struct Grouping : std::numpunct<char>
+{
+    std::string do_grouping() const override { return "\3"; }
+    char do_decimal_point() const override { return ','; }
+};
+
+template<typename Item>
+struct Shouting : Item
+{
+    using Item::Item;
+    std::ostream& operator<<(std::ostream& os) const override { return os << "SEVEN"; }
+};
+
+TEST(FastPath, PrintsAsAStreamDoes)
+{
+    std::locale const before;
+    for (std::locale const& locale : {before, std::locale(before, new Grouping)}) {
+        std::locale::global(locale);
+        ForAllTraits([]<typename Traits>(Traits) {
+            for (auto const value : HardValues<typename Traits::T>()) {
+                auto const item = Hold(NumericItem<Traits>::Create(7, value));
+                EXPECT_EQ(item->GetValAsString(), Printed(*item));
+            }
+        });
+    }
+    std::locale::global(before);
+    EXPECT_EQ(Make<Shouting<NumericItem<U32Traits>>>(7U)->GetValAsString(), "SEVEN");
+    EXPECT_EQ(RecordOf(Shouting<AddrItem>(7)).payload, (Bytes{'S', 'E', 'V', 'E', 'N', 0})); // what is printed
+}
+
+TEST(FastPath, GivesOverAlignedClassesTheirAlignment)
+{
+    struct alignas(256) Wide : NumericItem<U8Traits>
+    {
+        using NumericItem::NumericItem;
+    };
+    std::vector<ItemPtr> held;
+    for (unsigned int id = 0; id < 8; ++id)
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(held.emplace_back(Make<Wide>(id)).get()) % alignof(Wide), 0U);
+    EXPECT_TRUE(ItemPtr(new (std::nothrow) NumericItem<U8Traits>(8)));
+}
+
+} // namespace
+} // namespace Legacy::If::Test

@@ -1,0 +1,154 @@
+#include "../Families.h"
+
+#include <set>
+#include <span>
+
+/// Which family takes what from which other, refusals included: every cell is run.
+namespace Legacy::If::Test {
+namespace {
+
+using U16 = U16Traits;
+
+/// A value of a family with ones in it, four where it is a list, an empty one and a schema.
+struct Objects
+{
+    boost::intrusive_ptr<ItemBase> value, empty;
+    boost::intrusive_ptr<InfoBase> schema;
+};
+
+/// The value is as #Filled makes it, or as it is read from the text.
+template<typename Info, typename Item>
+Objects Of(std::string const& text = {})
+{
+    auto const value = Filled<Item>(3);
+    EXPECT_TRUE(text.empty() || ReadText(*value, text).first) << text;
+    auto const schema = FreshInfo<Info>(7, "speed", {0x1234});
+    if constexpr (requires { schema->SetMinSize(4); }) { // sizes that a list of rectangles can take over
+        schema->SetMaxSize(8);
+        schema->SetMinSize(4);
+    }
+    return {value, Make<Item>(4U), schema};
+}
+
+/// Each family with a letter for each other as its source, in this order; the last four are sources alone.
+std::vector<std::pair<std::string, Objects>> Families()
+{
+    return {
+        {"vve..e ... ... ....", Of<BoolInfo, BoolItem>()},
+        {"vve.v. ... ... ....", Of<NumericInfo<S32Traits>, NumericItem<S32Traits>>()},
+        {"iiv.i. .iv ... ....", Of<NumericArrayInfo<U16>, NumericArrayItem<U16>>("4 1 1 1 1")},
+        {"...v.. ... ... ....", Of<NumericSparseInfo<DoubleTraits>, NumericSparseItem<DoubleTraits>>()},
+        {"vve.v. ... ... ....", Of<EnumInfo, EnumItem>()},
+        {"i....v ... ... ....", Of<BoolArrayInfo, BoolArrayItem>("4 1 1 1 1")},
+        {"...... v.. ... ....", Of<CoordinateInfo<S32Traits>, CoordinateItem<S32Traits>>()},
+        {"...... .v. ... ....", Of<RectInfo<FloatTraits>, RectItem<FloatTraits>>()},
+        {"..v... .iv ... ....", Of<RectArrayInfo<U16>, RectArrayItem<U16>>("4 1 1 1 1 1 1 1 1 1 1 1 1 1 1 1 1")},
+        {"v..... ... ve. ....", Of<StringInfo, StringItem>()},
+        {"i..... ... iv. ....", Of<StringArrayInfo, StringArrayItem>("4 1 1 1 1")},
+        {"...... ... ..v ....", Of<StringSparseInfo, StringSparseItem>()},
+        {"", Of<ColourInfo, ColourItem>()},
+        {"", Of<ExtendedInfo, ExtendedItem>()},
+        {"", Of<CompositeInfo, CompositeItem>()},
+        {"", Of<CollectionInfo, CollectionItem>()},
+    };
+}
+
+void ExpectCell(Objects const& to, ItemPtr const& source, char letter)
+{
+    auto const target = Hold(to.empty->DeepCopy());
+    std::string const before = Printed(*target);
+    auto const assigned = [&](unsigned int index) { return Assign(*target, source, index); };
+    switch (letter) {
+    case '.': // refused
+        EXPECT_EQ(assigned(1000), (Outcome{IfErrTypeNotAssignable, -1}));
+        EXPECT_EQ(Printed(*target), before);
+        return;
+    case 'e': // the source's element at the index
+        EXPECT_EQ(assigned(4), (Outcome{IfErrInvalidArgument, -1}));
+        EXPECT_EQ(Printed(*target), before);
+        EXPECT_EQ(assigned(3), (Outcome{0, 1}));
+        break;
+    case 'i': { // into the target at the index, which grows it and never shrinks it
+        EXPECT_EQ(assigned(2), (Outcome{0, 1}));
+        unsigned int const size = target->GetSerialDataSize();
+        EXPECT_EQ(assigned(20), (Outcome{0, 1}));
+        EXPECT_EQ(assigned(20), (Outcome{0, 0}));
+        EXPECT_EQ(assigned(0), (Outcome{0, 1}));
+        EXPECT_GT(target->GetSerialDataSize(), size);
+        break;
+    }
+    case 'v': // the whole value, whatever the index
+        EXPECT_EQ(assigned(1000), (Outcome{0, 1}));
+        EXPECT_EQ(assigned(0), (Outcome{0, 0}));
+        break;
+    default:
+        FAIL();
+    }
+    EXPECT_NE(Printed(*target), before);
+}
+
+TEST(AssignMatrix, HoldsForValues)
+{
+    auto const families = Families();
+    for (auto const& [row, to] : std::span(families).first<12>()) {
+        std::istringstream letters(row);
+        for (auto const& [unused, from] : families) {
+            char letter = 0;
+            letters >> letter;
+            SCOPED_TRACE(Dumped(*to.empty) + letter + " from " + Dumped(*from.value));
+            ExpectCell(to, from.value, letter);
+        }
+    }
+}
+
+TEST(AssignMatrix, OfSchemasIsADiagonalButForListsOfNumbersAndOfRectangles)
+{
+    auto const families = Families();
+    std::set const flat{IfType_t::NumericArray, IfType_t::RectArray};
+    for (auto const& [row, to] : std::span(families).first<12>()) {
+        for (auto const& [unused, from] : families) {
+            auto const target = Hold(to.schema->DeepCopy(7));
+            std::string const before = Dumped(*target);
+            SCOPED_TRACE(before + "from " + Dumped(*from.schema));
+            if (&to == &from || (flat.contains(to.value->GetType()) && flat.contains(from.value->GetType()))) {
+                EXPECT_EQ(Assign(*target, from.schema).code, 0);
+                EXPECT_EQ(Assign(*target, from.schema), (Outcome{0, 0}));
+            } else {
+                EXPECT_EQ(Assign(*target, from.schema), (Outcome{IfErrTypeNotAssignable, -1}));
+                EXPECT_EQ(Dumped(*target), before);
+            }
+        }
+    }
+}
+
+/// An item whose tags say more than its class holds.
+struct Impostor : StringItem
+{
+    Impostor(IfType_t type, NumericType_t numericType) : StringItem(1), m_type(type), m_numericType(numericType) {}
+    IfType_t GetType() const override { return m_type; }
+    NumericType_t GetNumericType() const override { return m_numericType; }
+    IfType_t m_type;
+    NumericType_t m_numericType;
+};
+
+TEST(AssignMatrix, TrustsNoTag)
+{
+    auto const families = Families();
+    for (auto const& [letters, to] : families) {
+        auto const& target = to.value;
+        SCOPED_TRACE(Dumped(*target));
+        if (target->GetType() == IfType_t::String || target->GetType() == IfType_t::StringArray)
+            continue; // an impostor is a text all the same
+        std::string const before = Printed(*target);
+        for (auto const& [unused, from] : families) {
+            for (int numericType = -1; numericType <= 11; ++numericType) {
+                auto const impostor = Make<Impostor>(from.value->GetType(), static_cast<NumericType_t>(numericType));
+                EXPECT_EQ(target->AssignArrayValue(impostor, 0, nullptr), IfErrTypeNotAssignable);
+            }
+        }
+        EXPECT_EQ(Printed(*target), before);
+    }
+}
+
+} // namespace
+} // namespace Legacy::If::Test

@@ -1,0 +1,198 @@
+#include "../TestSupport.h"
+
+#include <Legacy/If/Numeric.h>
+#include <Legacy/If/NumericArray.h>
+#include <Legacy/If/NumericSparse.h>
+
+#include <array>
+#include <cstring>
+#include <limits>
+#include <tuple>
+
+namespace Legacy::If::Test {
+namespace {
+
+template<typename T>
+boost::intrusive_ptr<NumericInfo<T>> Bounded(typename T::T min, typename T::T defaultVal, typename T::T max)
+{
+    auto const info = MakeInfo<NumericInfo<T>>();
+    info->SetMax(max);
+    info->SetMin(min);
+    info->SetDefault(defaultVal);
+    return info;
+}
+
+TEST(NumericInfo, BoundsPushOneAnotherAndTheDefaultUnlessAssigned)
+{
+    auto const info = MakeInfo<NumericInfo<S32Traits>>();
+    info->SetMax(50);
+    info->SetMin(100);
+    EXPECT_EQ(Printed(*info), "100 <= 100 <= 100");
+    info->SetMax(-5);
+    EXPECT_EQ(Printed(*info), "-5 <= -5 <= -5");
+    info->SetMax(120);
+    for (auto const& [asked, stored] : {std::pair(-6, -5), std::pair(110, 110), std::pair(121, 120)}) {
+        info->SetDefault(asked);
+        EXPECT_EQ(info->GetDefault(), stored);
+    }
+    auto const narrow = MakeInfo<NumericInfo<U8Traits>>();
+    EXPECT_EQ(Assign(*narrow, Bounded<S32Traits>(-1, 300, 300)), (Outcome{0, 1}));
+    EXPECT_EQ(Printed(*narrow), "255 <= 44 <= 44"); // converted, and nothing keeps the order
+}
+
+TEST(NumericItem, ValidatesAtItsBounds)
+{
+    ForAllTraits([]<typename T>(T) {
+        using E = typename T::T;
+        using Limits = std::numeric_limits<E>;
+        auto const info = Bounded<T>(50, 60, 70);
+        auto const lists = MakeInfo<NumericArrayInfo<T>>();
+        lists->SetMin(50);
+        lists->SetMax(70);
+        bool const character = sizeof(E) == 1; // the bound is printed as the character of that code
+        Texts const below{"TypesSystemNumericValidationMin", "speed", character ? "2" : "50"};
+        Texts const above{"TypesSystemNumericValidationMax", "speed", character ? "F" : "70"};
+        for (E const value : {Limits::lowest(), E{49}, E{50}, E{70}, E{71}, Limits::max()}) {
+            Texts const verdict = value < 50 ? below : value > 70 ? above : Texts{};
+            NumericItem<T> item(3);
+            item.SetVal(value);
+            EXPECT_EQ(item.WithinBounds(*info), verdict.empty());
+            EXPECT_EQ(Validated(item, info), verdict);
+            EXPECT_EQ(MessageOf(item, [&] { return item.ValidateMin(info); }), value < 50 ? below : Texts{});
+            EXPECT_EQ(MessageOf(item, [&] { return item.ValidateMax(info); }), value > 70 ? above : Texts{});
+            NumericArrayItem<T> list(3);
+            list.SetVal({60, value, verdict == below ? E{71} : verdict == above ? E{49} : E{60}});
+            EXPECT_EQ(Validated(list, lists), verdict); // the first in order is told
+            item.BoundVal(*info);
+            EXPECT_EQ(item.GetVal(), value < 50 ? E{50} : value > 70 ? E{70} : value);
+            item.SetVal(value, *info);
+            EXPECT_EQ(item.GetVal(), verdict.empty() ? value : E{60});
+        }
+    });
+}
+
+/// A number with an upper bound of its own idea.
+struct Odd : NumericItem<S32Traits>
+{
+    using NumericItem::NumericItem;
+    std::shared_ptr<ResultElem const> ValidateMax(InfoPtr const& info) override { return ItemBase::ValidateMax(info); }
+};
+
+TEST(NumericItem, ValidatesByTheHalvesOfADerivedClass)
+{
+    Odd item(3);
+    EXPECT_EQ(Validated(item, Bounded<S32Traits>(0, 0, 9)),
+              (Texts{"TypesSystemIllegalValidatationError", "speed", "Numeric(S32)"}));
+}
+
+TEST(Numeric, MeetsItsOwnElementTypeAlone)
+{
+    auto const other = Bounded<U8Traits>(0, 0, 9);
+    EXPECT_EQ(Validated(*Make<NumericItem<U16Traits>>(3U), other).size(), 4U); // a mismatch
+    EXPECT_EQ(Validated(*Make<NumericArrayItem<U16Traits>>(3U), MakeInfo<NumericArrayInfo<S16Traits>>()).size(), 4U);
+    EXPECT_FALSE((Bounded<U16Traits>(0, 0, 9)->IsEqualBounds(other)));
+    EXPECT_EQ((Bounded<U16Traits>(0, 0, 9)->MergeBounds(other)), IfErrBoundsTypeMismatch);
+}
+
+TEST(NumericInfo, MergesToTheCommonRange)
+{
+    for (auto const& [min, max, code, merged] : {std::tuple(20, 30, 0, "20 <= 10 <= 20"),
+                                                 {0, 10, 0, "10 <= 10 <= 10"},
+                                                 {21, 30, IfErrBoundsDisjoint, "10 <= 10 <= 20"},
+                                                 {0, 9, IfErrBoundsDisjoint, "10 <= 10 <= 20"}})
+    {
+        auto const info = Bounded<S32Traits>(10, 10, 20);
+        EXPECT_EQ(info->MergeBounds(Bounded<S32Traits>(min, min, max)), code);
+        EXPECT_EQ(Printed(*info), merged); // the default stays, also where it lies outside now
+    }
+}
+
+TEST(Numeric, ToleratesLittleAndPassesNaN)
+{
+    EXPECT_TRUE(Bounded<DoubleTraits>(1, 2, 5)->IsEqualBounds(Bounded<DoubleTraits>(1, 3, 5 + 1e-11)));
+    auto const item = Hold(NumericItem<FloatTraits>::Create(1, 0.0F));
+    auto const info = MakeInfo<NumericInfo<FloatTraits>>();
+    EXPECT_EQ(Validated(*item, info), (Texts{"TypesSystemNumericValidationMin", "speed", "1.17549e-38"}));
+    EXPECT_TRUE(item->IsEqualValue(Hold(NumericItem<FloatTraits>::Create(2, 1e-11F))));
+    item->SetVal(std::numeric_limits<float>::quiet_NaN());
+    EXPECT_EQ(Validated(*item, info), Texts{});
+    EXPECT_FALSE(item->IsEqualValue(item)); // a NaN equals nothing
+
+    // What differs too little to be told is stored all the same.
+    NumericItem<DoubleTraits> target(1);
+    EXPECT_EQ(Assign(target, Hold(NumericItem<DoubleTraits>::Create(2, 1e-11))), (Outcome{0, 0}));
+    EXPECT_EQ(target.GetVal(), 1e-11);
+    auto const schema = Bounded<DoubleTraits>(-1, 0, 1);
+    EXPECT_EQ(Assign(*schema, Bounded<DoubleTraits>(-1, 1e-11, 1)), (Outcome{0, 0}));
+    EXPECT_EQ(schema->GetDefault(), 1e-11);
+}
+
+/// A value, the number whose native bytes stand in the record, and what reading makes of it.
+template<typename Traits>
+void ExpectRecords(std::initializer_list<std::array<typename Traits::T, 3>> cases)
+{
+    for (auto const& [value, stored, readBack] : cases) {
+        NumericItem<Traits> number(1);
+        number.SetVal(value);
+        Bytes bytes(sizeof(stored));
+        std::memcpy(bytes.data(), &stored, sizeof(stored));
+        Record record = RecordOf(number);
+        EXPECT_EQ(record.payload, bytes) << value;
+        EXPECT_EQ(Read(number, record), 0);
+        EXPECT_EQ(number.GetVal(), readBack);
+        record.payload.insert(record.payload.end(), bytes.begin(), bytes.end());
+        EXPECT_EQ(Read(number, record), IfErrInvalidArgument);
+        NumericArrayItem<Traits> list(1);
+        record.type = 3;
+        EXPECT_EQ(Read(list, record), 0);
+        EXPECT_EQ(list.GetVal(), (std::vector{readBack, readBack}));
+        record.payload.pop_back();
+        EXPECT_EQ(Read(list, record), IfErrInvalidArgument);
+        EXPECT_EQ(list.GetSize(), 2U);
+    }
+}
+
+TEST(NumericRecords, HoldIntegersBigEndianAndPassFloatsThroughThem)
+{
+    ExpectRecords<S64Traits>({{-2, boost::endian::native_to_big(std::int64_t{-2}), -2}});
+    ExpectRecords<FloatTraits>({{1.5F, 16777216.0F, 1.0F},
+                                {-1.0F, 4294967296.0F, 0.0F}, // 0xFFFFFFFF is no float
+                                {16909060.0F, 67305984.0F, 131844.0F},
+                                {3e9F, 6213810.0F, 3e9F},
+                                {4294967296.0F, 0.0F, 0.0F}}); // the low 32 bits
+    constexpr double swapped = 9223372036854775808.0;          // 128 with its bytes swapped
+    ExpectRecords<DoubleTraits>({{1.5, 72057594037927936.0, 1.0},
+                                 {-1.0, 18446744073709551616.0, 128.0}, // 2 to the 64 is out of range on the way back
+                                 {18446744073709551616.0, 128.0, swapped},
+                                 {std::numeric_limits<double>::quiet_NaN(), 128.0, swapped}});
+}
+
+TEST(Numeric, ReadsNumbersAndPrintsCharactersInDumps)
+{
+    ForAllTraits([]<typename T>(T) {
+        bool const character = sizeof(typename T::T) == 1;
+        auto const info = Bounded<T>(65, 65, 67);
+        EXPECT_EQ(Printed(*info), "65 <= 65 <= 67");
+        EXPECT_TRUE(Dumped(*info).ends_with(character ? "\nmin: A\nmax: C\ndefault: A\n"
+                                                      : "\nmin: 65\nmax: 67\ndefault: 65\n"));
+        NumericItem<T> item(7);
+        NumericSparseItem<T> sparse(7);
+        NumericArrayItem<T> list(7);
+        EXPECT_EQ(ReadText(item, "65"), std::pair(true, std::string()));
+        EXPECT_TRUE(ReadText(sparse, "65").first);
+        std::string const value = character ? "value: A\n" : "value: 65\n";
+        EXPECT_EQ(Dumped(item), "id: 7\ntype: Numeric\n" + value);
+        EXPECT_EQ(Dumped(sparse), "id: 7\ntype: NumericSparse\n" + value);
+        for (char const* const bad : {"", "x", "99999999999999999999999999999999999999999999999999e999"}) {
+            EXPECT_EQ(ReadText(item, bad), std::pair(false, std::string("Error parsing numericItem\n")));
+            EXPECT_EQ(ReadText(sparse, bad), std::pair(false, std::string("Error parsing numericSparseItem\n")));
+            EXPECT_EQ(Printed(item) + Printed(sparse), "6565");
+        }
+        EXPECT_EQ(ReadText(list, "3 65 66 300"), std::pair(true, std::string())); // 8-bit numbers keep the low byte
+        EXPECT_EQ(Dumped(list),
+                  std::string("id: 7\ntype: NumericArray\nvalue: (65, 66, ") + (character ? "44)\n" : "300)\n"));
+    });
+}
+
+} // namespace
+} // namespace Legacy::If::Test
