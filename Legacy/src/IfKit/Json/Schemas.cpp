@@ -501,7 +501,7 @@ void RestoreDefault(Node const& node, Info& info)
 }
 
 template<typename Family>
-void Restore(Node const& node, NetInfo<Family>& info, unsigned int)
+void Restore(Node const& node, If::Detail::NetInfo<Family>& info, unsigned int)
 {
     RestoreDefault(node, info);
 }
