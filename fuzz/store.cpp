@@ -1,0 +1,142 @@
+// Runs a list of operations on a directory, a container and a map of holders, beside a plain map of what must be there.
+
+#include "Parts.h"
+
+#include <Legacy/If/InfoItemContainer.h>
+#include <Legacy/If/InfoItemDirectory.h>
+#include <Legacy/If/InfoItemHolderMap.h>
+
+#include <list>
+#include <map>
+#include <vector>
+
+using namespace Parts;
+
+namespace {
+
+/// Sections and the ids that they gave, so that an input can name what is there.
+struct Store
+{
+    If::InfoItemDirectory directory;
+    If::InfoContainer schemas;
+    If::InfoItemHolderMap holders;
+    std::map<unsigned int, InfoPtr> known; // the schemas in the container
+    std::vector<unsigned int> ids{0, 1, 0xFFFFFFFF};
+
+    unsigned int Id(Input& input)
+    {
+        std::uint8_t const choice = input.Byte();
+        return choice == 0xFF ? input.Word() : ids[choice % ids.size()];
+    }
+
+    void AddSection(Input& input)
+    {
+        If::SectionId section;
+        if (directory.AddSection(input.Text(), section) != 0)
+            return;
+        Require(directory.FindSection(section.GetInfoItemSectionId()).IsValid());
+        ids.push_back(section.GetInfoItemSectionId().CreateInfoItemId(input.Byte()));
+    }
+
+    void AddSchema(Input& input)
+    {
+        InfoPtr const info(MakeInfo(input, 0)->DeepCopy(Id(input), input.Text()));
+        bool const isNew = known.find(info->GetId()) == known.end();
+        Require((schemas.Add(info) == 0) == isNew);
+        known.emplace(info->GetId(), info);
+        boost::intrusive_ptr<If::InfoHolder> const holder(new If::InfoHolder(info));
+        if (directory.AddInfo(holder) == 0)
+            Require(directory.FindInfo(info->GetId()) == holder);
+        if (holders.Insert(new If::InfoItemHolder(holder)) == 0)
+            Require(holders.Find(info->GetId()).first);
+    }
+
+    void SetValue(Input& input)
+    {
+        ItemPtr const item(MakeItem(input, 1)->DeepCopy(Id(input)));
+        boost::intrusive_ptr<If::ItemHolder const> const holder(new If::ItemHolder(item));
+        if (directory.SetItem(holder) == 0)
+            Require(directory.FindItem(item->GetId()) == holder);
+    }
+
+    void Remove(Input& input)
+    {
+        unsigned int const id = Id(input);
+        Require((schemas.Remove(id) == 0) == (known.erase(id) != 0));
+        bool const found = holders.Find(id).first;
+        Require((holders.Erase(id) == 0) == found);
+    }
+
+    void LookUp(Input& input) const
+    {
+        std::string const path = input.Text();
+        std::string const name = input.Text();
+        directory.FindInfo(path, name);
+        directory.FindItem(path, name);
+        directory.FindItem(path);
+        directory.FindInfoItem(path, name);
+        directory.FindInfoItem(path);
+        If::InfoItemSectionId const id(input.Word());
+        std::vector<boost::intrusive_ptr<If::InfoHolder const>> infos;
+        std::vector<boost::intrusive_ptr<If::ItemHolder const>> items;
+        std::vector<boost::intrusive_ptr<If::InfoItemHolder const>> both;
+        directory.FindInfos(id, infos);
+        directory.FindItems(id, items);
+        directory.FindInfoItems(id, both);
+        for (auto const& holder : infos)
+            Require(directory.FindInfo(holder->GetInfo()->GetId()) == holder);
+    }
+
+    void Check(Input& input)
+    {
+        std::vector<InfoPtr> all;
+        schemas.Get(all);
+        Require(all.size() == known.size() && schemas.Size() == known.size());
+        auto expected = known.begin();
+        for (InfoPtr const& info : all)
+            Require(info == (expected++)->second && schemas.Find(info->GetName()));
+        unsigned int id = 0;
+        if (schemas.FindId(input.Text(), id))
+            Require(schemas.IsPresent(id));
+        auto const [first, last] = holders.Find(input.Text());
+        for (auto place = first; place != last; ++place)
+            Require(holders.Find(place->second->GetInfo()->GetInfo()->GetId()).first);
+        If::InfoContainer const copy(schemas);
+        Require(copy.Size() == schemas.Size());
+    }
+};
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size)
+{
+    Input input(data, size);
+    Store store;
+    while (!input.Empty()) {
+        switch (input.Byte() % 8) {
+        case 0:
+            store.AddSection(input);
+            break;
+        case 1:
+        case 2:
+            store.AddSchema(input);
+            break;
+        case 3:
+            store.SetValue(input);
+            break;
+        case 4:
+            store.Remove(input);
+            break;
+        case 5:
+            store.LookUp(input);
+            break;
+        case 6:
+            store.Check(input);
+            break;
+        default:
+            if (input.Byte() == 0)
+                store.directory.Clear();
+        }
+    }
+    return 0;
+}
