@@ -92,19 +92,24 @@ inline bool NotReadable(std::ostream& out)
     return false;
 }
 
-/// One step of reading: nothing is read at the end of input, and what could not be read is reported by its word.
-/// `value` is written on success alone.
+/// Reads a value as the stream reads one, which marks the stream as failed where there is none, and reports by its word
+/// what could not be read. `value` is written on success alone.
 template<typename Value>
-bool ReadValue(std::istream& in, std::ostream& out, char const* word, Value& value)
+bool Extract(std::istream& in, std::ostream& out, char const* word, Value& value)
 {
-    if (in.eof())
-        return ParseError(out, word);
     Value read{};
     in >> read;
     if (in.fail())
         return ParseError(out, word);
     value = std::move(read);
     return true;
+}
+
+/// One step of reading: the same, but at the end of input the stream is left alone.
+template<typename Value>
+bool ReadValue(std::istream& in, std::ostream& out, char const* word, Value& value)
+{
+    return in.eof() ? ParseError(out, word) : Extract(in, out, word, value);
 }
 
 /// The same for a number: 8-bit numbers are read as 16-bit ones of which the low byte is kept.

@@ -146,7 +146,7 @@ bool ColourItem::SetValFromStream(std::istream& in, std::ostream& out, boost::in
     Orlek::Colour_t read;
     for (auto const& [word, part] : {std::pair("colourItem.a", &read.a), std::pair("colourItem.r", &read.r),
                                      std::pair("colourItem.g", &read.g), std::pair("colourItem.b", &read.b)})
-        if (!Detail::ReadValue(in, out, word, *part))
+        if (!Detail::Extract(in, out, word, *part))
             return false;
     m_value = read;
     return true;

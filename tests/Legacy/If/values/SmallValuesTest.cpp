@@ -85,9 +85,15 @@ TEST(Colour, HasItsTextForms)
     EXPECT_EQ(Dumped(*item), "id: 7\ntype: Colour\nvalue: a1, r0.5, g0.25, b 0\n");
 
     EXPECT_TRUE(ReadText(*item, "12 0.5 0.25 0").first); // the first character is skipped
-    for (auto const& [text, part] :
-         {std::pair(" (1 2 3 4)", 'a'), std::pair("(1", 'r'), std::pair("(1 2 word", 'g'), std::pair("(1 2 3)", 'b')})
-        EXPECT_EQ(ReadText(*item, text), std::pair(false, std::string("Error parsing colourItem.") + part + '\n'));
+    for (auto const& [text, part] : {std::pair(" (1 2 3 4)", 'a'), std::pair("", 'a'), std::pair("(1", 'r'),
+                                     std::pair("(1 2 word", 'g'), std::pair("(1 2 3", 'b'), std::pair("(1 2 3)", 'b')})
+    {
+        std::istringstream in(text);
+        std::ostringstream out;
+        EXPECT_FALSE(item->SetValFromStream(in, out, nullptr));
+        EXPECT_EQ(out.str(), std::string("Error parsing colourItem.") + part + '\n');
+        EXPECT_TRUE(in.fail()); // whoever reads on sees that something was missing
+    }
     EXPECT_EQ(Printed(*item), "(2 0.5 0.25 0)");
     std::istringstream in("(1 2 3 4)rest");
     std::ostringstream out;
