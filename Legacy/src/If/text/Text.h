@@ -55,13 +55,15 @@ inline void DumpHead(std::ostream& os, ItemBase const& item)
     DumpLine(os, "type: ", item.GetType());
 }
 
-/// A list in its compact form, without brackets; `print` takes the stream and an element.
+/// A list in its compact form, without brackets; `print` takes the stream and an element. Nothing is written before the
+/// first one, so that a width set on the stream is that one's.
 template<typename List, typename Print>
 void PrintList(std::ostream& os, List const& list, Print&& print)
 {
-    char const* separator = "";
+    bool isFirst = true;
     for (auto const& element : list) {
-        os << std::exchange(separator, k_separator);
+        if (!std::exchange(isFirst, false))
+            os << k_separator;
         print(os, element);
     }
 }

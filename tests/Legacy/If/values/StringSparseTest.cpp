@@ -2,6 +2,8 @@
 
 #include <Legacy/If/StringSparse.h>
 
+#include <iomanip>
+
 namespace Legacy::If::Test {
 namespace {
 
@@ -23,6 +25,9 @@ TEST(StringSparseInfo, KeepsItsDefaultInTheList)
     EXPECT_EQ(info->SetDefault(std::string("b\0", 2)), IfErrNotInSet);
     info->SetTable({"x", "b"});
     EXPECT_EQ(Printed(*info), "x, b; default=b");
+    std::ostringstream wide;
+    wide << std::setw(3) << *info; // the width is the first text's
+    EXPECT_EQ(wide.str(), "  x, b; default=b");
     EXPECT_EQ(Dumped(*info), "id: 7\npermission: 4660\nname: speed\ntype: Invalid\ndefault: b\n");
     info->SetTable({"x", "y"});
     EXPECT_EQ(info->GetDefault(), "x");
