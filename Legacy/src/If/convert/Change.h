@@ -34,6 +34,14 @@ public:
         target = source;
     }
 
+    /// Stores a value in any case, and notes an exact difference.
+    template<typename Value>
+    void Replace(Value& target, Value const& source)
+    {
+        Note(target != source);
+        target = source;
+    }
+
     /// Makes a list equal to another, element by element.
     template<typename List>
     void AssignList(List& target, List const& source)

@@ -97,12 +97,12 @@ int NumericArrayInfo<T>::AssignRects_(RectArrayInfo<U16Traits> const& schema, bo
     unsigned short min = U16Traits::k_defaultMax;
     unsigned short max = U16Traits::k_defaultMin;
     for (auto const& axis : axes) {
-        change.Assign(*number++, Detail::ConvertTo<Element>(axis->GetDefault()));
+        change.Replace(*number++, Detail::ConvertTo<Element>(axis->GetDefault()));
         min = std::min(min, axis->GetMin());
         max = std::max(max, axis->GetMax());
     }
-    change.Assign(m_max, Detail::ConvertTo<Element>(max));
-    change.Assign(m_min, Detail::ConvertTo<Element>(min));
+    change.Replace(m_max, Detail::ConvertTo<Element>(max));
+    change.Replace(m_min, Detail::ConvertTo<Element>(min));
     return change.Report(changed);
 }
 

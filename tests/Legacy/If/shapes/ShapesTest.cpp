@@ -6,6 +6,7 @@
 #include <Legacy/If/RectArray.h>
 
 #include <array>
+#include <cmath>
 #include <limits>
 #include <stdexcept>
 #include <tuple>
@@ -257,6 +258,16 @@ TEST(NumericArray, TakesRectanglesInFlatOrderAndTheirSchemas)
     EXPECT_EQ(info->GetDefault(), (std::vector<unsigned char>{6, 4, 8, 8}));
     EXPECT_EQ(info->GetMin(), 3);
     EXPECT_EQ(info->GetMax(), 44); // 300, converted
+    auto const floats = MakeInfo<NumericArrayInfo<F>>();
+    auto const corners = MakeInfo<RectArrayInfo<U16>>();
+    for (int const changed : {1, 0}) { // a 0 below 0 is replaced as well, though no other number
+        EXPECT_EQ(Assign(*floats, corners), (Outcome{0, changed}));
+        for (float const number : floats->GetDefault())
+            EXPECT_FALSE(std::signbit(number));
+        EXPECT_FALSE(std::signbit(floats->GetMin()));
+        floats->SetDefault({-0.0F, -0.0F, -0.0F, -0.0F});
+        floats->SetMin(-0.0F);
+    }
 
     NumericArrayItem<U16> item(1);
     EXPECT_EQ(Assign(item, Rectangle<F>({1.9F, 2.9F, 3.9F, 4.9F}), 1), (Outcome{0, 1}));
@@ -265,9 +276,9 @@ TEST(NumericArray, TakesRectanglesInFlatOrderAndTheirSchemas)
     EXPECT_EQ(Assign(item, List({{1, 2, 3, 4}}), 99), (Outcome{0, 1}));
     EXPECT_EQ(Printed(item), "(1, 2, 3, 4)");
     // Compared exactly: the tolerance of other sources plays no part.
-    NumericArrayItem<F> floats(1);
-    floats.SetVal({1e-11F, 0, 0, 0});
-    EXPECT_EQ(Assign(floats, Rectangle<U16>({0, 0, 0, 0})), (Outcome{0, 1}));
+    NumericArrayItem<F> near(1);
+    near.SetVal({1e-11F, 0, 0, 0});
+    EXPECT_EQ(Assign(near, Rectangle<U16>({0, 0, 0, 0})), (Outcome{0, 1}));
 }
 
 TEST(RectArrayItem, TakesNumbersRectanglesAndLists)
