@@ -41,11 +41,22 @@ void ForAllFamilies(auto&& call)
 template<typename Info>
 boost::intrusive_ptr<Info> FreshInfo(unsigned int id, std::string const& name, Permission_t const& permission)
 {
-    if constexpr (std::is_same_v<Info, EnumInfo>)
+    if constexpr (std::is_base_of_v<EnumInfo, Info>)
         return Make<Info>(id, name, permission, false);
     else
         return Make<Info>(id, name, permission);
 }
+
+/// An application's class that has tags of its own.
+template<typename Base>
+struct Tagged : Base
+{
+    using Base::Base;
+    IfType_t GetType() const override { return type; }
+    NumericType_t GetNumericType() const override { return numericType; }
+    IfType_t type = IfType_t::Connection;
+    NumericType_t numericType = Base::GetNumericTypeStatic();
+};
 
 /// A value that is not what a fresh one is.
 template<typename Item>

@@ -92,7 +92,7 @@ int AssignFrom(Pointer const& source, bool* changed, Assign&& assign)
 {
     if (!source)
         return IfErrNullSource;
-    auto const* const same = CastTo<Same>(source);
+    auto const* const same = SourceAs<Same>(*source);
     if (!same)
         return IfErrTypeNotAssignable;
     Change change;

@@ -49,24 +49,32 @@ int VisitFamily(Root const& object, Use&& use)
     });
 }
 
-/// The same for points and rectangles, which have three element types only.
+/// Whether points and rectangles come with that element type.
+constexpr bool IsShapeElement(NumericType_t type) noexcept
+{
+    return type == NumericType_t::U16 || type == NumericType_t::S32 || type == NumericType_t::Float;
+}
+
+/// Finds which point or rectangle an object is and returns what `use` makes of it. The element tag plays no
+/// part: an application's class may have its own.
 template<template<typename> typename Family, typename Root, typename Use>
 int VisitShape(Root const& object, Use&& use)
 {
-    auto const visit = [&object, &use]<typename T>(T) {
-        auto const* const member = ExactCast<Family<T>>(&object);
-        return member ? use(*member) : IfErrTypeNotAssignable;
+    int code = IfErrTypeNotAssignable;
+    auto const visit = [&code, &use](auto const* member) {
+        if (member)
+            code = use(*member);
+        return member != nullptr;
     };
-    switch (object.GetNumericType()) {
-    case NumericType_t::U16:
-        return visit(U16Traits());
-    case NumericType_t::S32:
-        return visit(S32Traits());
-    case NumericType_t::Float:
-        return visit(FloatTraits());
-    default:
-        return IfErrTypeNotAssignable;
-    }
+    auto const visitExactly = [&object, &visit]<typename T>(T) {
+        return IsExactly<Family<T>>(object) && visit(static_cast<Family<T> const*>(&object));
+    };
+    auto const visitDerived = [&object, &visit]<typename T>(T) {
+        return visit(dynamic_cast<Family<T> const*>(&object));
+    };
+    static_cast<void>(visitExactly(U16Traits()) || visitExactly(S32Traits()) || visitExactly(FloatTraits()) ||
+                      visitDerived(U16Traits()) || visitDerived(S32Traits()) || visitDerived(FloatTraits()));
+    return code;
 }
 
 } // namespace Legacy::If::Detail

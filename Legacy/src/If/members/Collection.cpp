@@ -26,8 +26,7 @@ int CollectionItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const&
 {
     if (!source)
         return IfErrNullSource;
-    bool const fits = source->GetType() == IfType_t::Collection;
-    auto const* const collection = fits ? Detail::CastTo<CollectionItem>(source) : nullptr;
+    auto const* const collection = Detail::SourceAs<CollectionItem>(*source);
     if (!collection)
         return IfErrTypeNotAssignable;
     m_members = collection->m_members;

@@ -42,8 +42,7 @@ int CompositeItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& 
         return IfErrNullSource;
     if (changed)
         *changed = false;
-    bool const fits = source->GetType() == IfType_t::Composite;
-    auto const* const composite = fits ? Detail::CastTo<CompositeItem>(source) : nullptr;
+    auto const* const composite = Detail::SourceAs<CompositeItem>(*source);
     if (!composite)
         return IfErrTypeNotAssignable;
     // The source may be this item or one of its members: it is left alone until the duplicates stand.

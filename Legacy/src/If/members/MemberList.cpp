@@ -248,7 +248,7 @@ int InfoList<Self, Type>::AssignValue(ConstPointer const& source, bool* changed)
 {
     if (!source)
         return IfErrNullSource;
-    auto const* const schema = source->GetType() == Type ? CastTo<Self>(source) : nullptr;
+    auto const* const schema = SourceAs<Self>(*source);
     if (!schema)
         return IfErrTypeNotAssignable;
     m_members = schema->m_members;

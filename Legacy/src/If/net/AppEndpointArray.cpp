@@ -90,10 +90,10 @@ int AppEndpointArrayItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> 
     if (!source)
         return IfErrNullSource;
     Detail::Change change;
-    if (auto const* const endpoint = Detail::CastTo<AppEndpointItem>(source)) {
+    if (auto const* const endpoint = Detail::SourceAs<AppEndpointItem>(*source)) {
         change.GrowTo(m_value, index);
         change.Assign(m_value[index], endpoint->Val());
-    } else if (auto const* const list = Detail::CastTo<AppEndpointArrayItem>(source)) {
+    } else if (auto const* const list = Detail::SourceAs<AppEndpointArrayItem>(*source)) {
         change.AssignList(m_value, list->m_value);
     } else {
         return IfErrTypeNotAssignable;

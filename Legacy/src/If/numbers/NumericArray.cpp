@@ -67,8 +67,8 @@ int NumericArrayInfo<T>::AssignValue(boost::intrusive_ptr<InfoBase const> const&
 {
     if (!source)
         return IfErrNullSource;
-    if (auto const* const rects = Detail::CastTo<RectArrayInfo<U16Traits>>(source))
-        return AssignRects_(*rects, changed);
+    if (auto const* const rects = Detail::SourceAs<RectArrayInfo<U16Traits>>(*source))
+        return source->GetNumericType() == NumericType_t::U16 ? AssignRects_(*rects, changed) : IfErrTypeNotAssignable;
     if (source->GetType() != IfType_t::NumericArray)
         return IfErrTypeNotAssignable;
     return Detail::VisitFamily<If::NumericArrayInfo>(*source, [this, changed](auto const& schema) {
@@ -134,6 +134,8 @@ int NumericArrayItem<T>::AssignArrayValue(boost::intrusive_ptr<ItemBase const> c
         });
         break;
     case IfType_t::Rectangle:
+        if (!Detail::IsShapeElement(source->GetNumericType()))
+            return IfErrTypeNotAssignable;
         code = Detail::VisitShape<RectItem>(*source, [this, index, &change](auto const& rect) {
             change.GrowTo(m_value, index, Detail::k_rectNumbers);
             change.Note(AssignRect_(index, rect));
@@ -142,7 +144,7 @@ int NumericArrayItem<T>::AssignArrayValue(boost::intrusive_ptr<ItemBase const> c
         break;
     case IfType_t::RectArray: {
         auto const* const list = Detail::CastTo<RectArrayItem<U16Traits>>(source);
-        if (!list)
+        if (!list || source->GetNumericType() != NumericType_t::U16)
             return IfErrTypeNotAssignable;
         change.Resize(m_value, Detail::k_rectNumbers * list->Val().size());
         std::size_t place = 0;

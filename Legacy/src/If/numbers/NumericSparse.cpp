@@ -112,13 +112,16 @@ int NumericSparseItem<T>::AssignArrayValue(boost::intrusive_ptr<ItemBase const> 
 {
     if (!source)
         return IfErrNullSource;
-    if (source->GetType() != IfType_t::NumericSparse)
-        return IfErrTypeNotAssignable;
-    return Detail::VisitFamily<If::NumericSparseItem>(*source, [this, changed](auto const& item) {
+    auto const take = [this, changed](auto const& item) {
         Detail::Change change;
         change.Store(m_value, Detail::ConvertTo<Element>(item.Val()));
         return change.Report(changed);
-    });
+    };
+    if (auto const* const own = Detail::SourceAs<NumericSparseItem>(*source)) // whatever element tag it shows
+        return take(*own);
+    if (source->GetType() != IfType_t::NumericSparse)
+        return IfErrTypeNotAssignable;
+    return Detail::VisitFamily<If::NumericSparseItem>(*source, take);
 }
 
 template<typename T>

@@ -71,7 +71,7 @@ int RectArrayInfo<T>::AssignValue(boost::intrusive_ptr<InfoBase const> const& so
     if (source->GetType() == IfType_t::NumericArray)
         return Detail::VisitFamily<NumericArrayInfo>(
             *source, [this, changed](auto const& schema) { return this->AssignNumbers_(schema, changed); });
-    auto const* const schema = Detail::CastTo<RectArrayInfo>(source);
+    auto const* const schema = Detail::SourceAs<RectArrayInfo>(*source);
     if (!schema)
         return IfErrTypeNotAssignable;
     Detail::Change change;
@@ -261,7 +261,7 @@ int RectArrayItem<T>::AssignArrayValue(boost::intrusive_ptr<ItemBase const> cons
             *source, [this, changed](auto const& list) { return this->AssignNumbers_(list.Val(), changed); });
     if (source->GetType() == IfType_t::Rectangle)
         return AssignRect_(*source, index, changed);
-    if (auto const* const list = Detail::CastTo<RectArrayItem>(source))
+    if (auto const* const list = Detail::SourceAs<RectArrayItem>(*source))
         return AssignRects_(*list, changed);
     return IfErrTypeNotAssignable;
 }

@@ -57,11 +57,11 @@ int BoolArrayItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& 
     if (!source)
         return IfErrNullSource;
     Detail::Change change;
-    if (auto const* const truth = Detail::CastTo<BoolItem>(source)) {
+    if (auto const* const truth = Detail::SourceAs<BoolItem>(*source)) {
         change.GrowTo(m_value, index);
         change.Note(m_value[index] != truth->GetVal());
         m_value[index] = truth->GetVal();
-    } else if (auto const* const list = Detail::CastTo<BoolArrayItem>(source)) {
+    } else if (auto const* const list = Detail::SourceAs<BoolArrayItem>(*source)) {
         change.Assign(m_value, list->m_value);
     } else {
         return IfErrTypeNotAssignable;

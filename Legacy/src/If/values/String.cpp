@@ -100,11 +100,11 @@ int StringItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& sou
     if (!source)
         return IfErrNullSource;
     Detail::Change change;
-    if (auto const* const truth = Detail::CastTo<BoolItem>(source)) {
+    if (auto const* const truth = Detail::SourceAs<BoolItem>(*source)) {
         change.Assign(m_value, Detail::BoolText(truth->GetVal()));
-    } else if (auto const* const text = Detail::CastTo<StringItem>(source)) {
+    } else if (auto const* const text = Detail::SourceAs<StringItem>(*source)) {
         change.Assign(m_value, text->m_value);
-    } else if (auto const* const list = Detail::CastTo<StringArrayItem>(source)) {
+    } else if (auto const* const list = Detail::SourceAs<StringArrayItem>(*source)) {
         if (index >= list->Val().size())
             return IfErrInvalidArgument;
         change.Assign(m_value, list->Val()[index]);

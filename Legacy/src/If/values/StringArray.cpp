@@ -42,13 +42,13 @@ int StringArrayItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const
     if (!source)
         return IfErrNullSource;
     Detail::Change change;
-    if (auto const* const truth = Detail::CastTo<BoolItem>(source)) {
+    if (auto const* const truth = Detail::SourceAs<BoolItem>(*source)) {
         change.GrowTo(m_value, index);
         change.Assign(m_value[index], Detail::BoolText(truth->GetVal()));
-    } else if (auto const* const text = Detail::CastTo<StringItem>(source)) {
+    } else if (auto const* const text = Detail::SourceAs<StringItem>(*source)) {
         change.GrowTo(m_value, index);
         change.Assign(m_value[index], text->Val());
-    } else if (auto const* const list = Detail::CastTo<StringArrayItem>(source)) {
+    } else if (auto const* const list = Detail::SourceAs<StringArrayItem>(*source)) {
         change.AssignList(m_value, list->m_value);
     } else {
         return IfErrTypeNotAssignable;

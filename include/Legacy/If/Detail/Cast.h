@@ -32,4 +32,14 @@ Target const* CastTo(Pointer const& object)
     return ExactCast<Target>(object.get());
 }
 
+/// The object as what a receiver may take it for, or null: of that class, and with the type tag that the class gives
+/// its own objects. A class that an application derived and gave a tag of its own is another family's.
+template<typename Class, typename Root>
+Class const* SourceAs(Root const& object)
+{
+    if (IsExactly<Class>(object))
+        return static_cast<Class const*>(&object);
+    return object.GetType() == Class::k_type ? dynamic_cast<Class const*>(&object) : nullptr;
+}
+
 } // namespace Legacy::If::Detail

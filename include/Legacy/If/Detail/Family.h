@@ -19,6 +19,7 @@ class LEGACY_IF_API InfoFamily : public InfoBase
 public:
     using InfoBase::InfoBase;
 
+    static constexpr IfType_t k_type = Type; ///< what #GetType says of objects of the family's own class
     static constexpr IfType_t GetTypeStatic() noexcept { return Type; }
     static constexpr NumericType_t GetNumericTypeStatic() noexcept { return Element; }
     IfType_t GetType() const override { return Type; }
@@ -56,6 +57,7 @@ class LEGACY_IF_API ItemFamily : public ItemBase
 public:
     using ItemBase::ItemBase;
 
+    static constexpr IfType_t k_type = Type; ///< what #GetType says of objects of the family's own class
     static constexpr IfType_t GetTypeStatic() noexcept { return Type; }
     static constexpr NumericType_t GetNumericTypeStatic() noexcept { return Element; }
     IfType_t GetType() const override { return Type; }

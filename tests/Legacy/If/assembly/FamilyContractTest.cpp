@@ -79,7 +79,7 @@ void ExpectValue(Item& item)
     EXPECT_FALSE(assigned->IsEqualValue(&item));
     *assigned = item;
     ItemPtr const other = type == Extended ? ItemPtr(Make<CollectionItem>(7U)) : Make<ExtendedItem>(7U);
-    for (ItemPtr const& foreign : {ItemPtr(), other}) {
+    for (ItemPtr const& foreign : {ItemPtr(), other, ItemPtr(Make<Tagged<Item>>(7U))}) {
         // Contract: a composite clears the flag before it looks at the source's type, and callers read it then.
         Outcome const refused{IfErrTypeNotAssignable, type == Composite ? 0 : -1};
         EXPECT_EQ(Assign(item, foreign), (foreign ? refused : Outcome{IfErrNullSource, -1}));
@@ -136,7 +136,8 @@ void ExpectSchema(Info& info)
     auto const assigned = FreshInfo<Info>(8, "own", {5});
     *assigned = info;
     int const unmerged = k_withoutMerge.contains(type) ? IfErrTypeNotAssignable : IfErrBoundsTypeMismatch;
-    for (InfoPtr const& foreign : {InfoPtr(), ForeignInfo(type)}) {
+    for (InfoPtr const& foreign :
+         {InfoPtr(), ForeignInfo(type), InfoPtr(FreshInfo<Tagged<Info>>(7, "speed", {0x1234}))}) {
         EXPECT_EQ(Assign(info, foreign), (Outcome{foreign ? IfErrTypeNotAssignable : IfErrNullSource, -1}));
         EXPECT_EQ(info.MergeBounds(foreign), unmerged);
         EXPECT_EQ(info.IsEqualBounds(foreign), type == Colour); // a colour has none to compare

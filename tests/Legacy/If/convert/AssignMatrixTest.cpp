@@ -121,32 +121,47 @@ TEST(AssignMatrix, OfSchemasIsADiagonalButForListsOfNumbersAndOfRectangles)
     }
 }
 
-/// An item whose tags say more than its class holds.
-struct Impostor : StringItem
-{
-    Impostor(IfType_t type, NumericType_t numericType) : StringItem(1), m_type(type), m_numericType(numericType) {}
-    IfType_t GetType() const override { return m_type; }
-    NumericType_t GetNumericType() const override { return m_numericType; }
-    IfType_t m_type;
-    NumericType_t m_numericType;
-};
-
-TEST(AssignMatrix, TrustsNoTag)
+TEST(AssignMatrix, GoesByTheTagAndThenByTheClass)
 {
     auto const families = Families();
-    for (auto const& [letters, to] : families) {
-        auto const& target = to.value;
-        SCOPED_TRACE(Dumped(*target));
-        if (target->GetType() == IfType_t::String || target->GetType() == IfType_t::StringArray)
-            continue; // an impostor is a text all the same
-        std::string const before = Printed(*target);
-        for (auto const& [unused, from] : families) {
-            for (int numericType = -1; numericType <= 11; ++numericType) {
-                auto const impostor = Make<Impostor>(from.value->GetType(), static_cast<NumericType_t>(numericType));
-                EXPECT_EQ(target->AssignArrayValue(impostor, 0, nullptr), IfErrTypeNotAssignable);
+    ForAllFamilies([&]<typename Info, typename Item>(Family<Info, Item>) {
+        auto const impostor = Make<Tagged<Item>>(1U);
+        for (auto const& [unused, like] : families) {
+            impostor->type = like.value->GetType();
+            for (int numericType = -1; numericType <= 11 && impostor->type != Item::GetTypeStatic(); ++numericType) {
+                impostor->numericType = static_cast<NumericType_t>(numericType);
+                for (auto const& [letters, to] : families)
+                    ASSERT_EQ(to.value->AssignArrayValue(impostor, 0, nullptr), IfErrTypeNotAssignable)
+                        << Dumped(*to.value) << Dumped(*impostor) << numericType;
             }
         }
-        EXPECT_EQ(Printed(*target), before);
+    });
+}
+
+/// A value of an application's class that has an element tag of its own.
+template<typename Item>
+ItemPtr WithElementTag(NumericType_t tag)
+{
+    auto const item = Make<Tagged<Item>>(1U);
+    item->type = Item::GetTypeStatic();
+    item->numericType = tag;
+    return item;
+}
+
+TEST(AssignMatrix, AsksForTheElementTagInListsOfNumbersAlone)
+{
+    auto const codes = [](ItemPtr const& source, auto const&... targets) {
+        return std::vector{targets->AssignArrayValue(source, 0, nullptr)...};
+    };
+    constexpr int no = IfErrTypeNotAssignable;
+    auto const numbers = Make<NumericArrayItem<U16>>(1U);
+    auto const rects = Make<RectArrayItem<U16>>(1U);
+    for (auto const tag : {NumericType_t::Undefined, NumericType_t::U8}) {
+        EXPECT_EQ(codes(WithElementTag<RectArrayItem<U16>>(tag), numbers, rects), (std::vector{no, 0}));
+        EXPECT_EQ(codes(WithElementTag<RectItem<FloatTraits>>(tag), numbers, rects, Make<RectItem<S32Traits>>(1U)),
+                  (std::vector{no, 0, 0}));
+        EXPECT_EQ(codes(WithElementTag<CoordinateItem<S32Traits>>(tag), Make<CoordinateItem<U16>>(1U)), std::vector{0});
+        EXPECT_EQ(codes(WithElementTag<NumericSparseItem<U16>>(tag), Make<NumericSparseItem<U16>>(1U)), std::vector{0});
     }
 }
 
