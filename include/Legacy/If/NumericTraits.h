@@ -4,6 +4,7 @@
 #include <Legacy/If/IfType.h>
 
 #include <algorithm>
+#include <cfloat>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -18,13 +19,28 @@ constexpr float k_floatTolerance = 1e-10F;
 
 namespace Detail {
 
+/// A floating-point result in the precision of its type. Processors whose registers are wider keep more digits until a
+/// number is stored, and then tell differences between numbers that are the same.
+template<typename Number>
+constexpr Number Rounded(Number value) noexcept
+{
+#if FLT_EVAL_METHOD == 0
+    return value;
+#else
+    if (std::is_constant_evaluated())
+        return value;
+    Number const volatile stored = value;
+    return stored;
+#endif
+}
+
 /// How far two values are apart; a NaN for a NaN and for two equal infinities.
 template<typename Number>
 constexpr Number Distance(Number a, Number b) noexcept
 {
     if (std::is_constant_evaluated())
         return a > b ? a - b : b - a;
-    return std::fabs(a - b); // the same without a branch
+    return Rounded(std::fabs(a - b)); // the same without a branch
 }
 
 } // namespace Detail

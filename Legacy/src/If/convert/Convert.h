@@ -59,7 +59,9 @@ constexpr Target ConvertTo(Source value) noexcept
 {
     if constexpr (std::same_as<Target, bool>)
         return ToBool(value);
-    else if constexpr (std::floating_point<Target> || std::integral<Source>)
+    else if constexpr (std::floating_point<Target>)
+        return Rounded(static_cast<Target>(value));
+    else if constexpr (std::integral<Source>)
         return static_cast<Target>(value);
     else if constexpr (sizeof(Target) < 4)
         return static_cast<Target>(Truncate<std::int32_t>(value)); // through a signed 32-bit number, low bits kept

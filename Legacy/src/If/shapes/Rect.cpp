@@ -20,7 +20,7 @@ template<typename Element>
 Element Extent(Element first, Element last) noexcept
 {
     if constexpr (std::floating_point<Element>)
-        return last - first + Element{1};
+        return Detail::Rounded(Detail::Rounded(last - first) + Element{1});
     else
         return static_cast<Element>(static_cast<std::uint32_t>(last) - static_cast<std::uint32_t>(first) + 1);
 }

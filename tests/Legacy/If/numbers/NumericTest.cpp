@@ -125,6 +125,14 @@ TEST(Numeric, ToleratesLittleAndPassesNaN)
     auto const schema = Bounded<DoubleTraits>(-1, 0, 1);
     EXPECT_EQ(Assign(*schema, Bounded<DoubleTraits>(-1, 1e-11, 1)), (Outcome{0, 0}));
     EXPECT_EQ(schema->GetDefault(), 1e-11);
+
+    // Only registers wider than the numbers could tell these apart.
+    auto const fine = Hold(NumericItem<DoubleTraits>::Create(2, k_floatTolerance));
+    EXPECT_TRUE(fine->IsEqualValue(Hold(NumericItem<DoubleTraits>::Create(2, -5e-27))));
+    auto const coarse = Hold(NumericItem<FloatTraits>::Create(2, k_floatTolerance));
+    EXPECT_TRUE(coarse->IsEqualValue(Hold(NumericItem<FloatTraits>::Create(2, -1e-20F))));
+    coarse->SetVal(16777216);
+    EXPECT_EQ(Assign(*coarse, Hold(NumericItem<S32Traits>::Create(2, 16777217))), (Outcome{0, 0}));
 }
 
 /// A value, the number whose native bytes stand in the record, and what reading makes of it.

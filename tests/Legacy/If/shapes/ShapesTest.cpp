@@ -202,6 +202,7 @@ TEST(Rect, CountsBothEdgesAndWraps)
     EXPECT_EQ(size(Rectangle<U16>({5, 20, 2, 29})), (std::pair<unsigned short, unsigned short>(65534, 10)));
     EXPECT_EQ(size(Rectangle<S32>({-2147483647 - 1, 2147483647, 2147483647, -2147483647 - 1})), std::pair(0, 2));
     EXPECT_EQ(size(Rectangle<F>({1.5F, 4, 3, 1})), std::pair(2.5F, -2.0F));
+    EXPECT_EQ(Rectangle<F>({-1, 0, 16777216, 0})->GetWidth(), 16777216.0F); // each step in the precision of a float
 }
 
 TEST(RectArrayInfo, SharesTheBoundsOfItsCornersAlone)
