@@ -13,6 +13,7 @@
 #include <iosfwd>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace Legacy::If {
 
@@ -47,17 +48,24 @@ public:
         SerialStruct_t(SerialStruct_t const&) = delete;
 
         /// Takes the payload over and leaves the other record empty.
-        SerialStruct_t(SerialStruct_t&& other) noexcept
-        {
-            *this = other;
-            other.Clear();
-        }
+        SerialStruct_t(SerialStruct_t&& other) noexcept { *this = std::move(other); }
 
         ~SerialStruct_t() { delete[] data; }
 
         /// Copies every field as it stands, the address of the payload included, and releases nothing: both records
         /// then own the payload, and all but one must be cleared before they end.
         SerialStruct_t& operator=(SerialStruct_t const& other) noexcept = default;
+
+        /// Takes the payload over and leaves the other record empty. Releases nothing either: a payload of its own is
+        /// to be cleared or kept before.
+        SerialStruct_t& operator=(SerialStruct_t&& other) noexcept
+        {
+            if (this != &other) {
+                *this = other;
+                other.Clear();
+            }
+            return *this;
+        }
 
         /// Zeroes every field and releases nothing: the payload belongs to whoever kept its address.
         void Clear() noexcept

@@ -80,6 +80,18 @@ TEST(StringRecords, HaveTheirBytesAndAreReadWithinThem)
     EXPECT_EQ(Read(*list, {1, 7, 0, {'a', 0, 'b'}}), IfErrInvalidArgument); // no zero byte behind the last
     EXPECT_EQ(Read(*list, {1, 7, 0, {'c', 0, 0}}), 0);
     EXPECT_EQ(list->GetVal(), (List{"a", "", "b", "c", ""})); // appended
+
+    ItemBase::SerialStruct_t first;
+    ItemBase::SerialStruct_t second;
+    EXPECT_EQ(text->Serialize(&first) + list->Serialize(&second), 0);
+    auto const payloads = [&] { return std::pair{+first.data, +second.data}; };
+    auto const [ofText, ofList] = payloads();
+    std::swap(first, second); // each payload keeps one owner
+    EXPECT_EQ(payloads(), std::pair(ofList, ofText));
+    delete[] ofList;
+    first = std::move(second);
+    EXPECT_EQ(payloads(), std::pair(ofText, static_cast<unsigned char*>(nullptr)));
+
     ItemBase::SerialStruct_t empty;
     EXPECT_EQ(StringArrayItem(1).Serialize(&empty), 0);
     EXPECT_TRUE(empty.size == 0 && empty.data);
