@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
+#include <new>
 #include <string>
 
 namespace Legacy::If {
@@ -26,8 +27,10 @@ struct FirstReference;
 ///
 /// Schemas are made with `new` and shared through `boost::intrusive_ptr`. A new object has the count 0: wrap it at
 /// once. Any thread may take and drop references; everything else about one object is for one thread at a time.
-class LEGACY_IF_API InfoBase : public Detail::CachedObject
+class LEGACY_IF_API InfoBase
 {
+    using Storage_ = Detail::CachedObject;
+
 public:
     InfoBase(unsigned int const& id, std::string const& name, Permission_t const& permission);
 
@@ -39,6 +42,24 @@ public:
     /// Assigns nothing: id, name, permission and count belong to the object, so `a = b` on two schemas of a family
     /// takes over the bounds and the default alone. The copy constructor differs on purpose.
     InfoBase& operator=(InfoBase const&) noexcept { return *this; }
+
+    /// A root has no base: it says itself that its objects get their storage as every Detail::CachedObject does.
+    /// @{
+    static void* operator new(std::size_t size) { return Storage_::operator new(size); }
+    static void* operator new(std::size_t size, std::nothrow_t const& tag) noexcept
+    {
+        return Storage_::operator new(size, tag);
+    }
+    static void* operator new(std::size_t size, std::align_val_t at) { return Storage_::operator new(size, at); }
+    static void* operator new(std::size_t, void* place) noexcept { return place; }
+    static void operator delete(void* object, std::size_t size) noexcept { Storage_::operator delete(object, size); }
+    static void operator delete(void* object, std::nothrow_t const& tag) noexcept
+    {
+        Storage_::operator delete(object, tag);
+    }
+    static void operator delete(void* object, std::align_val_t at) noexcept { Storage_::operator delete(object, at); }
+    static void operator delete(void*, void*) noexcept {}
+    /// @}
 
     /// A new schema of the same class and content under the given identity. The caller owns it: count 0.
     virtual InfoBase* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const = 0;

@@ -1,7 +1,6 @@
 #include "convert/Convert.h"
 #include "convert/Visit.h"
 #include "core/Finding.h"
-#include "text/TextCapture.h"
 
 #include <Legacy/If/Addr.h>
 #include <Legacy/If/Detail/Cast.h>
@@ -10,6 +9,8 @@
 #include <Legacy/If/String.h>
 
 #include <locale>
+#include <sstream>
+#include <utility>
 
 namespace Legacy::If {
 
@@ -50,7 +51,9 @@ std::string ItemBase::GetValAsString() const
     std::string text;
     if (PrintPlain(*this, text))
         return text;
-    return Detail::CaptureText([this](std::ostream& os) { operator<<(os); });
+    std::ostringstream os;
+    operator<<(os);
+    return std::move(os).str();
 }
 
 } // namespace Legacy::If

@@ -42,7 +42,7 @@ void FormattedInfoItemDump(std::ostream& os, boost::intrusive_ptr<InfoBase const
         os << "InfoItemId mismatch!";
         return;
     }
-    if (both && !info->IsEqualType(item)) {
+    if (both && (info->GetType() != item->GetType() || info->GetNumericType() != item->GetNumericType())) {
         os << "Type mismatch!";
         return;
     }

@@ -18,6 +18,14 @@ std::string Dump(InfoPtr const& info, ItemPtr const& item)
     return os.str();
 }
 
+/// Tells all types apart from its own. Dumps go by the tags.
+struct Aloof : NumericInfo<U16Traits>
+{
+    using NumericInfo::NumericInfo;
+    bool IsEqualType(ItemPtr const&) const override { return false; }
+    bool IsEqualType(InfoPtr const&) const override { return false; }
+};
+
 TEST(FormattedDump, PrintsOneParameterInColumns)
 {
     auto const info = MakeInfo<StringInfo>();
@@ -36,6 +44,7 @@ TEST(FormattedDump, PrintsOneParameterInColumns)
          "speed                            String             {fast} {\"\"; max length=256}1  "},
         {Make<StringInfo>(7U, name, Permission_t{}), nullptr, name + " String             \"\"; max length=2561  "},
         {nullptr, number, "NumericU16         01  "},
+        {MakeInfo<Aloof>(), number, "speed                            NumericU16         {0} {0 <= 0 <= 65535}1  "},
         {info, number, "Type mismatch!**1"},
         {numbers, Make<NumericItem<S16Traits>>(7U), "Type mismatch!**1"},
         {numbers, Make<NumericItem<S16Traits>>(8U), "InfoItemId mismatch!**1"},
