@@ -54,7 +54,8 @@ public:
     ///         the members before it kept, at the first member that does not rebuild.
     int Deserialize(ConstSerialStruct_t const* record) override;
 
-    /// Fails on another number of members than the schema's, and on a member of another type than its schema.
+    /// Fails on a schema that is no composite's by its tag or its class, then on another number of members than the
+    /// schema's, then on the first member of another type than its schema.
     ///
     /// Contract: the members' values are not validated. Callers validate members one by one, to report each under its
     /// own name, and a composite that failed for one of them would be reported twice.

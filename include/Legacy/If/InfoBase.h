@@ -88,8 +88,10 @@ public:
     virtual int MergeBounds(boost::intrusive_ptr<InfoBase const> const& other) = 0;
 
     /// Takes over bounds and default of another schema.
-    /// @param changed may be null; written only with the result 0: whether anything differed.
-    /// @return 0; #IfErrNullSource; #IfErrTypeNotAssignable for a source of a type that is not accepted.
+    /// @param changed may be null; written only with the result 0: whether anything differed (but see composites).
+    /// @return 0; #IfErrNullSource; #IfErrTypeNotAssignable for a source of a type that is not accepted;
+    ///         #IfErrInvalidArgument, from a schema of rectangles, for one of numbers that cannot be cut into
+    ///         rectangles.
     virtual int AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed) = 0;
 
     /// Prints the schema field by field, one to a line, each line flushed.

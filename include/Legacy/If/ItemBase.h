@@ -143,7 +143,9 @@ public:
     /// Takes over the value of another item, converted where the family knows how. Nothing is validated.
     /// @param index a place in this value, in the source, or of no account: as the family says.
     /// @param changed may be null; written only with the result 0 (but see composites): whether the value differs now.
-    /// @return 0; #IfErrNullSource; #IfErrTypeNotAssignable; #IfErrInvalidArgument for an index past the source's end.
+    /// @return 0; #IfErrNullSource; #IfErrTypeNotAssignable; #IfErrInvalidArgument for an index past the source's end
+    /// and
+    ///         for numbers that cannot be cut into rectangles.
     virtual int AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index,
                                  bool* changed) = 0;
     /// The same with the index 0.
@@ -155,10 +157,15 @@ public:
     /// Number of payload bytes that a record of this value has.
     virtual unsigned int GetSerialDataSize() const = 0;
     /// Writes header and payload; the payload is allocated here and belongs to the record.
-    /// @return 0; #IfErrInvalidArgument for a null record and for a value too large for the record's 32-bit size.
+    /// @return 0; #IfErrInvalidArgument for a null record and for a value too large for the record's 32-bit size. A
+    ///         family without a record writes nothing and gives its own code for any argument, null included:
+    ///         #IfErrNotSerializable for extended values, #IfErrTypeNotAssignable for localized texts and collections.
     virtual int Serialize(SerialStruct_t* record) const = 0;
-    /// Takes the value from a record that names this very item: its id, type and element type.
-    /// @return 0; #IfErrNullArgument for a null record; #IfErrInvalidArgument for one that does not fit.
+    /// Takes the value from a record that names this very item: its id, type and element type. Lists of texts, booleans
+    /// and members append to what they hold.
+    /// @return 0; #IfErrNullArgument for a null record; #IfErrInvalidArgument for one that does not fit;
+    ///         #IfErrNotSerializable for a composite's member that cannot be rebuilt; the codes of #Serialize from the
+    ///         families without a record. The value is unchanged then (but see composites and lists of endpoints).
     virtual int Deserialize(ConstSerialStruct_t const* record) = 0;
 
     /// Tests the value against its schema and stops at the first failure.
@@ -169,7 +176,11 @@ public:
     virtual std::shared_ptr<ResultElem const> ValidateMax(boost::intrusive_ptr<InfoBase const> const& info);
 
     /// Reads the value from text and reports a failure on `out`.
-    /// @return whether a value was taken; otherwise the value is unchanged (but see composites and rectangles).
+    /// @return true if the value was read. Texts, addresses and endpoints return true also at the end of the input,
+    /// where
+    ///         they keep their value, and where no word could be read, which counts as an empty one. On false the value
+    ///         is unchanged, but points and rectangles keep the numbers read before, and a composite was emptied and
+    ///         keeps the members read before.
     virtual bool SetValFromStream(std::istream& in, std::ostream& out,
                                   boost::intrusive_ptr<InfoBase const> const& info) = 0;
     /// Prints the value field by field, one to a line, each line flushed.

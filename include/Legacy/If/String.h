@@ -23,8 +23,9 @@ public:
     std::string const& GetDefault() const noexcept { return m_default; }
     /// Stores the text, cut to the greatest length. Always 0.
     ///
-    /// Contract: with a greatest length of 0 nothing is cut here, although 0 is a bound everywhere else; schemas are
-    /// built by setting a default first and a length later, and such a default must survive.
+    /// Contract: with a greatest length of 0 nothing is cut here, although 0 is a bound everywhere else, so that values
+    /// made from the schema fail its own validation. Callers close a parameter with the length 0 and keep in the
+    /// default the text that it is to have when it is opened again.
     int SetDefault(std::string const& text);
 
     unsigned int GetMaxLength() const noexcept { return m_maxLength; }

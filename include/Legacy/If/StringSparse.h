@@ -74,8 +74,10 @@ public:
     /// The text and a zero byte.
     ///
     /// Contract: the record's size word is 5, and the size told here 24, whatever the text. Readers in the field step
-    /// over records by these numbers, so neither follows the text. A text of more than four bytes is therefore refused
-    /// when its record is read; the payload itself holds the whole text, and zeros up to the fifth byte.
+    /// over records by these numbers, so neither follows the text. The payload itself holds the whole text and a zero
+    /// byte, and more zeros up to the fifth byte. Reading asks for a zero in the last byte that the size word counts:
+    /// so texts of up to four bytes come back, and a longer one is refused unless its own fifth byte is 0. Records of
+    /// other sizes are read by the same rule.
     /// @{
     unsigned int GetSerialDataSize() const override;
     int Serialize(SerialStruct_t* record) const override;

@@ -16,7 +16,8 @@ struct MemberAccess;
 ///
 /// Letting a list go releases its members in order, and after them, list by list, the members of lists that thereby
 /// came to their end. So a tree of any depth and of any classes ends in time linear in its size, on a bounded stack and
-/// without an allocation.
+/// without an allocation. While this goes on, every list that the same thread lets go only lines up, whosever it is: a
+/// member's destructor that clears or replaces another list finds the members of that one alive until it has returned.
 template<typename Root>
 class LEGACY_IF_API MemberList
 {
@@ -59,10 +60,12 @@ extern template class MemberList<ItemBase>;
 /// composites and collections among them. There is no limit to the depth. `Self` is the family's own class.
 ///
 /// Members are shared, not duplicated, by everything but #DeepCopy: what one list's owner changes in a member, the
-/// other sees, also on another thread. Each operation takes time linear in the number of members at all depths and a
-/// bounded stack; a member of a class that an application derived answers through its own virtual operations. A schema
-/// that is put among its own members, however deep, is never released, and walks over it do not end: that is for the
-/// caller to avoid. One thread at a time.
+/// other sees, also on another thread. They are released when the last list that holds them ends, but while a member of
+/// some list is being destroyed, those of other lists that its destructor lets go are put off until it has returned.
+/// Each operation takes time linear in the number of members at all depths and a bounded stack; a member of a class
+/// that an application derived answers through its own virtual operations. A schema that is put among its own members,
+/// however deep, is never released, and walks over it do not end: that is for the caller to avoid. One thread at a
+/// time.
 template<typename Self, IfType_t Type>
 class LEGACY_IF_API InfoList : public InfoFamily<Self, Type>
 {
@@ -123,7 +126,9 @@ private:
 /// What composite and collection values say alike: an ordered list of member values of any family, further composites
 /// and collections among them. There is no limit to the depth. `Self` is the family's own class.
 ///
-/// What `InfoList` says of sharing, cost, derived classes, cycles and threads holds here too.
+/// Members are shared by copies, by `=`, by what sets and gets them, and where a collection is assigned; they are
+/// duplicated by #DeepCopy and where a composite is assigned. What `InfoList` says of shared members, their release,
+/// cost, derived classes, cycles and threads holds here too.
 template<typename Self, IfType_t Type>
 class LEGACY_IF_API ItemList : public ItemFamily<Self, Type>
 {
