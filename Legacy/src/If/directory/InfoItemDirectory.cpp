@@ -70,8 +70,9 @@ void InfoItemDirectory::GetTopLevelSections(std::vector<SectionId>& sections) co
 
 int InfoItemDirectory::GetSubsections(InfoItemSectionId const& id, std::vector<SectionId>& sections) const
 {
+    InfoItemSectionId const wanted = id; // it may lie in the vector
     sections.clear();
-    return m_sectionMap->GetSubsections(id, sections);
+    return m_sectionMap->GetSubsections(wanted, sections);
 }
 
 void InfoItemDirectory::GetLeafSections(std::list<SectionId>& sections) const
@@ -218,15 +219,16 @@ int InfoItemDirectory::UpdateFromDelta(std::shared_ptr<InfoItemDirectoryDelta> c
 {
     if (!delta)
         return IfErrNullArgument;
-    for (auto const& [id, section] : delta->GetSectionIdMap_addMod())
+    auto const held = delta; // the caller's own pointer may be one that a hook changes
+    for (auto const& [id, section] : held->GetSectionIdMap_addMod())
         if (int const code = m_sectionMap->AddSection(section))
             return code;
     if (updateInfos)
-        for (auto const& [id, info] : delta->GetInfoHolderPtrMap_addMod())
+        for (auto const& [id, info] : held->GetInfoHolderPtrMap_addMod())
             if (int const code = m_infoItemHolderMap->Get_(id) ? SetInfo(info) : AddInfo(info))
                 return code;
     if (updateItems)
-        for (auto const& [id, item] : delta->GetItemHolderPtrMap_addMod())
+        for (auto const& [id, item] : held->GetItemHolderPtrMap_addMod())
             if (int const code = SetItem(item))
                 return code;
     return 0;

@@ -68,6 +68,7 @@ struct Directory : InfoItemDirectory
     Texts log;
     void const* former = nullptr;
     bool throws = false;
+    std::shared_ptr<InfoItemDirectoryDelta> delta; // dropped by a hook
 
 protected:
     void InfoChanged_(Infos::const_reference before, InfoItems::const_reference infoItem) override
@@ -86,6 +87,7 @@ private:
         EXPECT_EQ(FindInfoItem(id).get(), &infoItem); // the directory is in order
         log.push_back((before ? "set " : "add ") + what + std::to_string(id & 0xFF));
         former = before;
+        delta.reset();
         if (throws)
             throw std::bad_alloc();
     }
@@ -187,6 +189,9 @@ TEST(Directory, AnswersForSections)
     std::list<SectionId> leaves(1);
     directory.GetLeafSections(leaves);
     EXPECT_EQ(leaves, (std::list<SectionId>{SectionId(), section})); // appended
+    directory.GetTopLevelSections(sections);
+    EXPECT_EQ(directory.GetSubsections(sections[0].GetInfoItemSectionId(), sections), 0); // which empties the vector
+    EXPECT_EQ(sections, std::vector{section});
 }
 
 TEST(Directory, CollectsWhatLiesInASection)
@@ -262,6 +267,9 @@ TEST(Delta, AppliesWhatIsAskedForInOrder)
     EXPECT_EQ(directory.log, (Texts{"add info1", "add info2", "add info3", "set info1", "set info2", "set info3",
                                     "add item1", "add item2", "add item3"}));
     EXPECT_EQ(directory.FindInfo(2U), delta->GetInfoHolderPtrMap_addMod().at(2));
+
+    directory.delta = MakeDelta(Schema(2, "2")); // which nobody else holds
+    EXPECT_EQ(directory.UpdateFromDelta(directory.delta, true, true), 0);
 }
 
 TEST(Delta, StopsAtWhatIsRefusedWithAllBeforeItApplied)
