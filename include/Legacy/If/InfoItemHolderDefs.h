@@ -23,7 +23,8 @@ public:
     explicit InfoHolder(boost::intrusive_ptr<InfoBase> const& info);
     /// A holder of its own, with the count 0, that shares the schema.
     InfoHolder(InfoHolder const&) = default;
-    InfoHolder& operator=(InfoHolder const&) = default;
+    /// Containers and directories know a holder by what it holds, so that stays.
+    InfoHolder& operator=(InfoHolder const&) = delete;
     ~InfoHolder() override;
 
     /// What a user interface calls the parameter; here the schema's name. The library never asks.
@@ -50,7 +51,7 @@ public:
     explicit ItemHolder(boost::intrusive_ptr<ItemBase> const& item);
     /// A holder of its own, with the count 0, that shares the value.
     ItemHolder(ItemHolder const&) = default;
-    ItemHolder& operator=(ItemHolder const&) = default;
+    ItemHolder& operator=(ItemHolder const&) = delete;
     ~ItemHolder() override;
 
     /// What a user interface shows for the value; here its text. The library never asks.
@@ -75,6 +76,8 @@ public:
     /// Takes the schema; there is no value yet.
     /// @throws Orlek::LogicError with #IfErrNullArgument for a null pointer and for a holder of nothing.
     explicit InfoItemHolder(boost::intrusive_ptr<InfoHolder const> const& info);
+    InfoItemHolder(InfoItemHolder const&) = default;
+    InfoItemHolder& operator=(InfoItemHolder const&) = delete;
     ~InfoItemHolder() override;
 
     /// Takes another schema of the same parameter: id, name, type and element type must agree, while bounds, default

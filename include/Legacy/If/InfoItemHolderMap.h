@@ -71,9 +71,11 @@ public:
     int Erase(unsigned int const& id);
 
     /// Whether the id is present, and its place, or the end.
-    std::pair<bool, ById::const_iterator> Find(unsigned int const& id);
-    /// The range of all holders of that name, empty if there is none. Holders are sorted by name when a name is first
-    /// asked for, so that those who never ask do not pay; this may allocate.
+    std::pair<bool, ById::const_iterator> Find(unsigned int const& id) const;
+    /// The range of all holders of that name in the order of their arrival, empty if there is none.
+    ///
+    /// Not const: holders are sorted by name when a name is first asked for, so that those who never ask do not pay.
+    /// This may allocate, and is a change as far as threads are concerned.
     std::pair<ByName::const_iterator, ByName::const_iterator> Find(std::string const& name);
 
     bool Empty() const noexcept { return m_holdersById.empty(); }
@@ -88,6 +90,7 @@ private:
     std::pair<bool, ById::iterator> Find_(unsigned int const& id);
     std::pair<ByName::iterator, ByName::iterator> Find_(std::string const& name);
     void EnterPending_();
+    void EraseName_(InfoItemHolder const& holder) noexcept;
 
     ById m_holdersById;
     ByName m_holdersByName; // without those that are pending

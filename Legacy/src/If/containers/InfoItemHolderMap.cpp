@@ -12,6 +12,16 @@ namespace {
 
 InfoBase const& InfoOf(InfoItemHolder const& holder) { return *holder.GetInfo()->GetInfo(); }
 
+/// Whether the id is present in the map, and its place, by the index where that can tell.
+template<typename Map, typename Index, typename Iterator = decltype(std::declval<Map&>().begin())>
+std::pair<bool, Iterator> FindIn(Map& map, Index const& index, unsigned int id)
+{
+    if (auto const* const place = index.Find(id, [](auto const&) { return true; }))
+        return {true, place->entry};
+    Iterator const place = index.IsComplete() ? map.end() : map.find(id);
+    return {place != map.end(), place};
+}
+
 } // namespace
 
 template class MapIterator<unsigned int, boost::intrusive_ptr<InfoItemHolder>>;
@@ -28,8 +38,9 @@ struct InfoItemHolderMap::Place
 struct InfoItemHolderMap::Lookup
 {
     Detail::PlaceIndex<Place> byId;
-    Detail::PlaceIndex<ByName::iterator> byName; // the first of each name
-    std::vector<InfoItemHolder*> pending;        // entered by id alone so far
+    Detail::PlaceIndex<ByName::iterator> firstOfName;  // by the hash of the name
+    Detail::PlaceIndex<ByName::iterator> othersOfName; // by id
+    std::vector<InfoItemHolder*> pending;              // entered by id alone so far, in the order of their arrival
 };
 
 InfoItemHolderMap::InfoItemHolderMap() : MapIterator(m_holdersById), m_lookup(std::make_unique<Lookup>()) {}
@@ -69,24 +80,44 @@ int InfoItemHolderMap::Erase(unsigned int const& id)
     if (!pending.empty() && pending.back() == holder.get()) {
         pending.pop_back();
     } else {
-        std::string const& name = InfoOf(*holder).GetName();
-        auto const [first, last] = Find_(name);
-        auto const byName = std::find_if(first, last, [&](auto const& entry) { return entry.second == holder; });
-        if (byName == first) {
-            m_lookup->byName.Erase(Detail::TagOf(name), first);
-            if (std::next(first) != last)
-                m_lookup->byName.Insert(Detail::TagOf(name), std::next(first));
-        }
-        m_holdersByName.erase(byName);
+        EnterPending_();
+        EraseName_(*holder);
     }
-    m_lookup->byId.Erase(id, {place, holder.get()});
+    m_lookup->byId.Erase(place->first, {place, holder.get()});
     m_holdersById.erase(place);
     return 0;
 }
 
-std::pair<bool, InfoItemHolderMap::ById::const_iterator> InfoItemHolderMap::Find(unsigned int const& id)
+void InfoItemHolderMap::EraseName_(InfoItemHolder const& holder) noexcept
 {
-    return Find_(id);
+    InfoBase const& info = InfoOf(holder);
+    auto const isIt = [&](auto const& entry) { return entry.second.get() == &holder; };
+    if (auto const* const other =
+            m_lookup->othersOfName.Find(info.GetId(), [&](auto const& place) { return isIt(*place); }))
+    {
+        auto const place = *other;
+        m_lookup->othersOfName.Erase(info.GetId(), place);
+        m_holdersByName.erase(place);
+        return;
+    }
+    auto const [first, last] = Find_(info.GetName());
+    auto const place = std::find_if(first, last, isIt);
+    if (place == last)
+        return;
+    if (place == first) {
+        std::uint32_t const tag = Detail::TagOf(info.GetName());
+        m_lookup->firstOfName.Erase(tag, first);
+        if (auto const next = std::next(first); next != last) {
+            m_lookup->othersOfName.Erase(InfoOf(*next->second).GetId(), next);
+            m_lookup->firstOfName.Insert(tag, next); // into the slot that was left
+        }
+    }
+    m_holdersByName.erase(place);
+}
+
+std::pair<bool, InfoItemHolderMap::ById::const_iterator> InfoItemHolderMap::Find(unsigned int const& id) const
+{
+    return FindIn(m_holdersById, m_lookup->byId, id);
 }
 
 std::pair<InfoItemHolderMap::ByName::const_iterator, InfoItemHolderMap::ByName::const_iterator>
@@ -98,7 +129,8 @@ InfoItemHolderMap::Find(std::string const& name)
 void InfoItemHolderMap::Clear() noexcept
 {
     m_lookup->byId.Clear();
-    m_lookup->byName.Clear();
+    m_lookup->firstOfName.Clear();
+    m_lookup->othersOfName.Clear();
     m_lookup->pending.clear();
     m_holdersById.clear();
     m_holdersByName.clear();
@@ -116,12 +148,7 @@ InfoItemHolder* InfoItemHolderMap::Get_(unsigned int id) const
 
 std::pair<bool, InfoItemHolderMap::ById::iterator> InfoItemHolderMap::Find_(unsigned int const& id)
 {
-    if (auto const* const place = m_lookup->byId.Find(id, [](auto const&) { return true; }))
-        return {true, place->entry};
-    if (m_lookup->byId.IsComplete())
-        return {false, m_holdersById.end()};
-    auto const place = m_holdersById.find(id);
-    return {place != m_holdersById.end(), place};
+    return FindIn(m_holdersById, m_lookup->byId, id);
 }
 
 std::pair<InfoItemHolderMap::ByName::iterator, InfoItemHolderMap::ByName::iterator>
@@ -129,31 +156,41 @@ InfoItemHolderMap::Find_(std::string const& name)
 {
     EnterPending_();
     auto const* const first =
-        m_lookup->byName.Find(Detail::TagOf(name), [&](auto const& place) { return place->first == name; });
+        m_lookup->firstOfName.Find(Detail::TagOf(name), [&](auto const& place) { return place->first == name; });
     if (!first)
-        return m_lookup->byName.IsComplete() ? std::pair(m_holdersByName.end(), m_holdersByName.end())
-                                             : m_holdersByName.equal_range(name);
+        return m_lookup->firstOfName.IsComplete() ? std::pair(m_holdersByName.end(), m_holdersByName.end())
+                                                  : m_holdersByName.equal_range(name);
     auto last = std::next(*first);
     if (last != m_holdersByName.end() && last->first == name)
         last = m_holdersByName.upper_bound(name);
     return {*first, last};
 }
 
+/// Sorted by name first, they mostly go to the end. Where memory fails, those that were not entered stay pending.
 void InfoItemHolderMap::EnterPending_()
 {
     auto& pending = m_lookup->pending;
-    // The least name is the last one: what is entered leaves at once, and goes to the end of a map that was empty.
-    std::sort(pending.begin(), pending.end(), [](InfoItemHolder const* a, InfoItemHolder const* b) {
-        return InfoOf(*b).GetName() < InfoOf(*a).GetName();
-    });
-    while (!pending.empty()) {
-        std::string const& name = InfoOf(*pending.back()).GetName();
-        m_lookup->byName.MakeRoom();
-        auto const place = m_holdersByName.emplace_hint(m_holdersByName.end(), name, pending.back());
-        if (place == m_holdersByName.begin() || std::prev(place)->first != name)
-            m_lookup->byName.Insert(Detail::TagOf(name), place);
-        pending.pop_back();
+    if (pending.empty())
+        return;
+    std::ranges::stable_sort(
+        pending, {}, [](InfoItemHolder const* holder) -> auto& { return InfoOf(*holder).GetName(); });
+    auto next = pending.begin();
+    try {
+        for (; next != pending.end(); ++next) {
+            m_lookup->firstOfName.MakeRoom();
+            m_lookup->othersOfName.MakeRoom();
+            InfoBase const& info = InfoOf(**next);
+            auto const place = m_holdersByName.emplace_hint(m_holdersByName.end(), info.GetName(), *next);
+            if (place == m_holdersByName.begin() || std::prev(place)->first != info.GetName())
+                m_lookup->firstOfName.Insert(Detail::TagOf(info.GetName()), place);
+            else
+                m_lookup->othersOfName.Insert(info.GetId(), place);
+        }
+    } catch (...) {
+        pending.erase(pending.begin(), next);
+        throw;
     }
+    std::vector<InfoItemHolder*>().swap(pending);
 }
 
 } // namespace Legacy::If

@@ -229,6 +229,10 @@ TEST(InfoItemHolder, TakesWhatIsOfTheSameParameterWithoutValidation)
     EXPECT_EQ(pair->GetItem(), tooGreat);
 }
 
+// What a holder holds is what it is found by.
+static_assert(!std::is_copy_assignable_v<InfoHolder> && !std::is_copy_assignable_v<ItemHolder> &&
+              !std::is_copy_assignable_v<InfoItemHolder>);
+
 TEST(Holder, CopiesWhatItHolds)
 {
     auto const info = New<InfoHolder>(7);
