@@ -3,8 +3,8 @@
 #include <Legacy/If/Export.h>
 #include <Legacy/If/InfoItemSectionId.h>
 
+#include <array>
 #include <string>
-#include <vector>
 
 namespace Legacy::If {
 
@@ -23,11 +23,18 @@ public:
     /// Invalid unless `id` is the id of a section, not of a parameter or a wildcard, whose depth is the number of
     /// levels in `name`.
     SectionId(std::string const& name, InfoItemSectionId const& id);
+    SectionId(SectionId const& other) = default;
+    /// The source becomes the invalid section.
+    SectionId(SectionId&& other) noexcept;
+    /// Where memory fails, this section is as it was.
+    SectionId& operator=(SectionId const& other) = default;
+    SectionId& operator=(SectionId&& other) noexcept;
+    ~SectionId() = default;
 
     /// The subsection with that name and number; invalid if this is the last level or the name holds a delimiter.
     SectionId CreateSectionId(std::string const& subsectionName, unsigned char const& subsectionId) const;
 
-    void Clear();
+    void Clear() noexcept;
 
     /// By packed id first, then by path, byte for byte.
     bool operator==(SectionId const& other) const noexcept;
@@ -55,7 +62,7 @@ public:
     }
 
     /// Number of levels; 0 for the invalid section.
-    unsigned int GetSectionDepth() const noexcept { return static_cast<unsigned int>(m_levelOffsets.size()); }
+    unsigned int GetSectionDepth() const noexcept { return m_levels.count; }
     unsigned int GetMaxNumInfoItemsInSection() const noexcept { return m_infoItemSectionId.MaxNumInfoItemsInSection(); }
 
     bool IsValid() const noexcept { return m_isValid; }
@@ -65,12 +72,19 @@ public:
 private:
     static constexpr unsigned int k_maxSectionLevels = 4;
 
-    void ParseSectionName_();
+    /// Where the name of each level starts.
+    struct Levels
+    {
+        std::array<unsigned int, k_maxSectionLevels> offsets{};
+        unsigned int count = 0;
+    };
+
+    void ParseSectionName_() noexcept;
     bool Validate_() const noexcept;
 
-    std::string m_sectionName;
+    std::string m_sectionName; // first, since its assignment alone can fail
     InfoItemSectionId m_infoItemSectionId;
-    std::vector<unsigned int> m_levelOffsets; // where the name of each level starts
+    Levels m_levels;
     bool m_isValid;
 };
 

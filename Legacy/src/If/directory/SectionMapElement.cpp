@@ -247,8 +247,10 @@ int SectionMapElement::FindInfo_(InfoItemSectionId const& id, std::string& path,
     auto const place = m_infosById.find(id);
     if (place == m_infosById.end())
         return IfErrNotFound;
-    path = m_sectionId.GetSectionName(Depth_());
-    name = place->second;
+    std::string foundPath = m_sectionId.GetSectionName();
+    std::string foundName = place->second;
+    path = std::move(foundPath); // both or none
+    name = std::move(foundName);
     return 0;
 }
 

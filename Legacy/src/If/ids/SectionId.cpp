@@ -1,6 +1,7 @@
 #include <Legacy/If/SectionId.h>
 
 #include <cstddef>
+#include <utility>
 
 namespace Legacy::If {
 
@@ -21,17 +22,28 @@ SectionId::SectionId(std::string const& name, InfoItemSectionId const& id)
         Clear();
 }
 
+SectionId::SectionId(SectionId&& other) noexcept : SectionId() { *this = std::move(other); }
+
+SectionId& SectionId::operator=(SectionId&& other) noexcept
+{
+    m_sectionName = std::exchange(other.m_sectionName, {});
+    m_infoItemSectionId = std::exchange(other.m_infoItemSectionId, k_noId);
+    m_levels = std::exchange(other.m_levels, {});
+    m_isValid = std::exchange(other.m_isValid, false);
+    return *this;
+}
+
 SectionId SectionId::CreateSectionId(std::string const& subsectionName, unsigned char const& subsectionId) const
 {
     return SectionId(m_sectionName + k_sectionDelim + subsectionName,
                      m_infoItemSectionId.CreateSectionId(subsectionId));
 }
 
-void SectionId::Clear()
+void SectionId::Clear() noexcept
 {
     m_sectionName.clear();
     m_infoItemSectionId.Clear();
-    m_levelOffsets.clear();
+    m_levels = {};
     m_isValid = false;
 }
 
@@ -53,30 +65,32 @@ std::string SectionId::GetSectionName(unsigned int level) const
         return {};
     if (level == GetSectionDepth())
         return m_sectionName;
-    return m_sectionName.substr(0, m_levelOffsets[level] - 1); // without the delimiter before the next level
+    return m_sectionName.substr(0, m_levels.offsets[level] - 1); // without the delimiter before the next level
 }
 
 std::string SectionId::GetSubsectionName(unsigned int level) const
 {
     if (!m_isValid || level == 0 || level > GetSectionDepth())
         return {};
-    unsigned int const start = m_levelOffsets[level - 1];
+    unsigned int const start = m_levels.offsets[level - 1];
     if (level == GetSectionDepth())
         return m_sectionName.substr(start);
-    return m_sectionName.substr(start, m_levelOffsets[level] - start - 1);
+    return m_sectionName.substr(start, m_levels.offsets[level] - start - 1);
 }
 
-void SectionId::ParseSectionName_()
+void SectionId::ParseSectionName_() noexcept
 {
-    m_levelOffsets.clear();
-    m_levelOffsets.reserve(k_maxSectionLevels);
+    auto const add = [this](std::size_t offset) {
+        m_levels.offsets[m_levels.count++] = static_cast<unsigned int>(offset);
+    };
+    m_levels = {};
     if (m_sectionName.empty())
         return;
     if (m_sectionName.front() != k_sectionDelim)
-        m_levelOffsets.push_back(0);
+        add(0);
     std::size_t delim = m_sectionName.find(k_sectionDelim);
-    while (delim != std::string::npos && m_levelOffsets.size() < k_maxSectionLevels) {
-        m_levelOffsets.push_back(static_cast<unsigned int>(delim + 1));
+    while (delim != std::string::npos && m_levels.count < k_maxSectionLevels) {
+        add(delim + 1);
         delim = m_sectionName.find(k_sectionDelim, delim + 1);
     }
 }

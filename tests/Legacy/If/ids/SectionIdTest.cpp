@@ -121,7 +121,11 @@ TEST(SectionId, IsInvalidUnlessPathAndIdAgree)
         EXPECT_TRUE(id == SectionId() && id.GetInfoItemSectionId() == k_none);
         EXPECT_EQ(id.GetSectionName() + id.GetSubsectionName(1) + id.GetSectionName(1), "");
     }
-    EXPECT_EQ(a.CreateSectionId("b", 1), SectionId("a/b", IdOfDepth(2)));
+    SectionId b = a.CreateSectionId("b", 1);
+    EXPECT_EQ(b, SectionId("a/b", IdOfDepth(2)));
+    SectionId const taken = std::move(b); // which leaves nothing that does not agree
+    EXPECT_TRUE(b == SectionId() && !b.IsValid() && b.GetSectionDepth() == 0);
+    EXPECT_EQ(taken.GetSubsectionName(2), "b");
 }
 
 template<typename Key, std::size_t n>
