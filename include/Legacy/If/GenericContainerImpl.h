@@ -1,16 +1,13 @@
 #pragma once
 
+#include <Legacy/If/Detail/ContainerStore.h>
 #include <Legacy/If/Export.h>
 #include <Legacy/If/InfoItemHolderDefs.h>
 #include <Legacy/If/ReturnCodes.h>
 #include <Legacy/If/Section.h>
 
-#include <boost/multi_index/hashed_index.hpp>
-#include <boost/multi_index/ordered_index.hpp>
-#include <boost/multi_index_container.hpp>
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 
-#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -58,47 +55,7 @@ public:
     unsigned int Size() const;
 
 private:
-    /// An element beside what the indices ask it for again and again: its key, if that is a number, and the hash of its
-    /// name.
-    struct Entry
-    {
-        Ptr element;
-        unsigned int number = 0;
-        unsigned int nameHash = 0;
-
-        explicit Entry(Ptr const& stored);
-        operator Ptr const&() const noexcept { return element; }
-        operator ConstPtr() const noexcept { return element; }
-    };
-    /// A name to search for, or that of an element.
-    struct Name
-    {
-        std::string const* text;
-        unsigned int hash;
-
-        explicit Name(std::string const& name);
-        explicit Name(Entry const& entry);
-        bool operator==(Name const& other) const;
-    };
-    struct KeyOf
-    {
-        using result_type = Key;
-        Key const& operator()(Entry const& entry) const;
-    };
-    struct NameOf
-    {
-        using result_type = Name;
-        Name operator()(Entry const& entry) const;
-    };
-    struct HashOf
-    {
-        std::size_t operator()(Key const& key) const;
-        std::size_t operator()(Name const& name) const;
-    };
-    using Store = boost::multi_index_container<
-        Entry, boost::multi_index::indexed_by<boost::multi_index::ordered_unique<KeyOf>,
-                                              boost::multi_index::hashed_unique<KeyOf, HashOf>,
-                                              boost::multi_index::hashed_non_unique<NameOf, HashOf>>>;
+    using Store = Detail::ContainerStore<Ptr, Key>;
 
     Store m_store;
 };

@@ -4,6 +4,7 @@
 #include <Legacy/If/InfoItemHolderContainer.h>
 #include <Orlek/IntrusiveBaseMT.h>
 
+#include <atomic>
 #include <cstddef>
 #include <iosfwd>
 #include <string>
@@ -12,8 +13,7 @@ namespace Legacy::If {
 
 /// Key of an application's section: a number and a text. Not the packed id of a directory's section.
 ///
-/// The hash is computed on first use and kept in the key and its copies, without a lock: one key may not be hashed for
-/// the first time by two threads at once.
+/// The hash is computed on first use and kept in the key and its copies; many threads may ask for it at once.
 struct LEGACY_IF_API SectionId_t
 {
 public:
@@ -31,10 +31,25 @@ public:
     unsigned int hash_value() const;
 
 private:
+    /// One word, so that a hash is there whole or not at all; 0 until it is known, so that a hash of 0 is never kept.
+    struct KeptHash
+    {
+        KeptHash() noexcept = default;
+        KeptHash(KeptHash const& other) noexcept : word(other.Get()) {}
+        KeptHash& operator=(KeptHash const& other) noexcept
+        {
+            Set(other.Get());
+            return *this;
+        }
+        unsigned int Get() const noexcept { return word.load(std::memory_order_relaxed); }
+        void Set(unsigned int hash) noexcept { word.store(hash, std::memory_order_relaxed); }
+
+        std::atomic<unsigned int> word{0};
+    };
+
     unsigned int m_primaryId;
     std::string m_secondaryId;
-    mutable unsigned int m_hashValue = 0;
-    mutable bool m_hashValid = false;
+    mutable KeptHash m_hash;
 };
 
 /// The same, where `boost::hash` finds it.
@@ -71,7 +86,7 @@ public:
     unsigned int SetFlags(unsigned int mask) noexcept { return m_flags |= mask; }
     unsigned int ClearFlags(unsigned int mask) noexcept { return m_flags &= ~mask; }
 
-    bool operator==(SectionId_t const& id) const noexcept { return m_id == id; }
+    bool operator==(SectionId_t const& id) const noexcept;
     bool operator==(std::string const& name) const noexcept { return m_name == name; }
 
 private:

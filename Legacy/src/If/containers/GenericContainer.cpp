@@ -1,39 +1,24 @@
-#include "containers/PlaceIndex.h"
+#include "core/ReserveMore.h"
 
 #include <Legacy/If/GenericContainer.h>
 #include <Legacy/If/GenericContainerImpl.h>
 #include <Legacy/If/InfoItemContainer.h>
 #include <Legacy/If/InfoItemHolderContainer.h>
 
-#include <boost/container_hash/hash.hpp>
-
-#include <cstdint>
 #include <memory>
-#include <type_traits>
 #include <utility>
 
 namespace Legacy::If {
 
 namespace {
 
-/// What an element goes by: the element itself, or what a holder holds.
-template<typename Element>
-auto const* Subject(Element const& element)
-{
-    if constexpr (std::is_same_v<Element, InfoHolder>)
-        return element.GetInfo().get();
-    else if constexpr (std::is_same_v<Element, ItemHolder>)
-        return element.GetItem().get();
-    else
-        return &element;
-}
-
 template<typename Ptr>
 bool IsStorable(Ptr const& element)
 {
-    return element && Subject(*element);
+    return element && Detail::Subject(*element);
 }
 
+/// Makes room for all elements, the length of what was asked for notwithstanding.
 template<typename Pointer>
 void Reserve(std::vector<Pointer>& elements, std::size_t size)
 {
@@ -41,68 +26,18 @@ void Reserve(std::vector<Pointer>& elements, std::size_t size)
         elements.reserve(size);
 }
 
+/// By a loop, since the vector's own insertion would walk the tree once more to count it.
+template<typename Store, typename Pointer>
+void AppendAll(Store const& store, std::vector<Pointer>& elements)
+{
+    Detail::ReserveMore(elements, store.size());
+    for (auto const& stored : store)
+        elements.emplace_back(stored.element);
+}
+
 } // namespace
 
 // The storage.
-
-template<typename Element, typename Ptr, typename ConstPtr, typename Key>
-GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Entry::Entry(Ptr const& stored)
-    : element(stored), nameHash(Detail::TagOf(Subject(*stored)->GetName()))
-{
-    if constexpr (std::is_integral_v<Key>)
-        number = Subject(*stored)->GetId();
-}
-
-template<typename Element, typename Ptr, typename ConstPtr, typename Key>
-GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Name::Name(std::string const& name)
-    : text(&name), hash(Detail::TagOf(name))
-{}
-
-template<typename Element, typename Ptr, typename ConstPtr, typename Key>
-GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Name::Name(Entry const& entry)
-    : text(&Subject(*entry.element)->GetName()), hash(entry.nameHash)
-{}
-
-template<typename Element, typename Ptr, typename ConstPtr, typename Key>
-bool GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Name::operator==(Name const& other) const
-{
-    return hash == other.hash && *text == *other.text;
-}
-
-template<typename Element, typename Ptr, typename ConstPtr, typename Key>
-Key const& GenericContainerImpl<Element, Ptr, ConstPtr, Key>::KeyOf::operator()(Entry const& entry) const
-{
-    if constexpr (std::is_integral_v<Key>)
-        return entry.number;
-    else
-        return Subject(*entry.element)->GetId();
-}
-
-template<typename Element, typename Ptr, typename ConstPtr, typename Key>
-typename GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Name
-GenericContainerImpl<Element, Ptr, ConstPtr, Key>::NameOf::operator()(Entry const& entry) const
-{
-    return Name(entry);
-}
-
-// Packed ids differ in a few high bits and a few low ones, and taken as they are they crowd a small part of the
-// buckets. The product spreads them: its high half depends on all bits of the key.
-template<typename Element, typename Ptr, typename ConstPtr, typename Key>
-std::size_t GenericContainerImpl<Element, Ptr, ConstPtr, Key>::HashOf::operator()(Key const& key) const
-{
-    if constexpr (std::is_integral_v<Key>) {
-        std::uint64_t const product = std::uint64_t{key} * 0x9E3779B97F4A7C15U;
-        return static_cast<std::size_t>(product >> 32 ^ product);
-    } else {
-        return boost::hash<Key>()(key);
-    }
-}
-
-template<typename Element, typename Ptr, typename ConstPtr, typename Key>
-std::size_t GenericContainerImpl<Element, Ptr, ConstPtr, Key>::HashOf::operator()(Name const& name) const
-{
-    return name.hash;
-}
 
 template<typename Element, typename Ptr, typename ConstPtr, typename Key>
 GenericContainerImpl<Element, Ptr, ConstPtr, Key>::GenericContainerImpl() = default;
@@ -125,8 +60,8 @@ GenericContainerImpl<Element, Ptr, ConstPtr, Key>* GenericContainerImpl<Element,
     store.template get<1>().rehash(m_store.template get<1>().bucket_count());
     store.template get<2>().rehash(m_store.template get<2>().bucket_count());
     // The walk is in key order, so each copy goes to the end.
-    for (Entry const& entry : m_store) {
-        Ptr const element(entry.element->DeepCopy());
+    for (auto const& stored : m_store) {
+        Ptr const element(stored.element->DeepCopy());
         if (IsStorable(element)) // the holders of applications may give no copy
             store.emplace_hint(store.end(), element);
     }
@@ -145,9 +80,18 @@ template<typename Element, typename Ptr, typename ConstPtr, typename Key>
 int GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Add(std::vector<Ptr> const& elements)
 {
     for (Ptr const& element : elements)
-        if (IsStorable(element) && IsPresent(Subject(*element)->GetId()))
+        if (IsStorable(element) && IsPresent(Detail::Subject(*element)->GetId()))
             return IfErrDuplicateId;
-    Set(elements);
+    auto next = elements.begin();
+    try {
+        for (; next != elements.end(); ++next)
+            Set(*next);
+    } catch (...) {
+        for (auto added = elements.begin(); added != next; ++added) // all were new
+            if (IsStorable(*added))
+                m_store.template get<1>().erase(Detail::Hashed<Key>::Of(Detail::Subject(**added)->GetId()));
+        throw;
+    }
     return 0;
 }
 
@@ -157,11 +101,11 @@ void GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Set(Ptr const& element)
     if (!IsStorable(element))
         return;
     auto& byKey = m_store.template get<1>();
-    auto const place = byKey.find(Subject(*element)->GetId());
+    auto const place = byKey.find(Detail::Hashed<Key>::Of(Detail::Subject(*element)->GetId()));
     if (place == byKey.end())
         byKey.emplace(element);
     else
-        byKey.replace(place, Entry(element));
+        byKey.replace(place, typename Store::value_type(element));
 }
 
 template<typename Element, typename Ptr, typename ConstPtr, typename Key>
@@ -175,7 +119,7 @@ template<typename Element, typename Ptr, typename ConstPtr, typename Key>
 Ptr GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Get(Key const& key) const
 {
     auto const& byKey = m_store.template get<1>();
-    auto const place = byKey.find(key);
+    auto const place = byKey.find(Detail::Hashed<Key>::Of(key));
     return place == byKey.end() ? Ptr() : place->element;
 }
 
@@ -203,22 +147,20 @@ int GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Get(std::vector<Key> cons
 template<typename Element, typename Ptr, typename ConstPtr, typename Key>
 void GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Get(std::vector<Ptr>& elements) const
 {
-    Reserve(elements, m_store.size());
-    elements.insert(elements.end(), m_store.begin(), m_store.end());
+    AppendAll(m_store, elements);
 }
 
 template<typename Element, typename Ptr, typename ConstPtr, typename Key>
 void GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Get(std::vector<ConstPtr>& elements) const
 {
-    Reserve(elements, m_store.size());
-    elements.insert(elements.end(), m_store.begin(), m_store.end());
+    AppendAll(m_store, elements);
 }
 
 template<typename Element, typename Ptr, typename ConstPtr, typename Key>
 Ptr GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Find(std::string const& name) const
 {
     auto const& byName = m_store.template get<2>();
-    auto const place = byName.find(Name(name));
+    auto const place = byName.find(Detail::Hashed<std::string>::Of(name));
     return place == byName.end() ? Ptr() : place->element;
 }
 
@@ -228,7 +170,7 @@ bool GenericContainerImpl<Element, Ptr, ConstPtr, Key>::FindId(std::string const
     Ptr const element = Find(name);
     if (!element)
         return false;
-    key = Subject(*element)->GetId();
+    key = Detail::Subject(*element)->GetId();
     return true;
 }
 
@@ -236,13 +178,13 @@ template<typename Element, typename Ptr, typename ConstPtr, typename Key>
 bool GenericContainerImpl<Element, Ptr, ConstPtr, Key>::IsPresent(Key const& key) const
 {
     auto const& byKey = m_store.template get<1>();
-    return byKey.find(key) != byKey.end();
+    return byKey.find(Detail::Hashed<Key>::Of(key)) != byKey.end();
 }
 
 template<typename Element, typename Ptr, typename ConstPtr, typename Key>
 int GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Remove(Key key)
 {
-    return m_store.template get<1>().erase(key) != 0 ? 0 : IfErrNotFound;
+    return m_store.template get<1>().erase(Detail::Hashed<Key>::Of(key)) != 0 ? 0 : IfErrNotFound;
 }
 
 template<typename Element, typename Ptr, typename ConstPtr, typename Key>
@@ -252,7 +194,7 @@ int GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Remove(std::vector<Key> c
         if (!IsPresent(key))
             return IfErrNotFound;
     for (Key const& key : keys)
-        m_store.template get<1>().erase(key);
+        m_store.template get<1>().erase(Detail::Hashed<Key>::Of(key));
     return 0;
 }
 

@@ -105,7 +105,7 @@ void InfoItemHolderMap::EraseName_(InfoItemHolder const& holder) noexcept
     if (place == last)
         return;
     if (place == first) {
-        std::uint32_t const tag = Detail::TagOf(info.GetName());
+        std::uint32_t const tag = Detail::SeededHash(info.GetName());
         m_lookup->firstOfName.Erase(tag, first);
         if (auto const next = std::next(first); next != last) {
             m_lookup->othersOfName.Erase(InfoOf(*next->second).GetId(), next);
@@ -156,7 +156,7 @@ InfoItemHolderMap::Find_(std::string const& name)
 {
     EnterPending_();
     auto const* const first =
-        m_lookup->firstOfName.Find(Detail::TagOf(name), [&](auto const& place) { return place->first == name; });
+        m_lookup->firstOfName.Find(Detail::SeededHash(name), [&](auto const& place) { return place->first == name; });
     if (!first)
         return m_lookup->firstOfName.IsComplete() ? std::pair(m_holdersByName.end(), m_holdersByName.end())
                                                   : m_holdersByName.equal_range(name);
@@ -182,7 +182,7 @@ void InfoItemHolderMap::EnterPending_()
             InfoBase const& info = InfoOf(**next);
             auto const place = m_holdersByName.emplace_hint(m_holdersByName.end(), info.GetName(), *next);
             if (place == m_holdersByName.begin() || std::prev(place)->first != info.GetName())
-                m_lookup->firstOfName.Insert(Detail::TagOf(info.GetName()), place);
+                m_lookup->firstOfName.Insert(Detail::SeededHash(info.GetName()), place);
             else
                 m_lookup->othersOfName.Insert(info.GetId(), place);
         }

@@ -1,11 +1,11 @@
 #pragma once
 
+#include <Legacy/If/Detail/SeededHash.h>
+
 #include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
-#include <string_view>
 #include <vector>
 
 namespace Legacy::If::Detail {
@@ -93,10 +93,7 @@ private:
     static constexpr std::size_t k_firstSize = 8;
     static constexpr std::size_t k_reach = 128;
 
-    std::size_t Home_(std::uint32_t tag) const noexcept
-    {
-        return static_cast<std::size_t>(tag * 0x9E3779B97F4A7C15U >> m_shift);
-    }
+    std::size_t Home_(std::uint32_t tag) const noexcept { return static_cast<std::size_t>(SeededMix(tag) >> m_shift); }
     template<typename IsIt>
     std::size_t FindSlot_(std::uint32_t tag, IsIt&& isIt) const
     {
@@ -118,11 +115,5 @@ private:
     int m_shift = 0;
     bool m_isComplete = true;
 };
-
-/// The tag of a text.
-inline std::uint32_t TagOf(std::string_view text) noexcept
-{
-    return static_cast<std::uint32_t>(std::hash<std::string_view>()(text));
-}
 
 } // namespace Legacy::If::Detail

@@ -1,3 +1,4 @@
+#include <Legacy/If/Detail/ContainerStore.h>
 #include <Legacy/If/Section.h>
 
 #include <boost/container_hash/hash.hpp>
@@ -14,24 +15,25 @@ SectionId_t::SectionId_t(unsigned int const& primaryId, std::string const& secon
 
 bool SectionId_t::operator<(SectionId_t other) const noexcept
 {
-    return m_primaryId != other.m_primaryId ? m_primaryId < other.m_primaryId : m_secondaryId < other.m_secondaryId;
+    return Detail::PartsOf(*this) < Detail::PartsOf(other);
 }
-
 bool SectionId_t::operator==(SectionId_t other) const noexcept
 {
-    return m_primaryId == other.m_primaryId && m_secondaryId == other.m_secondaryId;
+    return Detail::PartsOf(*this) == Detail::PartsOf(other);
 }
-
-bool SectionId_t::operator!=(SectionId_t other) const noexcept { return !(*this == std::move(other)); }
+bool SectionId_t::operator!=(SectionId_t other) const noexcept
+{
+    return Detail::PartsOf(*this) != Detail::PartsOf(other);
+}
 
 unsigned int SectionId_t::hash_value() const
 {
-    if (!m_hashValid) {
-        m_hashValue =
-            static_cast<unsigned int>(boost::hash_range(m_secondaryId.begin(), m_secondaryId.end())) + m_primaryId;
-        m_hashValid = true;
+    unsigned int hash = m_hash.Get();
+    if (hash == 0) {
+        hash = static_cast<unsigned int>(boost::hash_range(m_secondaryId.begin(), m_secondaryId.end())) + m_primaryId;
+        m_hash.Set(hash);
     }
-    return m_hashValue;
+    return hash;
 }
 
 std::size_t hash_value(SectionId_t const& id) { return id.hash_value(); }
@@ -43,6 +45,8 @@ Section::Section(SectionId_t const& id, std::string const& name, unsigned int fl
 Section::Section(Section const& other) = default;
 Section& Section::operator=(Section const& other) = default;
 Section::~Section() = default;
+
+bool Section::operator==(SectionId_t const& id) const noexcept { return Detail::PartsOf(m_id) == Detail::PartsOf(id); }
 
 std::ostream& operator<<(std::ostream& os, Section const& section)
 {

@@ -37,7 +37,8 @@ void CopyChildren(Map& children)
 template<typename Map, typename Index>
 typename Map::const_iterator FindName(Map const& map, Index const& index, std::string_view name)
 {
-    auto const* const place = index.Find(Detail::TagOf(name), [&](auto const& other) { return other->first == name; });
+    auto const* const place =
+        index.Find(Detail::SeededHash(name), [&](auto const& other) { return other->first == name; });
     if (place)
         return *place;
     return index.IsComplete() ? map.end() : map.find(name);
@@ -59,7 +60,7 @@ struct SectionMapElement::Lookup
         } catch (std::bad_alloc const&) {
             return; // the long way remains
         }
-        paths.Insert(Detail::TagOf(section->m_sectionId.GetSectionName()), section);
+        paths.Insert(Detail::SeededHash(section->m_sectionId.GetSectionName()), section);
     }
 
     /// Called before the maps are changed, since it may fail; what follows cannot.
@@ -88,11 +89,11 @@ SectionMapElement::SectionMapElement(SectionMapElement const& other)
     }
     for (auto place = m_subsectionsByName.cbegin(); place != m_subsectionsByName.cend(); ++place) {
         m_lookup->subsections.MakeRoom();
-        m_lookup->subsections.Insert(Detail::TagOf(place->first), place);
+        m_lookup->subsections.Insert(Detail::SeededHash(place->first), place);
     }
     for (auto place = m_infosByName.cbegin(); place != m_infosByName.cend(); ++place) {
         m_lookup->infos.MakeRoom();
-        m_lookup->infos.Insert(Detail::TagOf(place->first), place);
+        m_lookup->infos.Insert(Detail::SeededHash(place->first), place);
     }
 }
 
@@ -306,7 +307,7 @@ int SectionMapElement::AddNewSectionMapElement_(SectionId const& child, Child& e
         m_subsectionsByName.erase(place);
         throw;
     }
-    m_lookup->subsections.Insert(Detail::TagOf(place->first), place);
+    m_lookup->subsections.Insert(Detail::SeededHash(place->first), place);
     m_lookup->subsectionsById[sub] = created.get();
     element = std::move(created);
     return 0;
@@ -330,7 +331,7 @@ int SectionMapElement::AddNewInfo_(InfoItemSectionId const& id, std::string cons
         m_infosByName.erase(byName);
         return IfErrAlreadyExists;
     }
-    m_lookup->infos.Insert(Detail::TagOf(byName->first), byName);
+    m_lookup->infos.Insert(Detail::SeededHash(byName->first), byName);
     return 0;
 }
 
@@ -407,7 +408,7 @@ int SectionMapElement::Descend_(Self& self, std::string_view path, Self*& elemen
         return self.m_isRoot ? IfErrNotFound : 0;
     }
     auto const isIt = [&](SectionMapElement* section) { return section->m_sectionId.GetSectionName() == path; };
-    if (auto const* const known = self.m_lookup->paths.Find(Detail::TagOf(path), isIt)) {
+    if (auto const* const known = self.m_lookup->paths.Find(Detail::SeededHash(path), isIt)) {
         element = *known;
         return 0;
     }

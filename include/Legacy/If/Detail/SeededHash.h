@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace Legacy::If::Detail {
+
+/// What this process mixes into the hashes of its tables. It is drawn anew for each process, so that nobody who sends
+/// names or ids can know which of them would meet in one place.
+struct HashSeed
+{
+    std::uint64_t text[2];
+    std::uint64_t factor;
+    std::uint64_t summand;
+
+    static HashSeed const& OfProcess() noexcept
+    {
+        static HashSeed const seed = Draw();
+        return seed;
+    }
+
+private:
+    static HashSeed Draw() noexcept;
+};
+
+/// The upper bits are good ones. In this process only, as all hashes here.
+inline std::uint64_t SeededMix(std::uint32_t number) noexcept
+{
+    HashSeed const& seed = HashSeed::OfProcess();
+    std::uint64_t const mixed = number * seed.factor + seed.summand;
+    return (mixed ^ mixed >> 32) * 0x9E3779B97F4A7C15U; // numbers in even steps must not end up in even steps
+}
+
+inline std::uint32_t SeededHash(std::uint32_t number) noexcept
+{
+    return static_cast<std::uint32_t>(SeededMix(number) >> 32);
+}
+
+/// SipHash with one round for each block and three at the end.
+std::uint32_t SeededHash(std::string_view text) noexcept;
+
+} // namespace Legacy::If::Detail

@@ -1,0 +1,79 @@
+#include "containers/PlaceIndex.h"
+
+#include <Legacy/If/Detail/ContainerStore.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <deque>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Keys and names that all meet in one place under a hash that anybody can compute.
+namespace Legacy::If::Detail {
+namespace {
+
+constexpr unsigned int k_count = 600;
+constexpr unsigned int k_buckets = 769; // what so many elements stand in
+
+/// The first numbers that the hash puts into the first of the buckets.
+template<typename Hash>
+std::vector<unsigned int> Crowd(Hash&& hash)
+{
+    std::vector<unsigned int> numbers;
+    for (unsigned int number = 0; numbers.size() < k_count; ++number)
+        if (hash(number) % k_buckets == 0)
+            numbers.push_back(number);
+    return numbers;
+}
+
+std::uint64_t Spread(unsigned int number) { return number * 0x9E3779B97F4A7C15U; }
+
+/// Counts how often a search looks at an element.
+struct Element
+{
+    SectionId_t id;
+    std::string name;
+    static inline unsigned int s_steps = 0;
+
+    SectionId_t const& GetId() const { return ++s_steps, id; }
+    std::string const& GetName() const { return ++s_steps, name; }
+};
+
+TEST(HostileKeys, CrowdNoContainer)
+{
+    auto const text = [](unsigned int number) { return "name " + std::to_string(number); };
+    auto const names = Crowd(
+        [&](unsigned int number) { return static_cast<std::uint32_t>(std::hash<std::string_view>()(text(number))); });
+    std::deque<Element> elements;
+    ContainerStore<Element*, SectionId_t> store;
+    for (unsigned int const name : names) {
+        SectionId_t const key(0U - SectionId_t(0, text(name)).hash_value(), text(name)); // whose hash is 0
+        store.emplace(&elements.emplace_back(Element{key, text(name)}));
+    }
+    for (auto const& element : elements) {
+        EXPECT_EQ(store.get<1>().find(Hashed<SectionId_t>::Of(element.id))->element, &element);
+        EXPECT_EQ(store.get<2>().find(Hashed<std::string>::Of(element.name))->element, &element);
+    }
+    EXPECT_LT(Element::s_steps, k_count * 60);
+
+    std::vector<unsigned int> inBucket(k_buckets);
+    for (unsigned int const id : Crowd([](unsigned int id) { return Spread(id) >> 32 ^ Spread(id); }))
+        ++inBucket[hash_value(Hashed<unsigned int>::Of(id)) % k_buckets];
+    EXPECT_LT(*std::ranges::max_element(inBucket), 20U);
+}
+
+TEST(HostileKeys, LeaveAPlaceIndexComplete)
+{
+    PlaceIndex<unsigned int> index;
+    for (unsigned int const id : Crowd([](unsigned int id) { return Spread(id) >> (64 - 11); })) {
+        index.MakeRoom();
+        index.Insert(id, id);
+    }
+    EXPECT_TRUE(index.IsComplete());
+}
+
+} // namespace
+} // namespace Legacy::If::Detail
