@@ -15,6 +15,11 @@
 
 namespace Legacy::If {
 
+namespace Detail {
+template<typename Place>
+class PlaceIndex;
+}
+
 /// One node of the section tree: a section, its subsections and the names and ids of its parameters, or the root, which
 /// is no section and holds no parameters. The operations are those of #SectionMap, seen from this node; they lead down
 /// at most four levels.
@@ -56,7 +61,7 @@ private:
     friend class SectionMap;
 
     using Child = std::shared_ptr<SectionMapElement>;
-    struct Lookup;
+    using PathIndex = Detail::PlaceIndex<SectionMapElement*>;
 
     unsigned int Depth_() const noexcept { return m_sectionId.GetSectionDepth(); }
     int AddNewSectionMapElement_(SectionId const& child, Child& element);
@@ -76,8 +81,10 @@ private:
     std::map<unsigned char, Child> m_subsectionsById;
     std::map<std::string, InfoItemSectionId, std::less<>> m_infosByName;
     std::map<InfoItemSectionId, std::string> m_infosById;
-    std::unique_ptr<Lookup> m_lookup; // finds in the maps
     bool m_isRoot;
+    std::vector<SectionMapElement*> m_subsections; // by id, null where there is none
+    std::unique_ptr<PathIndex> m_ownPaths;         // of a root: its sections by their paths
+    PathIndex* m_paths = nullptr;                  // of the root that this node came to stand under
 };
 
 } // namespace Legacy::If

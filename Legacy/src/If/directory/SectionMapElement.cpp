@@ -3,7 +3,6 @@
 
 #include <Legacy/If/SectionMapElement.h>
 
-#include <new>
 #include <utility>
 
 namespace Legacy::If {
@@ -33,73 +32,27 @@ void CopyChildren(Map& children)
         child.second = std::make_shared<SectionMapElement>(*child.second);
 }
 
-/// Finds in a map with names as keys, by its index where that can tell.
-template<typename Map, typename Index>
-typename Map::const_iterator FindName(Map const& map, Index const& index, std::string_view name)
-{
-    auto const* const place =
-        index.Find(Detail::SeededHash(name), [&](auto const& other) { return other->first == name; });
-    if (place)
-        return *place;
-    return index.IsComplete() ? map.end() : map.find(name);
-}
-
 } // namespace
 
-struct SectionMapElement::Lookup
+SectionMapElement::SectionMapElement() : m_isRoot(true), m_ownPaths(std::make_unique<PathIndex>())
 {
-    Detail::PlaceIndex<decltype(m_subsectionsByName)::const_iterator> subsections;
-    Detail::PlaceIndex<decltype(m_infosByName)::const_iterator> infos;
-    std::vector<SectionMapElement*> subsectionsById; // null where there is none
-    Detail::PlaceIndex<SectionMapElement*> paths;    // of the root: sections that were once found by their own name
+    m_paths = m_ownPaths.get();
+}
 
-    void Remember(SectionMapElement* section)
-    {
-        try {
-            paths.MakeRoom();
-        } catch (std::bad_alloc const&) {
-            return; // the long way remains
-        }
-        paths.Insert(Detail::SeededHash(section->m_sectionId.GetSectionName()), section);
-    }
-
-    /// Called before the maps are changed, since it may fail; what follows cannot.
-    void MakeRoomForSubsection(unsigned char sub)
-    {
-        subsections.MakeRoom();
-        if (subsectionsById.size() <= sub)
-            subsectionsById.resize(sub + 1U);
-    }
-};
-
-SectionMapElement::SectionMapElement(SectionId const& sectionId)
-    : m_sectionId(sectionId), m_lookup(std::make_unique<Lookup>()), m_isRoot(false)
-{}
+SectionMapElement::SectionMapElement(SectionId const& sectionId) : m_sectionId(sectionId), m_isRoot(false) {}
 
 SectionMapElement::SectionMapElement(SectionMapElement const& other)
     : m_sectionId(other.m_sectionId), m_subsectionsByName(other.m_subsectionsByName),
       m_subsectionsById(other.m_subsectionsById), m_infosByName(other.m_infosByName), m_infosById(other.m_infosById),
-      m_lookup(std::make_unique<Lookup>()), m_isRoot(other.m_isRoot)
+      m_isRoot(other.m_isRoot), m_subsections(other.m_subsections.size())
 {
     CopyChildren(m_subsectionsByName);
     CopyChildren(m_subsectionsById);
-    for (auto const& [sub, child] : m_subsectionsById) {
-        m_lookup->MakeRoomForSubsection(sub);
-        m_lookup->subsectionsById[sub] = child.get();
-    }
-    for (auto place = m_subsectionsByName.cbegin(); place != m_subsectionsByName.cend(); ++place) {
-        m_lookup->subsections.MakeRoom();
-        m_lookup->subsections.Insert(Detail::SeededHash(place->first), place);
-    }
-    for (auto place = m_infosByName.cbegin(); place != m_infosByName.cend(); ++place) {
-        m_lookup->infos.MakeRoom();
-        m_lookup->infos.Insert(Detail::SeededHash(place->first), place);
-    }
+    for (auto const& [sub, child] : m_subsectionsById)
+        m_subsections[sub] = child.get();
 }
 
 SectionMapElement::~SectionMapElement() = default;
-
-SectionMapElement::SectionMapElement() : m_lookup(std::make_unique<Lookup>()), m_isRoot(true) {}
 
 int SectionMapElement::AddSection_(SectionId const& id)
 {
@@ -133,8 +86,7 @@ int SectionMapElement::AddSection_(std::string_view path, SectionId& section)
     ParseSectionName_(path, first, rest);
     if (first.empty())
         return IfErrInvalidArgument;
-    if (auto const place = FindName(m_subsectionsByName, m_lookup->subsections, first);
-        place != m_subsectionsByName.end()) {
+    if (auto const place = m_subsectionsByName.find(first); place != m_subsectionsByName.end()) {
         if (!rest.empty())
             return place->second->AddSection_(rest, section);
         section = place->second->m_sectionId;
@@ -224,7 +176,7 @@ int SectionMapElement::FindInfo_(std::string_view path, std::string_view name, I
     SectionMapElement const* element = nullptr;
     if (int const code = Descend_(*this, path, element))
         return code;
-    auto const place = FindName(element->m_infosByName, element->m_lookup->infos, name);
+    auto const place = element->m_infosByName.find(name);
     if (place == element->m_infosByName.end())
         return IfErrNotFound;
     id = place->second;
@@ -298,7 +250,10 @@ int SectionMapElement::AddNewSectionMapElement_(SectionId const& child, Child& e
     }
     if (hasName || hasId)
         return IfErrAlreadyExists;
-    m_lookup->MakeRoomForSubsection(sub);
+    if (m_subsections.size() <= sub)
+        m_subsections.resize(sub + 1U);
+    if (m_paths)
+        m_paths->MakeRoom();
     auto created = std::make_shared<SectionMapElement>(child);
     auto const place = m_subsectionsByName.emplace(std::move(name), created).first;
     try {
@@ -307,15 +262,17 @@ int SectionMapElement::AddNewSectionMapElement_(SectionId const& child, Child& e
         m_subsectionsByName.erase(place);
         throw;
     }
-    m_lookup->subsections.Insert(Detail::SeededHash(place->first), place);
-    m_lookup->subsectionsById[sub] = created.get();
+    m_subsections[sub] = created.get();
+    created->m_paths = m_paths;
+    // The name of the fourth level may hold delimiters. No search by path finds that section, since it splits there.
+    if (m_paths && place->first.find(SectionId::k_sectionDelim) == std::string::npos)
+        m_paths->Insert(Detail::SeededHash(child.GetSectionName()), created.get());
     element = std::move(created);
     return 0;
 }
 
 int SectionMapElement::AddNewInfo_(InfoItemSectionId const& id, std::string const& name, InfoItemSectionId& stored)
 {
-    m_lookup->infos.MakeRoom();
     auto const [byName, isNewName] = m_infosByName.try_emplace(name, id);
     stored = byName->second;
     if (!isNewName)
@@ -331,7 +288,6 @@ int SectionMapElement::AddNewInfo_(InfoItemSectionId const& id, std::string cons
         m_infosByName.erase(byName);
         return IfErrAlreadyExists;
     }
-    m_lookup->infos.Insert(Detail::SeededHash(byName->first), byName);
     return 0;
 }
 
@@ -370,7 +326,7 @@ int SectionMapElement::FindNextSectionMapElement_(std::string_view path, std::st
     ParseSectionName_(path, first, rest);
     if (first.empty())
         return IfErrInvalidArgument;
-    auto const place = FindName(m_subsectionsByName, m_lookup->subsections, first);
+    auto const place = m_subsectionsByName.find(first);
     if (place == m_subsectionsByName.end())
         return IfErrNotFound;
     next = place->second.get();
@@ -382,9 +338,9 @@ int SectionMapElement::FindNextSectionMapElement_(InfoItemSectionId const& id, S
     unsigned char const sub = id.GetSubsectionId(Depth_() + 1);
     if (sub == k_noSubsection)
         return IfErrInvalidArgument;
-    if (sub >= m_lookup->subsectionsById.size() || !m_lookup->subsectionsById[sub])
+    if (sub >= m_subsections.size() || !m_subsections[sub])
         return IfErrNotFound;
-    next = m_lookup->subsectionsById[sub];
+    next = m_subsections[sub];
     return 0;
 }
 
@@ -398,8 +354,8 @@ void SectionMapElement::ParseSectionName_(std::string_view path, std::string_vie
     rest = delim == std::string_view::npos ? std::string_view() : path.substr(delim + 1);
 }
 
-/// Leads down to the node of the section with that path, which is not the root. A path that was found before is known
-/// as a whole; no section ever moves or goes away.
+/// Leads down to the node of the section with that path, which is not the root. A root knows its sections by their own
+/// paths; another spelling takes the way through the levels.
 template<typename Self>
 int SectionMapElement::Descend_(Self& self, std::string_view path, Self*& element)
 {
@@ -407,18 +363,17 @@ int SectionMapElement::Descend_(Self& self, std::string_view path, Self*& elemen
         element = &self;
         return self.m_isRoot ? IfErrNotFound : 0;
     }
-    auto const isIt = [&](SectionMapElement* section) { return section->m_sectionId.GetSectionName() == path; };
-    if (auto const* const known = self.m_lookup->paths.Find(Detail::SeededHash(path), isIt)) {
-        element = *known;
-        return 0;
+    if (self.m_ownPaths) {
+        auto const isIt = [&](SectionMapElement* section) { return section->m_sectionId.GetSectionName() == path; };
+        if (auto const* const known = self.m_ownPaths->Find(Detail::SeededHash(path), isIt)) {
+            element = *known;
+            return 0;
+        }
     }
     SectionMapElement* next = nullptr;
-    std::string_view rest = path;
-    for (SectionMapElement const* from = &self; !rest.empty(); from = next)
-        if (int const code = from->FindNextSectionMapElement_(rest, rest, next))
+    for (SectionMapElement const* from = &self; !path.empty(); from = next)
+        if (int const code = from->FindNextSectionMapElement_(path, path, next))
             return code;
-    if (self.m_isRoot && isIt(next))
-        self.m_lookup->Remember(next);
     element = next;
     return 0;
 }

@@ -92,13 +92,14 @@ TEST(SectionMap, FindsSectionsByPathAndById)
 {
     SectionMap map;
     SectionId const abc = Added(map, "a/b/c");
+    EXPECT_EQ(map.AddSection({"a/b/c/d/e", 0xC000003F}), 0); // whose last level no path leads to
     Id const own = abc.GetInfoItemSectionId();
     for (auto const& [id, code] : {std::pair{own, 0},
                                    {own.CreateInfoItemId(9), 0}, // a parameter stands for its section
                                    {Id(k_none), IfErrInvalidArgument},
                                    {Id(0x3F000000), IfErrInvalidArgument}, // no class at all
                                    {Id(0x3FFFFFFF), IfErrNotFound},        // a wildcard
-                                   {own.CreateSectionId(0), IfErrNotFound}})
+                                   {own.CreateSectionId(1), IfErrNotFound}})
     {
         SectionId section = k_untouched;
         EXPECT_EQ(map.FindSection(id, section), code) << id;
@@ -108,9 +109,9 @@ TEST(SectionMap, FindsSectionsByPathAndById)
     }
     for (auto const& [path, code] : {std::pair{std::string("/a/b//c/"), 0},
                                      {"a/b/c", 0},
-                                     {"a/b/c", 0}, // known as a whole by now
                                      {"", IfErrNotFound},
                                      {"a/b/c/d", IfErrNotFound},
+                                     {"a/b/c/d/e", IfErrNotFound},
                                      {std::string(1 << 20, '/'), IfErrInvalidArgument}})
     {
         SectionId section = k_untouched;
