@@ -16,7 +16,7 @@ class LEGACY_IF_API GenericContainerImpl;
 ///
 /// Keys are unique, names need not be, and a null pointer is never stored. A holder of nothing has no key and counts as
 /// a null pointer. Each container owns its storage; the elements are shared with whoever else holds them, but a copy
-/// of a container holds copies of the elements. Not for two threads at once while one of them changes it.
+/// of a container holds copies of the elements. Const operations may run on many threads while none changes it.
 template<typename Element, typename Ptr, typename ConstPtr, typename Key>
 class LEGACY_IF_API GenericContainer
 {

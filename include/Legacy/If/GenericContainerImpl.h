@@ -16,8 +16,8 @@ namespace Legacy::If {
 /// The storage behind `GenericContainer`, and the container of sections: the same operations under the same rules,
 /// except that a copy of the storage shares the elements and only #DeepCopy copies them.
 ///
-/// This header alone shows how elements are stored; include it for a container of sections and nothing else. Not for
-/// two threads at once while one of them changes it.
+/// This header alone shows how elements are stored; include it for a container of sections and nothing else. Const
+/// operations may run on many threads while none changes it.
 template<typename Element, typename Ptr, typename ConstPtr, typename Key>
 class LEGACY_IF_API GenericContainerImpl
 {

@@ -26,7 +26,7 @@ struct FirstReference;
 /// Root of all schemas: what a parameter is called, who may touch it, and, in the families, what values it may take.
 ///
 /// Schemas are made with `new` and shared through `boost::intrusive_ptr`. A new object has the count 0: wrap it at
-/// once. Any thread may take and drop references; everything else about one object is for one thread at a time.
+/// once. Any thread may take and drop references; const operations may run on many threads while none changes it.
 class LEGACY_IF_API InfoBase
 {
     using Storage_ = Detail::CachedObject;

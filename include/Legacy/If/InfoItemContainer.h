@@ -16,7 +16,7 @@ extern template class LEGACY_IF_API
 extern template class LEGACY_IF_API
     GenericContainer<ItemBase, boost::intrusive_ptr<ItemBase>, boost::intrusive_ptr<ItemBase const>, unsigned int>;
 
-/// Schemas by id and by name. Not for two threads at once while one of them changes it.
+/// Schemas by id and by name.
 class LEGACY_IF_API InfoContainer : public GenericContainer<InfoBase, boost::intrusive_ptr<InfoBase>,
                                                             boost::intrusive_ptr<InfoBase const>, unsigned int>
 {
@@ -27,8 +27,7 @@ public:
     InfoContainer const& operator=(InfoContainer const& other);
 };
 
-/// Values by id. They have no names of their own: all are found under the empty name. Not for two threads at once while
-/// one of them changes it.
+/// Values by id. They have no names of their own: all are found under the empty name.
 class LEGACY_IF_API ItemContainer : public GenericContainer<ItemBase, boost::intrusive_ptr<ItemBase>,
                                                             boost::intrusive_ptr<ItemBase const>, unsigned int>
 {
@@ -39,8 +38,7 @@ public:
     ItemContainer const& operator=(ItemContainer const& other);
 };
 
-/// Schemas and values side by side. Nothing ties the ones to the others. A copy holds copies of all objects. Not for
-/// two threads at once while one of them changes it.
+/// Schemas and values side by side. Nothing ties the ones to the others. A copy holds copies of all objects.
 class LEGACY_IF_API InfoItemContainer
 {
 public:

@@ -25,7 +25,8 @@ class SectionMap;
 /// Applications derive from the directory to be told of changes.
 ///
 /// Copies share sections and parameters: a change through one is a change through all, and only the hook of the object
-/// that was called runs. One thread at a time may use a directory and all its copies, readers included.
+/// that was called runs. Const operations may run on many threads while none changes the directory or one of its
+/// copies.
 class LEGACY_IF_API InfoItemDirectory
 {
 public:

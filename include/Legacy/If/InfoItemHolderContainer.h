@@ -15,7 +15,7 @@ extern template class LEGACY_IF_API GenericContainer<InfoHolder, boost::intrusiv
 extern template class LEGACY_IF_API GenericContainer<ItemHolder, boost::intrusive_ptr<ItemHolder>,
                                                      boost::intrusive_ptr<ItemHolder const>, unsigned int>;
 
-/// Holders of schemas by the id and the name of the schema. Not for two threads at once while one of them changes it.
+/// Holders of schemas by the id and the name of the schema.
 class LEGACY_IF_API InfoHolderContainer : public GenericContainer<InfoHolder, boost::intrusive_ptr<InfoHolder>,
                                                                   boost::intrusive_ptr<InfoHolder const>, unsigned int>
 {
@@ -26,8 +26,7 @@ public:
     InfoHolderContainer const& operator=(InfoHolderContainer const& other);
 };
 
-/// Holders of values by the id of the value. Values have no names: all are found under the empty one. Not for two
-/// threads at once while one of them changes it.
+/// Holders of values by the id of the value. Values have no names: all are found under the empty one.
 class LEGACY_IF_API ItemHolderContainer : public GenericContainer<ItemHolder, boost::intrusive_ptr<ItemHolder>,
                                                                   boost::intrusive_ptr<ItemHolder const>, unsigned int>
 {
@@ -39,7 +38,7 @@ public:
 };
 
 /// Holders of schemas and of values side by side. Nothing ties the ones to the others. A copy holds copies of all
-/// holders. Not for two threads at once while one of them changes it.
+/// holders.
 class LEGACY_IF_API InfoItemHolderContainer
 {
 public:

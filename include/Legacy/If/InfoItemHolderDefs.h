@@ -14,8 +14,8 @@ namespace Legacy::If {
 /// An envelope round one schema. Applications derive from it to give a parameter data and behaviour of their own; the
 /// library reads the schema, copies the holder, and leaves everything else to the application.
 ///
-/// Made with `new` with the count 0: wrap it at once. Any thread may take and drop references; the rest is for one
-/// thread at a time.
+/// Made with `new` with the count 0: wrap it at once. Any thread may take and drop references, and const
+/// operations may run on many threads.
 class LEGACY_IF_API InfoHolder : public Orlek::IntrusiveBaseMT
 {
 public:
@@ -68,7 +68,7 @@ private:
 
 /// One parameter of a directory: its schema and, once one is set, its value.
 ///
-/// Made with `new` with the count 0: wrap it at once. It may be shared between threads as long as nobody calls
+/// Made with `new` with the count 0: wrap it at once. It may be shared between threads while none calls
 /// #SetInfo or #SetItem.
 class LEGACY_IF_API InfoItemHolder : public Orlek::IntrusiveBaseMT
 {

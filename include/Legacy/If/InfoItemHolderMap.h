@@ -51,7 +51,7 @@ extern template class LEGACY_IF_API MapIterator<unsigned int, boost::intrusive_p
 /// The parameters of a directory by id and by name. Ids are unique; parameters of different sections may bear one name.
 /// The base walks them in ascending id order.
 ///
-/// One thread at a time.
+/// Const operations may run on many threads while none changes the map; the search by name is not one of them.
 class LEGACY_IF_API InfoItemHolderMap : public MapIterator<unsigned int, boost::intrusive_ptr<InfoItemHolder>>
 {
     using ById = std::map<unsigned int, boost::intrusive_ptr<InfoItemHolder>>;

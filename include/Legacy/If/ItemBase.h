@@ -28,7 +28,7 @@ struct FirstReference;
 /// Root of all values: the value of one parameter, under the parameter's id.
 ///
 /// Values are made with `new` and shared through `boost::intrusive_ptr`. A new object has the count 0: wrap it at once.
-/// Any thread may take and drop references; everything else about one object is for one thread at a time.
+/// Any thread may take and drop references, and const operations may run on many threads while none changes the object.
 class LEGACY_IF_API ItemBase
 {
     using Storage_ = Detail::CachedObject;

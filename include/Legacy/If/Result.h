@@ -22,7 +22,7 @@ namespace Legacy::If {
 ///     for (auto const& [info, item] : parameters)
 ///         result.AddResultElem(item->Validate(info));
 ///
-/// Findings are shared and never dropped. One object is for one thread at a time.
+/// Findings are shared and never dropped. Const operations may run on many threads while none changes the object.
 class LEGACY_IF_API Result
 {
 public:

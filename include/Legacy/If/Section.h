@@ -58,8 +58,8 @@ LEGACY_IF_API std::size_t hash_value(SectionId_t const& id);
 /// A section as an application keeps it in a `GenericContainerImpl`: a key, a display name, flags, and holders of
 /// schemas and values.
 ///
-/// Made with `new` with the count 0: wrap it at once. Any thread may take and drop references; the rest is for one
-/// thread at a time.
+/// Made with `new` with the count 0: wrap it at once. Any thread may take and drop references, and const
+/// operations may run on many threads while none changes the section.
 class LEGACY_IF_API Section : public Orlek::IntrusiveBaseMT, public InfoItemHolderContainer
 {
 public:

@@ -19,7 +19,7 @@ class SectionMapElement;
 ///
 /// One leading delimiter is skipped on each level of a path, so that `/a/b`, `a/b` and `a//b` name one section; a level
 /// that is empty all the same is #IfErrInvalidArgument. Output vectors and lists are appended to. Copies share the
-/// tree, until one of them is cleared. One thread at a time.
+/// tree, until one of them is cleared. Const operations may run on many threads while none changes the tree.
 class LEGACY_IF_API SectionMap
 {
 public:

@@ -24,7 +24,8 @@ class PlaceIndex;
 /// is no section and holds no parameters. The operations are those of #SectionMap, seen from this node; they lead down
 /// at most four levels.
 ///
-/// Each child and each parameter is entered by name and by id. One thread at a time.
+/// Each child and each parameter is entered by name and by id. Const operations may run on many threads while
+/// none changes the tree.
 class LEGACY_IF_API SectionMapElement
 {
 public:

@@ -64,8 +64,7 @@ extern template class MemberList<ItemBase>;
 /// some list is being destroyed, those of other lists that its destructor lets go are put off until it has returned.
 /// Each operation takes time linear in the number of members at all depths and a bounded stack; a member of a class
 /// that an application derived answers through its own virtual operations. A schema that is put among its own members,
-/// however deep, is never released, and walks over it do not end: that is for the caller to avoid. One thread at a
-/// time.
+/// however deep, is never released, and walks over it do not end: that is for the caller to avoid.
 template<typename Self, IfType_t Type>
 class LEGACY_IF_API InfoList : public InfoFamily<Self, Type>
 {
