@@ -81,7 +81,7 @@ private:
     std::map<std::string, Child, std::less<>> m_subsectionsByName;
     std::map<unsigned char, Child> m_subsectionsById;
     std::map<std::string, InfoItemSectionId, std::less<>> m_infosByName;
-    std::map<InfoItemSectionId, std::string> m_infosById;
+    std::map<InfoItemSectionId, std::string const*> m_infosById; // the names stand in the other map
     bool m_isRoot;
     std::vector<SectionMapElement*> m_subsections; // by id, null where there is none
     std::unique_ptr<PathIndex> m_ownPaths;         // of a root: its sections by their paths

@@ -43,13 +43,15 @@ SectionMapElement::SectionMapElement(SectionId const& sectionId) : m_sectionId(s
 
 SectionMapElement::SectionMapElement(SectionMapElement const& other)
     : m_sectionId(other.m_sectionId), m_subsectionsByName(other.m_subsectionsByName),
-      m_subsectionsById(other.m_subsectionsById), m_infosByName(other.m_infosByName), m_infosById(other.m_infosById),
-      m_isRoot(other.m_isRoot), m_subsections(other.m_subsections.size())
+      m_subsectionsById(other.m_subsectionsById), m_infosByName(other.m_infosByName), m_isRoot(other.m_isRoot),
+      m_subsections(other.m_subsections.size())
 {
     CopyChildren(m_subsectionsByName);
     CopyChildren(m_subsectionsById);
     for (auto const& [sub, child] : m_subsectionsById)
         m_subsections[sub] = child.get();
+    for (auto const& [name, id] : m_infosByName)
+        m_infosById.emplace(id, &name);
 }
 
 SectionMapElement::~SectionMapElement() = default;
@@ -201,7 +203,7 @@ int SectionMapElement::FindInfo_(InfoItemSectionId const& id, std::string& path,
     if (place == m_infosById.end())
         return IfErrNotFound;
     std::string foundPath = m_sectionId.GetSectionName();
-    std::string foundName = place->second;
+    std::string foundName = *place->second;
     path = std::move(foundPath); // both or none
     name = std::move(foundName);
     return 0;
@@ -277,14 +279,14 @@ int SectionMapElement::AddNewInfo_(InfoItemSectionId const& id, std::string cons
     stored = byName->second;
     if (!isNewName)
         return IfErrAlreadyExists;
-    bool isNewId = false;
+    auto const count = m_infosById.size();
     try {
-        isNewId = m_infosById.try_emplace(byName->second, name).second;
+        m_infosById.try_emplace(m_infosById.end(), byName->second, &byName->first); // ids mostly ascend
     } catch (...) {
         m_infosByName.erase(byName);
         throw;
     }
-    if (!isNewId) {
+    if (m_infosById.size() == count) {
         m_infosByName.erase(byName);
         return IfErrAlreadyExists;
     }

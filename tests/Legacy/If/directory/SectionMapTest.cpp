@@ -202,6 +202,7 @@ struct Node : SectionMapElement
     Node() = default;
     using SectionMapElement::AddInfo_;
     using SectionMapElement::AddSection_;
+    using SectionMapElement::FindInfo_;
     using SectionMapElement::FindSection_;
     using SectionMapElement::GetInfos_;
     using SectionMapElement::SectionMapElement;
@@ -209,16 +210,22 @@ struct Node : SectionMapElement
 
 TEST(SectionMapElement, CopiesEachChildTwice)
 {
-    Node original;
+    auto original = std::make_unique<Node>();
     SectionId section;
-    EXPECT_EQ(original.AddSection_("a/b", section), 0);
-    Node copy(original);
+    EXPECT_EQ(original->AddSection_("a/b", section), 0);
+    EXPECT_EQ(original->AddInfo_(Id(0x40000005), "speed"), 0);
+    Node copy(*original);
     EXPECT_EQ(copy.AddSection_(section), IfErrAlreadyExists); // the two copies of `a` differ
     EXPECT_EQ(copy.AddSection_("a/new", section), 0);         // goes to the one that is found by name
     SectionId found;
     EXPECT_EQ(copy.FindSection_(section.GetInfoItemSectionId(), found), IfErrNotFound);
     EXPECT_EQ(copy.FindSection_("a/new", found), 0);
-    EXPECT_EQ(original.FindSection_("a/new", found), IfErrNotFound);
+    EXPECT_EQ(original->FindSection_("a/new", found), IfErrNotFound);
+    original.reset();
+    std::string path;
+    std::string name;
+    EXPECT_EQ(copy.FindInfo_(Id(0x40000005), path, name), 0);
+    EXPECT_EQ(path + ' ' + name, "a/b speed");
 }
 
 TEST(SectionMapElement, RefusesWhatLiesElsewhere)
