@@ -10,6 +10,7 @@
 #include <list>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Legacy::If {
@@ -126,7 +127,8 @@ protected:
                               boost::intrusive_ptr<InfoItemHolder const> const& infoItem);
 
 private:
-    bool ParseInfoPath_(std::string const& infoPath, std::string& sectionPath, std::string& infoName) const;
+    bool ParseInfoPath_(std::string_view infoPath, std::string_view& sectionPath, std::string_view& infoName) const;
+    InfoItemHolder* Find_(std::string_view sectionPath, std::string_view infoName) const;
 
     std::shared_ptr<SectionMap> m_sectionMap;
     std::shared_ptr<InfoItemHolderMap> m_infoItemHolderMap;

@@ -2,12 +2,14 @@
 
 #include <Legacy/If/Export.h>
 #include <Legacy/If/InfoItemHolderDefs.h>
+#include <Legacy/If/InfoItemSectionId.h>
 
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace Legacy::If {
@@ -87,6 +89,11 @@ private:
     struct Place;
 
     InfoItemHolder* Get_(unsigned int id) const;
+    /// Finds what a directory entered in the section.
+    InfoItemHolder* Get_(InfoItemSectionId section, std::string_view name) const;
+    bool KnowsAllInSections_() const noexcept;
+    void MakeRoomInSections_();
+    void EnterInSection_(InfoItemHolder& holder) noexcept;
     std::pair<bool, ById::iterator> Find_(unsigned int const& id);
     std::pair<ByName::iterator, ByName::iterator> Find_(std::string const& name);
     void EnterPending_();

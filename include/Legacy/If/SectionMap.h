@@ -86,6 +86,8 @@ public:
     void Clear();
 
 private:
+    friend class InfoItemDirectory;
+
     std::shared_ptr<SectionMapElement> m_root;
 };
 

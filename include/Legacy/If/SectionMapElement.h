@@ -59,11 +59,14 @@ protected:
     int GetInfos_(InfoItemSectionId const& id, std::vector<unsigned int>& infos) const;
 
 private:
+    friend class InfoItemDirectory;
     friend class SectionMap;
 
     using Child = std::shared_ptr<SectionMapElement>;
     using PathIndex = Detail::PlaceIndex<SectionMapElement*>;
 
+    /// The node of the section with that path, or null.
+    SectionMapElement const* At_(std::string_view path) const;
     unsigned int Depth_() const noexcept { return m_sectionId.GetSectionDepth(); }
     int AddNewSectionMapElement_(SectionId const& child, Child& element);
     int AddNewInfo_(InfoItemSectionId const& id, std::string const& name, InfoItemSectionId& stored);

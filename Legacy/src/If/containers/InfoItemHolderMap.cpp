@@ -22,6 +22,17 @@ std::pair<bool, Iterator> FindIn(Map& map, Index const& index, unsigned int id)
     return {place != map.end(), place};
 }
 
+InfoItemSectionId SectionOf(InfoBase const& info)
+{
+    InfoItemSectionId const id(info.GetId());
+    return id.GetSectionId(id.Depth());
+}
+
+std::uint32_t TagOf(InfoItemSectionId section, std::string_view name)
+{
+    return Detail::SeededHash(name) + Detail::SeededHash(unsigned{section});
+}
+
 } // namespace
 
 template class MapIterator<unsigned int, boost::intrusive_ptr<InfoItemHolder>>;
@@ -40,6 +51,7 @@ struct InfoItemHolderMap::Lookup
     Detail::PlaceIndex<Place> byId;
     Detail::PlaceIndex<ByName::iterator> firstOfName;  // by the hash of the name
     Detail::PlaceIndex<ByName::iterator> othersOfName; // by id
+    Detail::PlaceIndex<InfoItemHolder*> inSections;    // by section and name, of a directory
     std::vector<InfoItemHolder*> pending;              // entered by id alone so far, in the order of their arrival
 };
 
@@ -83,7 +95,9 @@ int InfoItemHolderMap::Erase(unsigned int const& id)
         EnterPending_();
         EraseName_(*holder);
     }
-    m_lookup->byId.Erase(place->first, {place, holder.get()});
+    InfoBase const& info = InfoOf(*holder);
+    m_lookup->inSections.Erase(TagOf(SectionOf(info), info.GetName()), holder.get());
+    m_lookup->byId.Erase(info.GetId(), {place, holder.get()});
     m_holdersById.erase(place);
     return 0;
 }
@@ -131,6 +145,7 @@ void InfoItemHolderMap::Clear() noexcept
     m_lookup->byId.Clear();
     m_lookup->firstOfName.Clear();
     m_lookup->othersOfName.Clear();
+    m_lookup->inSections.Clear();
     m_lookup->pending.clear();
     m_holdersById.clear();
     m_holdersByName.clear();
@@ -144,6 +159,25 @@ InfoItemHolder* InfoItemHolderMap::Get_(unsigned int id) const
         return nullptr;
     auto const entry = m_holdersById.find(id);
     return entry != m_holdersById.end() ? entry->second.get() : nullptr;
+}
+
+InfoItemHolder* InfoItemHolderMap::Get_(InfoItemSectionId section, std::string_view name) const
+{
+    auto const* const place = m_lookup->inSections.Find(TagOf(section, name), [&](InfoItemHolder const* holder) {
+        InfoBase const& info = InfoOf(*holder);
+        return SectionOf(info) == section && info.GetName() == name;
+    });
+    return place ? *place : nullptr;
+}
+
+bool InfoItemHolderMap::KnowsAllInSections_() const noexcept { return m_lookup->inSections.IsComplete(); }
+
+void InfoItemHolderMap::MakeRoomInSections_() { m_lookup->inSections.MakeRoom(); }
+
+void InfoItemHolderMap::EnterInSection_(InfoItemHolder& holder) noexcept
+{
+    InfoBase const& info = InfoOf(holder);
+    m_lookup->inSections.Insert(TagOf(SectionOf(info), info.GetName()), &holder);
 }
 
 std::pair<bool, InfoItemHolderMap::ById::iterator> InfoItemHolderMap::Find_(unsigned int const& id)

@@ -4,6 +4,7 @@
 #include <Legacy/If/InfoItemDirectoryDelta.h>
 #include <Legacy/If/InfoItemHolderMap.h>
 #include <Legacy/If/SectionMap.h>
+#include <Legacy/If/SectionMapElement.h>
 
 #include <algorithm>
 
@@ -11,13 +12,15 @@ namespace Legacy::If {
 
 namespace {
 
-/// What a lookup of a parameter gives out: a part of it, or null.
-template<typename Pointer>
-Pointer PartOf(boost::intrusive_ptr<InfoItemHolder const> const& infoItem,
-               Pointer const& (InfoItemHolder::*part)() const noexcept)
-{
-    return infoItem ? (infoItem.get()->*part)() : Pointer();
-}
+using Info = boost::intrusive_ptr<InfoHolder const>;
+using Item = boost::intrusive_ptr<ItemHolder const>;
+using InfoItem = boost::intrusive_ptr<InfoItemHolder const>;
+
+/// What a lookup of a parameter gives out: a part of it, the whole, or null. The lookup itself hands on plain pointers,
+/// since each counted one on the way would write to the parameter twice.
+Info InfoOf(InfoItemHolder const* infoItem) { return infoItem ? infoItem->GetInfo() : Info(); }
+Item ItemOf(InfoItemHolder const* infoItem) { return infoItem ? infoItem->GetItem() : Item(); }
+InfoItem Whole(InfoItemHolder const* infoItem) { return infoItem; }
 
 /// Appends what `find` gives for each parameter of a section; null is left out.
 template<typename Pointer, typename Find>
@@ -90,6 +93,7 @@ int InfoItemDirectory::AddInfo(boost::intrusive_ptr<InfoHolder const> const& inf
     InfoBase const& schema = *info->GetInfo();
     int code = 0;
     try {
+        m_infoItemHolderMap->MakeRoomInSections_();
         code = m_sectionMap->AddInfo(schema.GetId(), schema.GetName());
     } catch (...) {
         m_infoItemHolderMap->Erase(schema.GetId());
@@ -99,6 +103,7 @@ int InfoItemDirectory::AddInfo(boost::intrusive_ptr<InfoHolder const> const& inf
         m_infoItemHolderMap->Erase(schema.GetId());
         return code;
     }
+    m_infoItemHolderMap->EnterInSection_(*infoItem);
     InfoChanged_(nullptr, infoItem);
     return 0;
 }
@@ -131,77 +136,72 @@ int InfoItemDirectory::SetItem(boost::intrusive_ptr<ItemHolder const> const& ite
     return 0;
 }
 
-boost::intrusive_ptr<InfoHolder const> InfoItemDirectory::FindInfo(unsigned int const& id) const
+Info InfoItemDirectory::FindInfo(unsigned int const& id) const { return InfoOf(m_infoItemHolderMap->Get_(id)); }
+
+Info InfoItemDirectory::FindInfo(std::string const& sectionPath, std::string const& infoName) const
 {
-    return PartOf(FindInfoItem(id), &InfoItemHolder::GetInfo);
+    return InfoOf(Find_(sectionPath, infoName));
 }
 
-boost::intrusive_ptr<InfoHolder const> InfoItemDirectory::FindInfo(std::string const& sectionPath,
-                                                                   std::string const& infoName) const
+Item InfoItemDirectory::FindItem(unsigned int const& id) const { return ItemOf(m_infoItemHolderMap->Get_(id)); }
+
+Item InfoItemDirectory::FindItem(std::string const& sectionPath, std::string const& infoName) const
 {
-    return PartOf(FindInfoItem(sectionPath, infoName), &InfoItemHolder::GetInfo);
+    return ItemOf(Find_(sectionPath, infoName));
 }
 
-boost::intrusive_ptr<ItemHolder const> InfoItemDirectory::FindItem(unsigned int const& id) const
+Item InfoItemDirectory::FindItem(std::string const& infoPath) const
 {
-    return PartOf(FindInfoItem(id), &InfoItemHolder::GetItem);
-}
-
-boost::intrusive_ptr<ItemHolder const> InfoItemDirectory::FindItem(std::string const& sectionPath,
-                                                                   std::string const& infoName) const
-{
-    return PartOf(FindInfoItem(sectionPath, infoName), &InfoItemHolder::GetItem);
-}
-
-boost::intrusive_ptr<ItemHolder const> InfoItemDirectory::FindItem(std::string const& infoPath) const
-{
-    std::string sectionPath;
-    std::string infoName;
+    std::string_view sectionPath;
+    std::string_view infoName;
     if (!ParseInfoPath_(infoPath, sectionPath, infoName))
         return nullptr;
     // Contract: reversed on purpose. Callers of this form hand over paths that begin with the parameter's name.
-    return FindItem(infoName, sectionPath);
+    return ItemOf(Find_(infoName, sectionPath));
 }
 
-boost::intrusive_ptr<InfoItemHolder const> InfoItemDirectory::FindInfoItem(unsigned int const& id) const
+InfoItem InfoItemDirectory::FindInfoItem(unsigned int const& id) const { return Whole(m_infoItemHolderMap->Get_(id)); }
+
+InfoItem InfoItemDirectory::FindInfoItem(std::string const& sectionPath, std::string const& infoName) const
 {
-    return m_infoItemHolderMap->Get_(id);
+    return Whole(Find_(sectionPath, infoName));
 }
 
-boost::intrusive_ptr<InfoItemHolder const> InfoItemDirectory::FindInfoItem(std::string const& sectionPath,
-                                                                           std::string const& infoName) const
+InfoItem InfoItemDirectory::FindInfoItem(std::string const& infoPath) const
+{
+    std::string_view sectionPath;
+    std::string_view infoName;
+    if (!ParseInfoPath_(infoPath, sectionPath, infoName))
+        return nullptr;
+    return Whole(Find_(sectionPath, infoName));
+}
+
+InfoItemHolder* InfoItemDirectory::Find_(std::string_view sectionPath, std::string_view infoName) const
 {
     if (sectionPath.empty() || infoName.empty())
         return nullptr;
+    SectionMapElement const* const section = m_sectionMap->m_root->At_(sectionPath);
+    if (!section)
+        return nullptr;
+    if (auto* const known = m_infoItemHolderMap->Get_(section->GetSectionId().GetInfoItemSectionId(), infoName))
+        return known;
     InfoItemSectionId id(0);
-    if (m_sectionMap->FindInfo(sectionPath, infoName, id) != 0)
+    if (m_infoItemHolderMap->KnowsAllInSections_() || section->FindInfo_({}, infoName, id) != 0)
         return nullptr;
-    return FindInfoItem(id);
+    return m_infoItemHolderMap->Get_(id);
 }
 
-boost::intrusive_ptr<InfoItemHolder const> InfoItemDirectory::FindInfoItem(std::string const& infoPath) const
-{
-    std::string sectionPath;
-    std::string infoName;
-    if (!ParseInfoPath_(infoPath, sectionPath, infoName))
-        return nullptr;
-    return FindInfoItem(sectionPath, infoName);
-}
-
-int InfoItemDirectory::FindInfos(InfoItemSectionId const& id,
-                                 std::vector<boost::intrusive_ptr<InfoHolder const>>& infos) const
+int InfoItemDirectory::FindInfos(InfoItemSectionId const& id, std::vector<Info>& infos) const
 {
     return FindAll(*m_sectionMap, id, infos, [this](unsigned int info) { return FindInfo(info); });
 }
 
-int InfoItemDirectory::FindItems(InfoItemSectionId const& id,
-                                 std::vector<boost::intrusive_ptr<ItemHolder const>>& items) const
+int InfoItemDirectory::FindItems(InfoItemSectionId const& id, std::vector<Item>& items) const
 {
     return FindAll(*m_sectionMap, id, items, [this](unsigned int info) { return FindItem(info); });
 }
 
-int InfoItemDirectory::FindInfoItems(InfoItemSectionId const& id,
-                                     std::vector<boost::intrusive_ptr<InfoItemHolder const>>& infoItems) const
+int InfoItemDirectory::FindInfoItems(InfoItemSectionId const& id, std::vector<InfoItem>& infoItems) const
 {
     return FindAll(*m_sectionMap, id, infoItems, [this](unsigned int info) { return FindInfoItem(info); });
 }
@@ -250,11 +250,11 @@ void InfoItemDirectory::ItemChanged_(boost::intrusive_ptr<ItemHolder const> cons
                                      boost::intrusive_ptr<InfoItemHolder const> const&)
 {}
 
-bool InfoItemDirectory::ParseInfoPath_(std::string const& infoPath, std::string& sectionPath,
-                                       std::string& infoName) const
+bool InfoItemDirectory::ParseInfoPath_(std::string_view infoPath, std::string_view& sectionPath,
+                                       std::string_view& infoName) const
 {
     std::size_t const delim = infoPath.rfind(SectionId::k_sectionDelim);
-    if (delim == std::string::npos)
+    if (delim == std::string_view::npos)
         return false;
     infoName = infoPath.substr(delim + 1);
     sectionPath = infoPath.substr(0, delim);

@@ -235,6 +235,12 @@ int SectionMapElement::GetInfos_(InfoItemSectionId const& id, std::vector<unsign
     return 0;
 }
 
+SectionMapElement const* SectionMapElement::At_(std::string_view path) const
+{
+    SectionMapElement const* element = nullptr;
+    return Descend_(*this, path, element) == 0 ? element : nullptr;
+}
+
 int SectionMapElement::AddNewSectionMapElement_(SectionId const& child, Child& element)
 {
     unsigned int const level = child.GetSectionDepth();
