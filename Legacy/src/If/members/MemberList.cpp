@@ -3,6 +3,9 @@
 
 #include <boost/container/small_vector.hpp>
 
+#include <set>
+#include <utility>
+
 namespace Legacy::If::Detail {
 
 /// Outlives the list that it belonged to for as long as its members wait to be released.
@@ -147,6 +150,8 @@ bool EqualMembers(MemberList<Root> const& a, MemberList<Root> const& b)
     };
     if (a.Size() != b.Size())
         return false;
+    // Lists that stand in several places come together again. Once is enough, since the first difference ends it all.
+    std::set<std::pair<void const*, void const*>> seen;
     Path<Step> path(Step{Remaining(a), Remaining(b)});
     do {
         while (!path.Here().a.Empty()) {
@@ -161,6 +166,9 @@ bool EqualMembers(MemberList<Root> const& a, MemberList<Root> const& b)
             MemberList<Root> const* const counterpart = MembersAs(*left, *right);
             if (!counterpart || nested->Size() != counterpart->Size())
                 return false;
+            bool const areShared = left->GetRefCount() > 1 && right->GetRefCount() > 1;
+            if (areShared && !seen.emplace(nested, counterpart).second)
+                continue;
             path.Descend(Step{Remaining(*nested), Remaining(*counterpart)});
         }
     } while (path.Ascend());

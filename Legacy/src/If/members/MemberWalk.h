@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Borrowed.h"
 #include "core/FirstReference.h"
 
 #include <Legacy/If/Collection.h>
@@ -11,23 +12,6 @@
 #include <vector>
 
 namespace Legacy::If::Detail {
-
-/// A member as the roots' operations take it. The list that holds it keeps it alive meanwhile, so no reference is
-/// taken.
-template<typename Root>
-class Borrowed
-{
-public:
-    explicit Borrowed(boost::intrusive_ptr<Root> const& member) noexcept : m_pointer(member.get(), false) {}
-    ~Borrowed() { m_pointer.detach(); }
-    Borrowed(Borrowed const&) = delete;
-    Borrowed& operator=(Borrowed const&) = delete;
-
-    boost::intrusive_ptr<Root const> const& Pointer() const noexcept { return m_pointer; }
-
-private:
-    boost::intrusive_ptr<Root const> m_pointer;
-};
 
 /// Opens the lists of the two families to the walks below.
 struct MemberAccess

@@ -63,8 +63,13 @@ extern template class MemberList<ItemBase>;
 /// other sees, also on another thread. They are released when the last list that holds them ends, but while a member of
 /// some list is being destroyed, those of other lists that its destructor lets go are put off until it has returned.
 /// Each operation takes time linear in the number of members at all depths and a bounded stack; a member of a class
-/// that an application derived answers through its own virtual operations. A schema that is put among its own members,
-/// however deep, is never released, and walks over it do not end: that is for the caller to avoid.
+/// that an application derived answers through its own virtual operations.
+///
+/// A member counts as often as it stands there. Forty schemas each of which stands twice in the next have 2^40 leaves:
+/// printing, copying and validating take a step for each, and only a comparison looks at each shared schema once. A
+/// schema that is put among its own members, however deep, is never released, and walks over it do not end. Records and
+/// texts cannot bring such trees about, since each place in them makes an object of its own; it is for callers to avoid
+/// them.
 template<typename Self, IfType_t Type>
 class LEGACY_IF_API InfoList : public InfoFamily<Self, Type>
 {

@@ -3,6 +3,7 @@
 
 #include <sys/resource.h>
 
+#include <limits>
 #include <random>
 #include <span>
 
@@ -361,6 +362,18 @@ TEST(DeepTree, IsWalkedOnABoundedStack)
     CompositeItem copy(1);
     EXPECT_EQ(copy.AssignValue(rebuilt, nullptr), 0);
     EXPECT_TRUE(item->IsEqualValue(Hold(copy.DeepCopy())));
+}
+
+// Each list stands twice in the next one, so that there are 2^40 leaves.
+TEST(DeepTree, OfSharedListsIsComparedOnce)
+{
+    auto const twice = [](Item const& member) { return Item(ListOf({member, member})); };
+    auto const nan = Hold(NumericItem<FloatTraits>::Create(1, std::numeric_limits<float>::quiet_NaN()));
+    auto const tree = [&](Item const& leaf) { return Nest(leaf, 40, twice); };
+    Item const item = tree(Number(1));
+    EXPECT_TRUE(item->IsEqualValue(item) && item->IsEqualValue(tree(Number(1))));
+    EXPECT_FALSE(item->IsEqualValue(tree(Number(2))));
+    EXPECT_FALSE(tree(nan)->IsEqualValue(tree(nan))); // equality is still that of the leaves
 }
 
 /// Derived classes may have destructors and fields of their own: ending them is still no recursion.
