@@ -1,5 +1,6 @@
 #include "core/Finding.h"
 
+#include "core/Borrowed.h"
 #include "core/FirstReference.h"
 #include "text/TypeText.h"
 
@@ -33,8 +34,8 @@ Finding MakeFinding(char const* key, InfoPtr const& info, ItemBase const& item,
     if (t_messageObserver)
         t_messageObserver(message);
 
-    boost::intrusive_ptr<ItemBase const> const copy = FirstReference::Of<ItemBase const>(item.DeepCopy(item.GetId()));
-    return std::make_shared<ResultElem const>(Orlek::SeverityLevel_t::Error, copy, nullptr);
+    // The finding copies the value itself.
+    return std::make_shared<ResultElem const>(Orlek::SeverityLevel_t::Error, Borrowed(item).Pointer(), nullptr);
 }
 
 Finding TypeMismatch(InfoPtr const& info, ItemBase const& item)
