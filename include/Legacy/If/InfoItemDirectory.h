@@ -8,6 +8,7 @@
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 
 #include <list>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -128,6 +129,10 @@ protected:
 
 private:
     bool ParseInfoPath_(std::string_view infoPath, std::string_view& sectionPath, std::string_view& infoName) const;
+    template<typename Pointer>
+    int FindAll_(InfoItemSectionId const& id, std::vector<Pointer>& found,
+                 Pointer (*part)(InfoItemHolder const*)) const;
+    int SetItems_(std::map<unsigned int, boost::intrusive_ptr<ItemHolder const>> const& items);
     InfoItemHolder* Find_(std::string_view sectionPath, std::string_view infoName) const;
 
     std::shared_ptr<SectionMap> m_sectionMap;

@@ -94,6 +94,10 @@ public:
     boost::intrusive_ptr<ItemHolder const> const& GetItem() const noexcept { return m_item; }
 
 private:
+    friend class InfoItemDirectory;
+
+    bool SetItem_(boost::intrusive_ptr<ItemHolder const> const& item, boost::intrusive_ptr<ItemHolder const>& former);
+
     boost::intrusive_ptr<InfoHolder const> m_info;
     boost::intrusive_ptr<ItemHolder const> m_item; // released before the schema that it was set under
 };

@@ -8,6 +8,7 @@
 
 #include <map>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -89,6 +90,8 @@ private:
     struct Place;
 
     InfoItemHolder* Get_(unsigned int id) const;
+    /// Brings these parameters into the cache side by side, where one after the other waits for each.
+    void Fetch_(std::span<unsigned int const> ids) const noexcept;
     /// Finds what a directory entered in the section.
     InfoItemHolder* Get_(InfoItemSectionId section, std::string_view name) const;
     bool KnowsAllInSections_() const noexcept;

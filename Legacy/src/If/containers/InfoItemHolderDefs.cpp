@@ -2,6 +2,8 @@
 #include <Orlek/CodeLocation.h>
 #include <Orlek/LogicError.h>
 
+#include <utility>
+
 namespace Legacy::If {
 
 InfoHolder::InfoHolder(boost::intrusive_ptr<InfoBase> const& info) : m_info(info) {}
@@ -57,6 +59,14 @@ bool InfoItemHolder::SetInfo(boost::intrusive_ptr<InfoHolder const> const& info)
 
 bool InfoItemHolder::SetItem(boost::intrusive_ptr<ItemHolder const> const& item)
 {
+    boost::intrusive_ptr<ItemHolder const> former;
+    return SetItem_(item, former);
+}
+
+/// Hands out the former value without counting it.
+bool InfoItemHolder::SetItem_(boost::intrusive_ptr<ItemHolder const> const& item,
+                              boost::intrusive_ptr<ItemHolder const>& former)
+{
     if (!item || !item->GetItem())
         return false;
     InfoBase const& current = *m_info->GetInfo();
@@ -67,7 +77,8 @@ bool InfoItemHolder::SetItem(boost::intrusive_ptr<ItemHolder const> const& item)
         return false;
     if (candidate.GetNumericType() != current.GetNumericType())
         return false;
-    m_item = item;
+    auto taken = item; // which may be the former value itself
+    former = std::exchange(m_item, std::move(taken));
     return true;
 }
 

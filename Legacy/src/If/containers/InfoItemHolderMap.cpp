@@ -161,6 +161,22 @@ InfoItemHolder* InfoItemHolderMap::Get_(unsigned int id) const
     return entry != m_holdersById.end() ? entry->second.get() : nullptr;
 }
 
+void InfoItemHolderMap::Fetch_(std::span<unsigned int const> ids) const noexcept
+{
+    for (unsigned int const id : ids)
+        m_lookup->byId.Prefetch(id);
+    for (unsigned int const id : ids)
+        __builtin_prefetch(Get_(id));
+    for (unsigned int const id : ids)
+        if (InfoItemHolder const* const holder = Get_(id)) {
+            __builtin_prefetch(holder->GetInfo().get());
+            __builtin_prefetch(holder->GetItem().get());
+        }
+    for (unsigned int const id : ids)
+        if (InfoItemHolder const* const holder = Get_(id))
+            __builtin_prefetch(holder->GetInfo()->GetInfo().get());
+}
+
 InfoItemHolder* InfoItemHolderMap::Get_(InfoItemSectionId section, std::string_view name) const
 {
     auto const* const place = m_lookup->inSections.Find(TagOf(section, name), [&](InfoItemHolder const* holder) {

@@ -27,6 +27,13 @@ public:
         return i != m_slots.size() ? &m_slots[i].place : nullptr;
     }
 
+    /// Starts to bring what #Find will look at first into the cache.
+    void Prefetch(std::uint32_t tag) const noexcept
+    {
+        if (!m_slots.empty())
+            __builtin_prefetch(&m_slots[Home_(tag)]);
+    }
+
     /// Whether what #Find does not find is not in the map either.
     bool IsComplete() const noexcept { return m_isComplete; }
 

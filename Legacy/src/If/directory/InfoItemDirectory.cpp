@@ -7,6 +7,8 @@
 #include <Legacy/If/SectionMapElement.h>
 
 #include <algorithm>
+#include <array>
+#include <span>
 
 namespace Legacy::If {
 
@@ -22,19 +24,7 @@ Info InfoOf(InfoItemHolder const* infoItem) { return infoItem ? infoItem->GetInf
 Item ItemOf(InfoItemHolder const* infoItem) { return infoItem ? infoItem->GetItem() : Item(); }
 InfoItem Whole(InfoItemHolder const* infoItem) { return infoItem; }
 
-/// Appends what `find` gives for each parameter of a section; null is left out.
-template<typename Pointer, typename Find>
-int FindAll(SectionMap const& sections, InfoItemSectionId const& id, std::vector<Pointer>& found, Find&& find)
-{
-    std::vector<unsigned int> ids;
-    if (int const code = sections.GetInfos(id, ids))
-        return code;
-    Detail::ReserveMore(found, ids.size());
-    for (unsigned int const info : ids)
-        if (Pointer pointer = find(info))
-            found.push_back(std::move(pointer));
-    return 0;
-}
+constexpr std::size_t k_atATime = 16;
 
 } // namespace
 
@@ -129,8 +119,8 @@ int InfoItemDirectory::SetItem(boost::intrusive_ptr<ItemHolder const> const& ite
     boost::intrusive_ptr<InfoItemHolder> const infoItem(m_infoItemHolderMap->Get_(item->GetItem()->GetId()));
     if (!infoItem)
         return IfErrNotFound;
-    auto const former = infoItem->GetItem();
-    if (!infoItem->SetItem(item))
+    Item former;
+    if (!infoItem->SetItem_(item, former))
         return IfErrInvalidArgument;
     ItemChanged_(former, infoItem);
     return 0;
@@ -191,19 +181,39 @@ InfoItemHolder* InfoItemDirectory::Find_(std::string_view sectionPath, std::stri
     return m_infoItemHolderMap->Get_(id);
 }
 
+/// Appends a part of each parameter of a section; null is left out.
+template<typename Pointer>
+int InfoItemDirectory::FindAll_(InfoItemSectionId const& id, std::vector<Pointer>& found,
+                                Pointer (*part)(InfoItemHolder const*)) const
+{
+    std::vector<unsigned int> ids;
+    if (int const code = m_sectionMap->GetInfos(id, ids))
+        return code;
+    Detail::ReserveMore(found, ids.size());
+    for (std::span<unsigned int const> left(ids); !left.empty();) {
+        auto const some = left.first(std::min(left.size(), k_atATime));
+        m_infoItemHolderMap->Fetch_(some);
+        for (unsigned int const info : some)
+            if (Pointer pointer = part(m_infoItemHolderMap->Get_(info)))
+                found.push_back(std::move(pointer));
+        left = left.subspan(some.size());
+    }
+    return 0;
+}
+
 int InfoItemDirectory::FindInfos(InfoItemSectionId const& id, std::vector<Info>& infos) const
 {
-    return FindAll(*m_sectionMap, id, infos, [this](unsigned int info) { return FindInfo(info); });
+    return FindAll_(id, infos, InfoOf);
 }
 
 int InfoItemDirectory::FindItems(InfoItemSectionId const& id, std::vector<Item>& items) const
 {
-    return FindAll(*m_sectionMap, id, items, [this](unsigned int info) { return FindItem(info); });
+    return FindAll_(id, items, ItemOf);
 }
 
 int InfoItemDirectory::FindInfoItems(InfoItemSectionId const& id, std::vector<InfoItem>& infoItems) const
 {
-    return FindAll(*m_sectionMap, id, infoItems, [this](unsigned int info) { return FindInfoItem(info); });
+    return FindAll_(id, infoItems, Whole);
 }
 
 void InfoItemDirectory::GetAllInfoItems(std::vector<boost::intrusive_ptr<InfoItemHolder const>>& infoItems) const
@@ -227,10 +237,27 @@ int InfoItemDirectory::UpdateFromDelta(std::shared_ptr<InfoItemDirectoryDelta> c
         for (auto const& [id, info] : held->GetInfoHolderPtrMap_addMod())
             if (int const code = m_infoItemHolderMap->Get_(id) ? SetInfo(info) : AddInfo(info))
                 return code;
-    if (updateItems)
-        for (auto const& [id, item] : held->GetItemHolderPtrMap_addMod())
-            if (int const code = SetItem(item))
+    return updateItems ? SetItems_(held->GetItemHolderPtrMap_addMod()) : 0;
+}
+
+/// Some at a time, so that they can be fetched together.
+int InfoItemDirectory::SetItems_(std::map<unsigned int, Item> const& items)
+{
+    std::array<unsigned int, k_atATime> ids;
+    for (auto next = items.begin(); next != items.end();) {
+        auto const first = next;
+        std::size_t count = 0;
+        for (; next != items.end() && count != ids.size(); ++next) {
+            ids[count++] = next->first;
+            __builtin_prefetch(next->second.get());
+        }
+        m_infoItemHolderMap->Fetch_({ids.data(), count});
+        for (auto it = first; it != next; ++it)
+            __builtin_prefetch(it->second->GetItem().get());
+        for (auto it = first; it != next; ++it)
+            if (int const code = SetItem(it->second))
                 return code;
+    }
     return 0;
 }
 

@@ -132,6 +132,9 @@ TEST(Directory, FollowsAParametersLife)
     EXPECT_EQ(directory.SetItem(value), 0);
     EXPECT_EQ(directory.SetItem(Value(id)), 0);
     EXPECT_EQ(directory.former, value.get());
+    auto const infoItem = directory.FindInfoItem(id);
+    EXPECT_EQ(directory.SetItem(infoItem->GetItem()), 0); // its own
+    EXPECT_EQ(directory.former, infoItem->GetItem().get());
     EXPECT_EQ(directory.SetInfo(Schema(id, "renamed")), IfErrInvalidArgument);
     EXPECT_EQ(directory.SetInfo(Schema<StringArrayInfo>(id, "speed")), IfErrInvalidArgument);
     EXPECT_EQ(directory.FindInfo(id), schema);
@@ -143,7 +146,7 @@ TEST(Directory, FollowsAParametersLife)
     }
     EXPECT_EQ(directory.SetItem(nullptr), IfErrNullArgument);
     EXPECT_EQ(directory.SetItem(Make<ItemHolder>(nullptr)), IfErrNullArgument);
-    EXPECT_EQ(directory.log, (Texts{"add info3", "add item3", "set item3", "set info3"}));
+    EXPECT_EQ(directory.log, (Texts{"add info3", "add item3", "set item3", "set item3", "set info3"}));
 
     // What a hook throws leaves the change made, and copies share the content.
     directory.throws = true;
