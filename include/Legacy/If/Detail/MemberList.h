@@ -132,7 +132,7 @@ private:
 ///
 /// Members are shared by copies, by `=`, by what sets and gets them, and where a collection is assigned; they are
 /// duplicated by #DeepCopy and where a composite is assigned. What `InfoList` says of shared members, their release,
-/// cost, derived classes, cycles and threads holds here too.
+/// cost, derived classes and cycles holds here too.
 template<typename Self, IfType_t Type>
 class LEGACY_IF_API ItemList : public ItemFamily<Self, Type>
 {
