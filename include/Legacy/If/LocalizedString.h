@@ -19,7 +19,8 @@ class LEGACY_IF_API LocalizedString
 {
 public:
     LocalizedString() = default; ///< no key, no arguments: no message
-    explicit LocalizedString(std::string const& key) : m_key(key) {}
+    /// No arguments. A key may stand wherever a message is asked for.
+    LocalizedString(std::string const& key) : m_key(key) {}
     LocalizedString(LocalizedString const&) = default;
     LocalizedString& operator=(LocalizedString const&) = default;
     virtual ~LocalizedString();

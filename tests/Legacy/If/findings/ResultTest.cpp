@@ -82,7 +82,9 @@ TEST(Result, LogsItsPrefixOnceForEachFinding)
 
 TEST(LocalizedString, ComparesItsArgumentsByIdentity)
 {
-    LocalizedString a("K");
+    auto const item = Make<LocalizedStringItem>(7U);
+    item->SetVal(std::string("K")); // a key where a message is asked for
+    LocalizedString a = item->GetVal();
     a.AddArgument(Hold(StringItem::Create(0, "x")));
     LocalizedString b("K");
     b.AddArgument(Hold(StringItem::Create(0, "x"))); // equal, but another object
