@@ -5,19 +5,29 @@
 
 namespace Legacy::If {
 
-/// A network address as text.
-struct LEGACY_IF_API AddrFamily
+class AddrItem;
+
+/// Schema of an address as text.
+class LEGACY_IF_API AddrInfo : public Detail::NetInfo<AddrInfo, AddrItem, IfType_t::Addr, Net::AddrStr>
 {
-    using Value = Net::AddrStr;
-    static constexpr IfType_t k_type = IfType_t::Addr;
+public:
+    using NetInfo::NetInfo;
+
+    using NetInfo::DeepCopy;
+    AddrInfo* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const override;
 };
 
-extern template class Detail::NetInfo<AddrFamily>;
-extern template class Detail::NetItem<AddrFamily>;
+/// An address as text. It prints as that text, an unspecified one as nothing.
+class LEGACY_IF_API AddrItem : public Detail::NetItem<AddrItem, AddrInfo, IfType_t::Addr, Net::AddrStr>
+{
+public:
+    using NetItem::NetItem;
 
-/// Schema of an address.
-using AddrInfo = Detail::NetInfo<AddrFamily>;
-/// An address. It prints as its text, an unspecified one as nothing.
-using AddrItem = Detail::NetItem<AddrFamily>;
+    using NetItem::DeepCopy;
+    AddrItem* DeepCopy(unsigned int id) const override;
+};
+
+extern template class Detail::NetInfo<AddrInfo, AddrItem, IfType_t::Addr, Net::AddrStr>;
+extern template class Detail::NetItem<AddrItem, AddrInfo, IfType_t::Addr, Net::AddrStr>;
 
 } // namespace Legacy::If

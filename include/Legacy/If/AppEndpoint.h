@@ -130,19 +130,33 @@ private:
 extern template class AppEndpoint<Net::Endpoint<Net::AddrIp>>;
 extern template class AppEndpoint<Net::Endpoint<Net::AddrStr>>;
 
-/// An application endpoint whose address is text.
-struct LEGACY_IF_API AppEndpointFamily
-{
-    using Value = AppEndpoint<Net::Endpoint<Net::AddrStr>>;
-    static constexpr IfType_t k_type = IfType_t::AppEndpoint;
-};
-
-extern template class Detail::NetInfo<AppEndpointFamily>;
-extern template class Detail::NetItem<AppEndpointFamily>;
+class AppEndpointItem;
 
 /// Schema of an application endpoint. The protocol of its default is that of every value read from a stream.
-using AppEndpointInfo = Detail::NetInfo<AppEndpointFamily>;
+class LEGACY_IF_API AppEndpointInfo : public Detail::NetInfo<AppEndpointInfo, AppEndpointItem, IfType_t::AppEndpoint,
+                                                             AppEndpoint<Net::Endpoint<Net::AddrStr>>>
+{
+public:
+    using NetInfo::NetInfo;
+
+    using NetInfo::DeepCopy;
+    AppEndpointInfo* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const override;
+};
+
 /// An application endpoint. It prints in the form for display.
-using AppEndpointItem = Detail::NetItem<AppEndpointFamily>;
+class LEGACY_IF_API AppEndpointItem : public Detail::NetItem<AppEndpointItem, AppEndpointInfo, IfType_t::AppEndpoint,
+                                                             AppEndpoint<Net::Endpoint<Net::AddrStr>>>
+{
+public:
+    using NetItem::NetItem;
+
+    using NetItem::DeepCopy;
+    AppEndpointItem* DeepCopy(unsigned int id) const override;
+};
+
+extern template class Detail::NetInfo<AppEndpointInfo, AppEndpointItem, IfType_t::AppEndpoint,
+                                      AppEndpoint<Net::Endpoint<Net::AddrStr>>>;
+extern template class Detail::NetItem<AppEndpointItem, AppEndpointInfo, IfType_t::AppEndpoint,
+                                      AppEndpoint<Net::Endpoint<Net::AddrStr>>>;
 
 } // namespace Legacy::If

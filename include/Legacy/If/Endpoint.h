@@ -5,19 +5,31 @@
 
 namespace Legacy::If {
 
-/// An address as text, and a port.
-struct LEGACY_IF_API EndpointFamily
+class EndpointItem;
+
+/// Schema of an endpoint: an address as text, and a port.
+class LEGACY_IF_API EndpointInfo
+    : public Detail::NetInfo<EndpointInfo, EndpointItem, IfType_t::Endpoint, Net::Endpoint<Net::AddrStr>>
 {
-    using Value = Net::Endpoint<Net::AddrStr>;
-    static constexpr IfType_t k_type = IfType_t::Endpoint;
+public:
+    using NetInfo::NetInfo;
+
+    using NetInfo::DeepCopy;
+    EndpointInfo* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const override;
 };
 
-extern template class Detail::NetInfo<EndpointFamily>;
-extern template class Detail::NetItem<EndpointFamily>;
-
-/// Schema of an endpoint.
-using EndpointInfo = Detail::NetInfo<EndpointFamily>;
 /// An endpoint. It prints as `host:port`.
-using EndpointItem = Detail::NetItem<EndpointFamily>;
+class LEGACY_IF_API EndpointItem
+    : public Detail::NetItem<EndpointItem, EndpointInfo, IfType_t::Endpoint, Net::Endpoint<Net::AddrStr>>
+{
+public:
+    using NetItem::NetItem;
+
+    using NetItem::DeepCopy;
+    EndpointItem* DeepCopy(unsigned int id) const override;
+};
+
+extern template class Detail::NetInfo<EndpointInfo, EndpointItem, IfType_t::Endpoint, Net::Endpoint<Net::AddrStr>>;
+extern template class Detail::NetItem<EndpointItem, EndpointInfo, IfType_t::Endpoint, Net::Endpoint<Net::AddrStr>>;
 
 } // namespace Legacy::If

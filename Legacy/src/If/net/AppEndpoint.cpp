@@ -120,7 +120,17 @@ std::string AppEndpoint<E>::ToString() const
 template class AppEndpoint<Net::Endpoint<Net::AddrIp>>;
 template class AppEndpoint<Net::Endpoint<Net::AddrStr>>;
 
-template class Detail::NetInfo<AppEndpointFamily>;
-template class Detail::NetItem<AppEndpointFamily>;
+AppEndpointInfo* AppEndpointInfo::DeepCopy(unsigned int id, std::string const& name,
+                                           Permission_t const& permission) const
+{
+    return CopyAs_(id, name, permission);
+}
+
+AppEndpointItem* AppEndpointItem::DeepCopy(unsigned int id) const { return CopyAs_(id); }
+
+template class Detail::NetInfo<AppEndpointInfo, AppEndpointItem, IfType_t::AppEndpoint,
+                               AppEndpoint<Net::Endpoint<Net::AddrStr>>>;
+template class Detail::NetItem<AppEndpointItem, AppEndpointInfo, IfType_t::AppEndpoint,
+                               AppEndpoint<Net::Endpoint<Net::AddrStr>>>;
 
 } // namespace Legacy::If

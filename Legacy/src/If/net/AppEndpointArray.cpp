@@ -13,7 +13,7 @@ namespace Legacy::If {
 
 namespace {
 
-using Form = Detail::NetForm<AppEndpointFamily>;
+using Form = Detail::NetForm<AppEndpointList::value_type>;
 
 } // namespace
 
@@ -105,7 +105,7 @@ unsigned int AppEndpointArrayItem::GetSerialDataSize() const
 {
     std::uint64_t size = 0;
     for (auto const& endpoint : m_value)
-        size += Detail::NetRecordSize<AppEndpointFamily>(Form::RecordText(endpoint).size());
+        size += Detail::NetRecordSize<AppEndpointList::value_type>(Form::RecordText(endpoint).size());
     return Detail::ClampSize(size);
 }
 

@@ -15,7 +15,7 @@ namespace Legacy::If::Detail {
 
 /// What sets the families of addresses and endpoints apart: their name, their texts, and what a record holds besides
 /// the text.
-template<class Family>
+template<typename Held>
 struct NetForm;
 
 /// The families whose record is a text and nothing else: the one that the value prints.
@@ -31,7 +31,7 @@ struct PlainNetForm
 };
 
 template<>
-struct NetForm<AddrFamily> : PlainNetForm<Net::AddrStr>
+struct NetForm<Net::AddrStr> : PlainNetForm<Net::AddrStr>
 {
     static constexpr char const* k_infoName = "AddrInfo";
 
@@ -40,7 +40,7 @@ struct NetForm<AddrFamily> : PlainNetForm<Net::AddrStr>
 };
 
 template<>
-struct NetForm<EndpointFamily> : PlainNetForm<Net::Endpoint<Net::AddrStr>>
+struct NetForm<Net::Endpoint<Net::AddrStr>> : PlainNetForm<Net::Endpoint<Net::AddrStr>>
 {
     using Value = Net::Endpoint<Net::AddrStr>;
     static constexpr char const* k_infoName = "EndpointInfo";
@@ -51,7 +51,7 @@ struct NetForm<EndpointFamily> : PlainNetForm<Net::Endpoint<Net::AddrStr>>
 
 /// Lists of application endpoints are records of this form, too, one behind the other.
 template<>
-struct NetForm<AppEndpointFamily>
+struct NetForm<AppEndpoint<Net::Endpoint<Net::AddrStr>>>
 {
     using Endpoint = Net::Endpoint<Net::AddrStr>;
     using Value = AppEndpoint<Endpoint>;
@@ -91,10 +91,10 @@ struct NetForm<AppEndpointFamily>
 };
 
 /// Payload bytes of a value whose record text has this length: prefix, text and zero byte.
-template<class Family>
+template<typename Held>
 constexpr std::uint64_t NetRecordSize(std::size_t textLength) noexcept
 {
-    return std::uint64_t{NetForm<Family>::k_prefixSize} + textLength + 1;
+    return std::uint64_t{NetForm<Held>::k_prefixSize} + textLength + 1;
 }
 
 } // namespace Legacy::If::Detail

@@ -500,11 +500,9 @@ void RestoreDefault(Node const& node, Info& info)
         info.SetDefault(standard);
 }
 
-template<typename Family>
-void Restore(Node const& node, If::Detail::NetInfo<Family>& info, unsigned int)
-{
-    RestoreDefault(node, info);
-}
+void Restore(Node const& node, AddrInfo& info, unsigned int) { RestoreDefault(node, info); }
+void Restore(Node const& node, EndpointInfo& info, unsigned int) { RestoreDefault(node, info); }
+void Restore(Node const& node, AppEndpointInfo& info, unsigned int) { RestoreDefault(node, info); }
 
 void Describe(Draft_t& draft, AppEndpointArrayInfo const& info, unsigned int)
 {

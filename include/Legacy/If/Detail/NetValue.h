@@ -9,37 +9,35 @@
 
 namespace Legacy::If::Detail {
 
-template<class Family>
-class LEGACY_IF_API NetItem;
-
-/// Schema of a parameter that is one address or endpoint: a default and nothing to bound.
-///
-/// The families #AddrInfo, #EndpointInfo and #AppEndpointInfo are its instances. `Family` names the type of the value
-/// and the type tag.
-template<class Family>
-class LEGACY_IF_API NetInfo : public InfoFamily<NetInfo<Family>, Family::k_type>
+/// What the schemas say alike whose parameter is one address or endpoint: a default and nothing to bound. `Self` is the
+/// family's own class, `Item` that of its values, `Held` the type of what these hold.
+template<typename Self, typename Item, IfType_t Type, typename Held>
+class LEGACY_IF_API NetInfo : public InfoFamily<Self, Type>
 {
-    using Base = InfoFamily<NetInfo, Family::k_type>;
-
 public:
-    using Value = typename Family::Value;
+    using InfoFamily<Self, Type>::InfoFamily; // the default is the held type's own
 
-    /// The default is the value type's own.
-    NetInfo(unsigned int const& id, std::string const& name, Permission_t const& permission);
-
-    using Base::DeepCopy;
-    NetInfo* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const override;
     ItemBase* CreateItem() const override;
 
-    Value const& GetDefault() const noexcept { return m_default; }
+    Held const& GetDefault() const noexcept { return m_default; }
     /// Stores the value as it stands. Always 0.
-    int SetDefault(Value const& value);
+    int SetDefault(Held const& value)
+    {
+        m_default = value;
+        return 0;
+    }
 
     /// Equal types: there are no bounds.
-    bool IsEqualBounds(boost::intrusive_ptr<InfoBase const> const& other) const override;
+    bool IsEqualBounds(boost::intrusive_ptr<InfoBase const> const& other) const override
+    {
+        return this->IsEqualType(other);
+    }
     /// Changes nothing.
     /// @return 0; #IfErrBoundsTypeMismatch.
-    int MergeBounds(boost::intrusive_ptr<InfoBase const> const& other) override;
+    int MergeBounds(boost::intrusive_ptr<InfoBase const> const& other) override
+    {
+        return this->IsEqualType(other) ? 0 : IfErrBoundsTypeMismatch;
+    }
     /// From a schema of the same family: the default.
     int AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed) override;
 
@@ -48,32 +46,23 @@ public:
     std::ostream& operator<<(std::ostream& os) const override;
 
 private:
-    Value m_default;
+    Held m_default{};
 };
 
-/// Value of a parameter that is one address or endpoint. It is never refused: what the networking library makes of a
-/// text is all that is checked.
-///
-/// The families #AddrItem, #EndpointItem and #AppEndpointItem are its instances. `IsEmpty` is always false, also for an
-/// unspecified value.
-template<class Family>
-class LEGACY_IF_API NetItem : public ValueItem<NetItem<Family>, Family::k_type, typename Family::Value>
+/// What the values say alike that are one address or endpoint. They are never refused: what the networking library
+/// makes of a text is all that is checked. `IsEmpty` is always false, also for an unspecified value. `Self` is the
+/// family's own class, `Info` that of its schemas, `Held` the type of what is held.
+template<typename Self, typename Info, IfType_t Type, typename Held>
+class LEGACY_IF_API NetItem : public ValueItem<Self, Type, Held>
 {
-    using Base = ValueItem<NetItem, Family::k_type, typename Family::Value>;
-
 public:
-    using Value = typename Family::Value;
     using typename ItemBase::ConstSerialStruct_t;
     using typename ItemBase::SerialStruct_t;
 
-    explicit NetItem(unsigned int id); ///< the value type's default
-
-    using Base::DeepCopy;
-    NetItem* DeepCopy(unsigned int id) const override;
-
-    using Base::SetVal;
+    using ValueItem<Self, Type, Held>::ValueItem;
+    using ValueItem<Self, Type, Held>::SetVal;
     /// The same: the schema has nothing to say.
-    void SetVal(Value const& value, NetInfo<Family> const&) { SetVal(value); }
+    void SetVal(Held const& value, Info const&) { SetVal(value); }
 
     /// From a value of the same family; `index` is ignored.
     int AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index,
@@ -86,7 +75,7 @@ public:
     int Deserialize(ConstSerialStruct_t const* record) override;
 
     /// Always passes, whatever the schema, also null.
-    std::shared_ptr<ResultElem const> Validate(boost::intrusive_ptr<InfoBase const> const& info) override;
+    std::shared_ptr<ResultElem const> Validate(boost::intrusive_ptr<InfoBase const> const&) override { return {}; }
     /// Reads one word and stores what the networking library makes of it. Nothing is written to `out`.
     ///
     /// Contract: true also at the end of input, where nothing is read, and for a failed read, which counts as an empty
@@ -98,8 +87,8 @@ public:
                           boost::intrusive_ptr<InfoBase const> const& info) override;
     std::ostream& operator<<(std::ostream& os) const override;
 
-private:
-    using Base::m_value;
+protected:
+    using ValueItem<Self, Type, Held>::m_value;
 };
 
 } // namespace Legacy::If::Detail

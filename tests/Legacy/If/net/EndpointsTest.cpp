@@ -18,12 +18,11 @@ App const k_cam({AppProtocolType_t::Https, 0x1234, 0x5678}, Place("cam", 443), 9
 App const k_dom({AppProtocolType_t::Rtsp, 1, 1}, Place("rtsp://dom/a"), 0);
 std::string const k_camRecord = "\x07\x09\x12\x34\x56\x78" + "cam:443\0"s;
 
-template<typename Family>
-void ExpectFamily(std::string const& name, typename Family::Value const& value, std::string const& shown,
-                  std::string const& payload)
+template<typename Info, typename Item, typename Value>
+void ExpectFamily(std::string const& name, Value const& value, std::string const& shown, std::string const& payload)
 {
-    auto const info = MakeInfo<Detail::NetInfo<Family>>();
-    auto const fresh = MakeInfo<Detail::NetInfo<Family>>();
+    auto const info = MakeInfo<Info>();
+    auto const fresh = MakeInfo<Info>();
     EXPECT_EQ(info->SetDefault(value), 0);
     EXPECT_TRUE(fresh->IsEqualBounds(info));
     EXPECT_EQ(fresh->MergeBounds(info), 0);
@@ -33,7 +32,7 @@ void ExpectFamily(std::string const& name, typename Family::Value const& value, 
     EXPECT_EQ(Printed(*info), name + "Info");
     EXPECT_EQ(Dumped(*info), "id: 7\npermission: 4660\nname: speed\ntype: " + name + "\ndefault: " + shown + "\n");
 
-    auto const item = Make<Detail::NetItem<Family>>(7U);
+    auto const item = Make<Item>(7U);
     EXPECT_FALSE(item->IsEmpty());
     EXPECT_EQ(Assign(*item, Hold(info->CreateItem()), 99), (Outcome{0, 1}));
     EXPECT_EQ(Assign(*item, Hold(info->CreateItem())), (Outcome{0, 0}));
@@ -46,7 +45,7 @@ void ExpectFamily(std::string const& name, typename Family::Value const& value, 
         return Read(*item, record);
     };
     // A record that does not fit leaves the value: no text, a text without an end, a zero byte within the prefix.
-    std::size_t const prefixSize = Family::k_type == IfType_t::AppEndpoint ? 6 : 0;
+    std::size_t const prefixSize = Item::GetTypeStatic() == IfType_t::AppEndpoint ? 6 : 0;
     EXPECT_EQ(readPayload(std::string(prefixSize, '\0')), IfErrInvalidArgument);
     for (std::size_t size = 0; size < payload.size(); ++size)
         EXPECT_EQ(readPayload(payload.substr(0, size)), IfErrInvalidArgument) << size;
@@ -70,9 +69,9 @@ void ExpectFamily(std::string const& name, typename Family::Value const& value, 
 
 TEST(NetValues, HaveTextsAndRecordsButNoBounds)
 {
-    ExpectFamily<AddrFamily>("Addr", "cam", "cam", "cam\0"s);
-    ExpectFamily<EndpointFamily>("Endpoint", {"::1", 80}, "[::1]:80", "[::1]:80\0"s);
-    ExpectFamily<AppEndpointFamily>("AppEndpoint", k_cam, "https://cam:443", k_camRecord);
+    ExpectFamily<AddrInfo, AddrItem>("Addr", Net::AddrStr("cam"), "cam", "cam\0"s);
+    ExpectFamily<EndpointInfo, EndpointItem>("Endpoint", Place("::1", 80), "[::1]:80", "[::1]:80\0"s);
+    ExpectFamily<AppEndpointInfo, AppEndpointItem>("AppEndpoint", k_cam, "https://cam:443", k_camRecord);
 }
 
 TEST(AppEndpointItem, TakesItsProtocolFromItsSchemaWhenItIsRead)
