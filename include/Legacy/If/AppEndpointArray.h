@@ -1,8 +1,8 @@
 #pragma once
 
 #include <Legacy/If/AppEndpoint.h>
-#include <Legacy/If/Detail/Array.h>
 #include <Legacy/If/Detail/Family.h>
+#include <Legacy/If/Detail/ValueItem.h>
 #include <Legacy/If/Export.h>
 
 #include <memory>
@@ -63,13 +63,16 @@ private:
 
 /// Value of a parameter that is a list of application endpoints.
 class LEGACY_IF_API AppEndpointArrayItem
-    : public Detail::ArrayItem<AppEndpointArrayItem, IfType_t::AppEndpointArray, AppEndpointList::value_type>
+    : public Detail::ValueItem<AppEndpointArrayItem, IfType_t::AppEndpointArray, AppEndpointList>
 {
 public:
     explicit AppEndpointArrayItem(unsigned int id); ///< empty
 
-    using ArrayItem::DeepCopy;
+    using ValueItem::DeepCopy;
     AppEndpointArrayItem* DeepCopy(unsigned int id) const override;
+
+    unsigned int GetSize() const noexcept { return static_cast<unsigned int>(m_value.size()); }
+    bool IsEmpty() const override; ///< there are no elements
 
     /// From an application endpoint, into the element at `index`: the list grows to hold it, with default elements
     /// before it. From a list as a whole, with `index` ignored.
@@ -90,6 +93,10 @@ public:
     bool SetValFromStream(std::istream& in, std::ostream& out,
                           boost::intrusive_ptr<InfoBase const> const& info) override;
     std::ostream& operator<<(std::ostream& os) const override;
+
+private:
+    using ValueItem::Create; // a list is made by its constructor or by its schema
+    friend class AppEndpointArrayInfo;
 };
 
 } // namespace Legacy::If

@@ -25,7 +25,7 @@ public:
 };
 
 /// Value of a parameter that is a list of booleans.
-class LEGACY_IF_API BoolArrayItem : public Detail::ArrayItem<BoolArrayItem, IfType_t::BoolArray, bool>
+class LEGACY_IF_API BoolArrayItem : public Detail::ArrayItem<BoolArrayItem, BoolArrayInfo, IfType_t::BoolArray, bool>
 {
 public:
     explicit BoolArrayItem(unsigned int id); ///< empty

@@ -69,11 +69,12 @@ private:
 
 /// Value of a parameter that is a list of numbers.
 template<typename T>
-class LEGACY_IF_API NumericArrayItem : public Detail::ArrayItem<NumericArrayItem<T>, IfType_t::NumericArray,
-                                                                typename T::T, T::k_numericType, NumericEqual<T>>
+class LEGACY_IF_API NumericArrayItem
+    : public Detail::ArrayItem<NumericArrayItem<T>, NumericArrayInfo<T>, IfType_t::NumericArray, typename T::T,
+                               T::k_numericType, NumericEqual<T>>
 {
-    using Family =
-        Detail::ArrayItem<NumericArrayItem, IfType_t::NumericArray, typename T::T, T::k_numericType, NumericEqual<T>>;
+    using Family = Detail::ArrayItem<NumericArrayItem, NumericArrayInfo<T>, IfType_t::NumericArray, typename T::T,
+                                     T::k_numericType, NumericEqual<T>>;
 
 public:
     using Element = typename T::T; ///< the type of a number

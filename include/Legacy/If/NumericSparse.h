@@ -8,6 +8,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Legacy::If {
@@ -40,8 +41,12 @@ public:
     unsigned int GetSize() const noexcept { return m_allowed.Size(); }
     std::vector<Element>& GetTable() noexcept { return m_allowed.Table(); } ///< the default is not looked after
     std::vector<Element> const& GetTable() const noexcept { return m_allowed.Table(); }
-    /// Replaces the table. A default that is not in it becomes its first value, or 0 for an empty one. Always 0.
+    /// Replaces the table. A default that is not in it becomes its first value, or 0 for an empty one. Always 0. The
+    /// argument stays as it is; the form for a list that can be changed is the one that tables of members name.
+    /// @{
+    int SetTable(std::vector<Element>& table) { return SetTable(std::as_const(table)); }
     int SetTable(std::vector<Element> const& table);
+    /// @}
     /// @return 0; #IfErrNotInSet, and nothing stored, for a value that is not in the table.
     int SetDefault(Element value);
     /// Whether the table holds the value, within the tolerance for floating-point types.

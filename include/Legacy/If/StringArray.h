@@ -25,7 +25,8 @@ public:
 };
 
 /// Value of a parameter that is a list of texts.
-class LEGACY_IF_API StringArrayItem : public Detail::ArrayItem<StringArrayItem, IfType_t::StringArray, std::string>
+class LEGACY_IF_API StringArrayItem
+    : public Detail::ArrayItem<StringArrayItem, StringArrayInfo, IfType_t::StringArray, std::string>
 {
 public:
     explicit StringArrayItem(unsigned int id); ///< empty

@@ -25,7 +25,7 @@ public:
 
     std::string GetDefault() const { return m_allowed.Default(); }
     /// @return 0; #IfErrNotInSet, and nothing stored, for a text that is not in the list.
-    int SetDefault(std::string const& text);
+    int SetDefault(std::string text);
 
     unsigned int GetSize() const noexcept { return m_allowed.Size(); }
     std::vector<std::string>& GetTable() noexcept { return m_allowed.Table(); } ///< the default is not looked at
@@ -33,7 +33,7 @@ public:
     /// Copies the list. A default that is not in it becomes its first text, or empty with an empty list. Always 0.
     int SetTable(std::vector<std::string> const& table);
     /// Whether the list holds the text, byte for byte.
-    bool IsPresent(std::string const& text) const;
+    bool IsPresent(std::string text) const;
 
     /// Always false, also for an own copy.
     ///
@@ -65,7 +65,7 @@ public:
 
     using ValueItem::SetVal;
     /// Stores the text if the schema lists it and the schema's default otherwise; the caller is not told which.
-    void SetVal(std::string const& value, StringSparseInfo const& info);
+    void SetVal(std::string value, StringSparseInfo const& info);
 
     /// From a value of the same family.
     int AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index,

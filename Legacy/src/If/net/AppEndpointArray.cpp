@@ -80,9 +80,11 @@ void AppEndpointArrayInfo::DumpVal(std::ostream& os) const
 
 std::ostream& AppEndpointArrayInfo::operator<<(std::ostream& os) const { return os << "AppEndpointArrayInfo"; }
 
-AppEndpointArrayItem::AppEndpointArrayItem(unsigned int id) : ArrayItem(id) {}
+AppEndpointArrayItem::AppEndpointArrayItem(unsigned int id) : ValueItem(id) {}
 
 AppEndpointArrayItem* AppEndpointArrayItem::DeepCopy(unsigned int id) const { return CopyAs_(id); }
+
+bool AppEndpointArrayItem::IsEmpty() const { return m_value.empty(); }
 
 int AppEndpointArrayItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index,
                                            bool* changed)

@@ -6,6 +6,7 @@
 #include <Legacy/If/StringSparse.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace Legacy::If {
 
@@ -28,7 +29,7 @@ StringSparseInfo* StringSparseInfo::DeepCopy(unsigned int id, std::string const&
 
 ItemBase* StringSparseInfo::CreateItem() const { return StringSparseItem::Create(GetId(), m_allowed.Default()); }
 
-int StringSparseInfo::SetDefault(std::string const& text) { return m_allowed.SetDefault(text); }
+int StringSparseInfo::SetDefault(std::string text) { return m_allowed.SetDefault(std::move(text)); }
 
 int StringSparseInfo::SetTable(std::vector<std::string> const& table)
 {
@@ -36,7 +37,7 @@ int StringSparseInfo::SetTable(std::vector<std::string> const& table)
     return 0;
 }
 
-bool StringSparseInfo::IsPresent(std::string const& text) const { return m_allowed.IsPresent(text); }
+bool StringSparseInfo::IsPresent(std::string text) const { return m_allowed.IsPresent(text); }
 
 bool StringSparseInfo::IsEqualBounds(boost::intrusive_ptr<InfoBase const> const&) const { return false; }
 
@@ -69,9 +70,9 @@ StringSparseItem::StringSparseItem(unsigned int id) : ValueItem(id) {}
 
 StringSparseItem* StringSparseItem::DeepCopy(unsigned int id) const { return CopyAs_(id); }
 
-void StringSparseItem::SetVal(std::string const& value, StringSparseInfo const& info)
+void StringSparseItem::SetVal(std::string value, StringSparseInfo const& info)
 {
-    m_value = info.m_allowed.AllowedOrDefault(value);
+    m_value = info.m_allowed.AllowedOrDefault(std::move(value));
 }
 
 int StringSparseItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int, bool* changed)

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <utility>
 #include <vector>
 
 namespace Legacy::If::Detail {
@@ -29,11 +30,11 @@ public:
     }
 
     /// @return 0; #IfErrNotInSet, and nothing stored, for a value that the table does not hold.
-    int SetDefault(Value const& value)
+    int SetDefault(Value value)
     {
         if (!IsPresent(value))
             return IfErrNotInSet;
-        m_default = value;
+        m_default = std::move(value);
         return 0;
     }
 
@@ -48,7 +49,12 @@ public:
     }
 
     /// The value if it is allowed, otherwise the default.
-    Value const& AllowedOrDefault(Value const& value) const { return IsPresent(value) ? value : m_default; }
+    Value AllowedOrDefault(Value value) const
+    {
+        if (!IsPresent(value))
+            return m_default;
+        return value;
+    }
 
 private:
     std::vector<Value> m_table;

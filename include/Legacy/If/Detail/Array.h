@@ -81,8 +81,8 @@ protected:
     List m_default;
 };
 
-/// What the values say alike that are lists.
-template<typename Self, IfType_t Type, typename T, NumericType_t Element = NumericType_t::Undefined,
+/// What the values say alike that are lists. `Info` is the class of the family's schemas.
+template<typename Self, typename Info, IfType_t Type, typename T, NumericType_t Element = NumericType_t::Undefined,
          typename Same = std::equal_to<std::vector<T>>>
 class LEGACY_IF_API ArrayItem : public ValueItem<Self, Type, std::vector<T>, Element, Same>
 {
@@ -96,11 +96,7 @@ public:
     using ValueItem<Self, Type, List, Element, Same>::SetVal;
     /// The values of the elements are not looked at.
     /// @return 0; #IfErrSizeOutOfRange, and nothing stored, for a list outside the schema's sizes.
-    template<typename Info>
-    int SetVal(List const& value, ArrayInfo<Info, Type, T, Element> const& info)
-    {
-        return info.Sizes().Store(value, this->m_value);
-    }
+    int SetVal(List const& value, Info const& info) { return info.Sizes().Store(value, this->m_value); }
 
     bool IsEmpty() const override { return this->m_value.empty(); } ///< there are no elements
 };

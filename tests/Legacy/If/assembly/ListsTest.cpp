@@ -1,0 +1,64 @@
+// What all lists have in common.
+#include "../Families.h"
+
+namespace Legacy::If::Test {
+namespace {
+
+/// No schema itself, but one can be had of it.
+template<typename Info>
+struct Parameter
+{
+    Info const& info;
+
+    operator Info const&() const { return info; }
+};
+
+TEST(Lists, AreCheckedAgainstTheSizesOfTheirSchemas)
+{
+    auto const expect = []<typename Info, typename Item>(Family<Info, Item>) {
+        using List = std::remove_reference_t<decltype(Item(1).Val())>;
+        int (Item::*const set)(List const&, Info const&) = &Item::SetVal; // as tables of members name it
+        auto const info = MakeInfo<Info>();
+        info->SetMaxSize(1);
+        List const one = Filled<Item>(1)->GetVal();
+        List two = one;
+        two.push_back(one[0]);
+        Item item(7);
+        EXPECT_EQ((item.*set)(two, *info), IfErrSizeOutOfRange);
+        EXPECT_TRUE(item.IsEmpty());
+        EXPECT_EQ(item.SetVal(one, Parameter<Info>{*info}), 0);
+        EXPECT_EQ(item.GetSize(), 1U);
+    };
+    ForAllTraits([&]<typename T>(T) { expect(Family<NumericArrayInfo<T>, NumericArrayItem<T>>()); });
+    TraitsList<Family<RectArrayInfo<U16Traits>, RectArrayItem<U16Traits>>, Family<BoolArrayInfo, BoolArrayItem>,
+               Family<StringArrayInfo, StringArrayItem>>::ForEach(expect);
+}
+
+// A list of endpoints has sizes that nobody checks, and is made by its constructor.
+template<typename Item>
+concept IsMadeOf = requires(AppEndpointList list)
+{
+    Item::Create(1U, list);
+};
+template<typename Item>
+concept IsChecked = requires(Item item, AppEndpointList list, AppEndpointArrayInfo info)
+{
+    item.SetVal(list, info);
+};
+static_assert(!IsMadeOf<AppEndpointArrayItem> && !IsChecked<AppEndpointArrayItem>);
+
+int (NumericSparseInfo<U8Traits>::*const s_setTable)(std::vector<unsigned char>&) =
+    &NumericSparseInfo<U8Traits>::SetTable;
+int (StringSparseInfo::*const s_setDefault)(std::string) = &StringSparseInfo::SetDefault;
+
+TEST(Lists, AreNamedByTheirMembers)
+{
+    auto const numbers = MakeInfo<NumericSparseInfo<U8Traits>>();
+    std::vector<unsigned char> table{7, 8};
+    EXPECT_EQ(((*numbers).*s_setTable)(table), 0);
+    EXPECT_EQ(numbers->GetDefault(), 7);
+    EXPECT_EQ((*MakeInfo<StringSparseInfo>().*s_setDefault)("x"), IfErrNotInSet);
+}
+
+} // namespace
+} // namespace Legacy::If::Test
