@@ -97,6 +97,7 @@ public:
     std::vector<Rect> const& Val() const noexcept { return m_value; }
     std::vector<Rect> GetVal() const { return m_value; }
     void SetVal(std::vector<Rect> const& value) { m_value = value; }
+    void SetVal(std::vector<Rect>&& value) noexcept { m_value = std::move(value); }
     /// @return 0; #IfErrSizeOutOfRange, and nothing stored, for a list outside the schema's sizes.
     int SetVal(std::vector<Rect> const& value, RectArrayInfo<T> const& info);
 

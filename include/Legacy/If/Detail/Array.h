@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Legacy::If::Detail {
@@ -96,7 +97,10 @@ public:
     using ValueItem<Self, Type, List, Element, Same>::SetVal;
     /// The values of the elements are not looked at.
     /// @return 0; #IfErrSizeOutOfRange, and nothing stored, for a list outside the schema's sizes.
+    /// @{
     int SetVal(List const& value, Info const& info) { return info.Sizes().Store(value, this->m_value); }
+    int SetVal(List&& value, Info const& info) { return info.Sizes().Store(std::move(value), this->m_value); }
+    /// @}
 
     bool IsEmpty() const override { return this->m_value.empty(); } ///< there are no elements
 };

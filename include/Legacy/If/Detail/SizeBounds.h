@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
 namespace Legacy::If::Detail {
 
@@ -33,9 +34,9 @@ public:
     template<typename List>
     void SetMin(unsigned int n, List& defaultVal)
     {
-        SetMin(n);
         if (!defaultVal.empty() && defaultVal.size() < n)
-            defaultVal.resize(n);
+            defaultVal.resize(n); // first, so that nothing has changed if there is no memory for it
+        SetMin(n);
     }
 
     /// #SetMax, and a longer default is cut to the new maximum.
@@ -50,12 +51,12 @@ public:
     constexpr bool Contains(std::size_t size) const noexcept { return m_min <= size && size <= m_max; }
 
     /// Stores `from` in `to` if its size is allowed; otherwise #IfErrSizeOutOfRange and nothing is stored.
-    template<typename List>
-    int Store(List const& from, List& to) const
+    template<typename From, typename List>
+    int Store(From&& from, List& to) const
     {
         if (!Contains(from.size()))
             return IfErrSizeOutOfRange;
-        to = from;
+        to = std::forward<From>(from);
         return 0;
     }
 

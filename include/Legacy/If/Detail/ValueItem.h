@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <type_traits>
+#include <utility>
 
 namespace Legacy::If::Detail {
 
@@ -24,18 +25,32 @@ public:
     explicit ValueItem(unsigned int id) : ItemFamily<Self, Type, Element>(id) {}
 
     /// A value with that content, whatever any schema says. The caller owns it: count 0.
+    /// @{
     static Self* Create(unsigned int id, Held const& value)
     {
         auto item = std::make_unique<Self>(id);
         item->Val() = value;
         return item.release();
     }
+    static Self* Create(unsigned int id, Held&& value) requires std::is_class_v<Held>
+    {
+        auto item = std::make_unique<Self>(id);
+        item->Val() = std::move(value);
+        return item.release();
+    }
+    /// @}
 
     Held GetVal() const noexcept(std::is_nothrow_copy_constructible_v<Held>) { return m_value; }
     Held& Val() noexcept { return m_value; } ///< no schema is asked
     Held const& Val() const noexcept { return m_value; }
     /// Stores the content as it stands: no schema is asked.
+    /// @{
     void SetVal(Argument value) noexcept(std::is_nothrow_copy_assignable_v<Held>) { m_value = value; }
+    void SetVal(Held&& value) noexcept(std::is_nothrow_move_assignable_v<Held>) requires std::is_class_v<Held>
+    {
+        m_value = std::move(value);
+    }
+    /// @}
 
     /// Equal types and contents; floating-point numbers are equal within the tolerance.
     bool IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const override

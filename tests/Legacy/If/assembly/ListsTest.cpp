@@ -34,6 +34,41 @@ TEST(Lists, AreCheckedAgainstTheSizesOfTheirSchemas)
                Family<StringArrayInfo, StringArrayItem>>::ForEach(expect);
 }
 
+template<typename Item>
+void ExpectMoved()
+{
+    using Held = std::remove_reference_t<decltype(Item(1).Val())>;
+    auto const roomy = [] {
+        Held held;
+        held.reserve(1000);
+        return held;
+    };
+    Item item(7);
+    item.SetVal(roomy());
+    EXPECT_GE(item.Val().capacity(), 1000U);
+    if constexpr (requires { Item::Create(7U, Held()); })
+        EXPECT_GE(Hold(Item::Create(7U, roomy()))->Val().capacity(), 1000U);
+}
+
+TEST(Lists, AreTakenOverWithTheirStorage)
+{
+    ExpectMoved<NumericArrayItem<U8Traits>>();
+    ExpectMoved<BoolArrayItem>();
+    ExpectMoved<StringItem>();
+    ExpectMoved<StringArrayItem>();
+    ExpectMoved<RectArrayItem<U16Traits>>();
+    ExpectMoved<AppEndpointArrayItem>();
+    auto const info = MakeInfo<BoolArrayInfo>();
+    info->SetMaxSize(1);
+    std::vector<bool> two{true, false};
+    BoolArrayItem item(7);
+    EXPECT_EQ(item.SetVal(static_cast<std::vector<bool>&&>(two), *info), IfErrSizeOutOfRange);
+    EXPECT_EQ(two.size(), 2U); // refused, it is still the caller's
+    two.pop_back();
+    EXPECT_EQ(item.SetVal(static_cast<std::vector<bool>&&>(two), *info), 0);
+    EXPECT_EQ(item.GetVal(), std::vector<bool>{true});
+}
+
 // A list of endpoints has sizes that nobody checks, and is made by its constructor.
 template<typename Item>
 concept IsMadeOf = requires(AppEndpointList list)
