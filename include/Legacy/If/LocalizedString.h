@@ -22,7 +22,7 @@ public:
     /// No arguments. A key may stand wherever a message is asked for.
     LocalizedString(std::string const& key) : m_key(key) {}
     LocalizedString(LocalizedString const&) = default;
-    LocalizedString& operator=(LocalizedString const&) = default;
+    LocalizedString& operator=(LocalizedString const& other);
     virtual ~LocalizedString();
 
     /// Equal keys and, place by place, the very same argument objects: values are not compared, so two messages built

@@ -34,7 +34,7 @@ ItemBase* AppEndpointArrayInfo::CreateItem() const { return AppEndpointArrayItem
 
 int AppEndpointArrayInfo::SetDefault(AppEndpointList const& list)
 {
-    m_default = list;
+    m_default = AppEndpointList(list);
     return 0;
 }
 

@@ -90,9 +90,9 @@ int NumericArrayInfo<T>::AssignRects_(RectArrayInfo<U16Traits> const& schema, bo
     auto const bottomRight = schema.BottomRight();
     auto const axes = {topLeft->X(), topLeft->Y(), bottomRight->X(), bottomRight->Y()};
     Detail::Change change;
+    change.Resize(m_default, Detail::k_rectNumbers); // all that can fail
     change.Assign(m_size, Detail::SizeBounds(Detail::k_rectNumbers * schema.GetMinSize(),
                                              Detail::k_rectNumbers * schema.GetMaxSize()));
-    change.Resize(m_default, Detail::k_rectNumbers);
     auto number = m_default.begin();
     unsigned short min = U16Traits::k_defaultMax;
     unsigned short max = U16Traits::k_defaultMin;

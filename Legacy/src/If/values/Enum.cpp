@@ -44,7 +44,7 @@ int EnumInfo::SetDefault(int value)
 
 int EnumInfo::SetTable(std::vector<ElemType<int>> const& table)
 {
-    m_table = table;
+    m_table = Table(table); // the old elements or the new ones, and none half copied, if memory ends
     if (!m_table.empty() && !IsPresent(m_default))
         m_default = m_table.front().value;
     return 0;

@@ -20,7 +20,7 @@ ItemBase* ExtendedInfo::CreateItem() const { return ExtendedItem::Create(GetId()
 
 int ExtendedInfo::SetDefault(std::pair<std::string, std::string> const& texts)
 {
-    m_default = texts;
+    m_default = std::pair(texts); // both or none, also if memory ends
     return 0;
 }
 
@@ -42,7 +42,7 @@ ExtendedItem::ExtendedItem(unsigned int id) : ValueItem(id) {}
 
 ExtendedItem* ExtendedItem::DeepCopy(unsigned int id) const { return CopyAs_(id); }
 
-void ExtendedItem::SetVal(std::pair<std::string, std::string> const& value, ExtendedInfo const&) { m_value = value; }
+void ExtendedItem::SetVal(std::pair<std::string, std::string> const& value, ExtendedInfo const&) { SetVal(value); }
 
 bool ExtendedItem::IsEmpty() const { return m_value.first.empty(); }
 

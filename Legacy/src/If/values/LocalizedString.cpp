@@ -9,6 +9,14 @@ namespace Legacy::If {
 
 LocalizedString::~LocalizedString() = default;
 
+LocalizedString& LocalizedString::operator=(LocalizedString const& other)
+{
+    LocalizedString copy(other); // if memory ends here, key and arguments still belong together
+    m_key.swap(copy.m_key);
+    m_arguments.swap(copy.m_arguments);
+    return *this;
+}
+
 bool LocalizedString::operator==(LocalizedString const& other) const
 {
     return m_key == other.m_key && m_arguments == other.m_arguments;

@@ -23,11 +23,7 @@ public:
     Value const& Default() const noexcept { return m_default; }
     unsigned int Size() const noexcept { return static_cast<unsigned int>(m_table.size()); }
 
-    bool IsPresent(Value const& value) const
-    {
-        return std::any_of(m_table.begin(), m_table.end(),
-                           [&value](Value const& allowed) { return Same(allowed, value); });
-    }
+    bool IsPresent(Value const& value) const { return Holds_(m_table, value); }
 
     /// @return 0; #IfErrNotInSet, and nothing stored, for a value that the table does not hold.
     int SetDefault(Value value)
@@ -38,14 +34,14 @@ public:
         return 0;
     }
 
-    /// Copies the table. A default that is not in it becomes its first value, or nothing in an empty one.
-    void SetTable(std::vector<Value> const& table)
+    /// Replaces the table. A default that is not in it becomes its first value, or nothing in an empty one.
+    void SetTable(std::vector<Value> table)
     {
-        m_table = table;
-        if (m_table.empty())
+        if (table.empty())
             m_default = Value();
-        else if (!IsPresent(m_default))
-            m_default = m_table.front();
+        else if (!Holds_(table, m_default))
+            m_default = table.front(); // first, so that nothing has changed if there is no memory for it
+        m_table = std::move(table);
     }
 
     /// The value if it is allowed, otherwise the default.
@@ -57,6 +53,11 @@ public:
     }
 
 private:
+    static bool Holds_(std::vector<Value> const& table, Value const& value)
+    {
+        return std::any_of(table.begin(), table.end(), [&value](Value const& allowed) { return Same(allowed, value); });
+    }
+
     std::vector<Value> m_table;
     Value m_default{};
 };

@@ -49,7 +49,7 @@ public:
     }
 
     /// @return 0; #IfErrSizeOutOfRange, and nothing stored, for a list outside the sizes.
-    int SetDefault(List const& list) { return m_size.Store(list, m_default); }
+    int SetDefault(List const& list) { return m_size.Store(List(list), m_default); }
 
     /// Equal types and sizes; the default is not compared.
     bool IsEqualBounds(boost::intrusive_ptr<InfoBase const> const& other) const override

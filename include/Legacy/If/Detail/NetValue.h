@@ -23,7 +23,7 @@ public:
     /// Stores the value as it stands. Always 0.
     int SetDefault(Held const& value)
     {
-        m_default = value;
+        m_default = Held(value);
         return 0;
     }
 

@@ -45,7 +45,13 @@ public:
     Held const& Val() const noexcept { return m_value; }
     /// Stores the content as it stands: no schema is asked.
     /// @{
-    void SetVal(Argument value) noexcept(std::is_nothrow_copy_assignable_v<Held>) { m_value = value; }
+    void SetVal(Argument value) noexcept(std::is_nothrow_copy_assignable_v<Held>)
+    {
+        if constexpr (requires { typename Held::allocator_type; })
+            m_value = value; // texts and lists keep their storage
+        else
+            m_value = Held(value); // the old or the new one, and nothing between them, if memory ends
+    }
     void SetVal(Held&& value) noexcept(std::is_nothrow_move_assignable_v<Held>) requires std::is_class_v<Held>
     {
         m_value = std::move(value);
