@@ -52,7 +52,8 @@ public:
     int GetElemName(int value, std::string& name) const;
     /// Names compare byte for byte.
     int GetElemVal(std::string const& name, int& value) const;
-    /// Appends an element; the default stays.
+    /// Appends an element; the default stays. The table is walked for its value and name, as by every look-up: one of
+    /// thousands of elements is better given as a whole.
     /// @return 0; #IfErrAlreadyExists, and nothing added, if its value or its name is taken.
     int AddElem(ElemType<int> const& elem);
     /// Takes an element out; the default stays, even if it was the element's value.

@@ -2,6 +2,7 @@
 #include "convert/Convert.h"
 #include "convert/Visit.h"
 #include "core/Finding.h"
+#include "core/ReserveMore.h"
 #include "record/NumberTuple.h"
 #include "record/SerialRecord.h"
 #include "shapes/Parts.h"
@@ -188,7 +189,7 @@ bool RectArrayItem<T>::ResizeArray_(std::uint64_t n)
     if (n < m_value.size()) {
         m_value.erase(m_value.begin() + static_cast<std::ptrdiff_t>(n), m_value.end());
     } else {
-        m_value.reserve(static_cast<std::size_t>(n));
+        Detail::ReserveMore(m_value, static_cast<std::size_t>(n) - m_value.size());
         while (m_value.size() < n)
             m_value.emplace_back(0);
     }

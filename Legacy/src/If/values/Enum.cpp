@@ -79,8 +79,8 @@ int EnumInfo::GetElemVal(std::string const& name, int& value) const
 
 int EnumInfo::AddElem(ElemType<int> const& elem)
 {
-    Table::iterator found;
-    if (Find(elem.value, found) || Find(elem.name, found))
+    auto const taken = [&elem](auto const& row) { return row.value == elem.value || row.name == elem.name; };
+    if (std::ranges::any_of(m_table, taken))
         return IfErrAlreadyExists;
     m_table.push_back(elem);
     return 0;

@@ -69,6 +69,25 @@ TEST(Lists, AreTakenOverWithTheirStorage)
     EXPECT_EQ(item.GetVal(), std::vector<bool>{true});
 }
 
+TEST(Lists, GrowOneByOneWithoutMovingTheirElementsEachTime)
+{
+    auto const expect = []<typename One, typename Item>(Family<One, Item>) {
+        constexpr unsigned int count = 500;
+        auto const one = Filled<One>(1);
+        Item item(7);
+        std::size_t moved = 0;
+        for (unsigned int i = 0; i < count; ++i) {
+            auto const capacity = item.Val().capacity();
+            EXPECT_EQ(item.AssignArrayValue(one, i, nullptr), 0);
+            moved += item.Val().capacity() != capacity ? i : 0;
+        }
+        EXPECT_LT(moved, 3 * count) << Dumped(*one);
+    };
+    TraitsList<Family<NumericItem<U8Traits>, NumericArrayItem<U8Traits>>,
+               Family<RectItem<U16Traits>, RectArrayItem<U16Traits>>, Family<BoolItem, BoolArrayItem>,
+               Family<StringItem, StringArrayItem>, Family<AppEndpointItem, AppEndpointArrayItem>>::ForEach(expect);
+}
+
 // A list of endpoints has sizes that nobody checks, and is made by its constructor.
 template<typename Item>
 concept IsMadeOf = requires(AppEndpointList list)

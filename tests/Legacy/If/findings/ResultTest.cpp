@@ -49,7 +49,9 @@ TEST(Result, GathersAndFiltersBySeverity)
     result.AddResults(shared, k_error);
     EXPECT_FALSE(result.ContainsPromptableResultElem());
     result.RemovePromptableResultElems();
+    result.AddResults({FindingOf(k_lowest)}, k_error);
     EXPECT_EQ(result.GetNumResults(), 9U);
+    EXPECT_EQ(result.GetResultArray().capacity(), 10U); // room for all that was given, taken or not
 }
 
 TEST(Result, LogsItsPrefixOnceForEachFinding)
