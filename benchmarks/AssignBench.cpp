@@ -1,9 +1,14 @@
 // What it costs to take over the value of a parameter of another element type.
 #include "Rows.h"
 
+#include <Legacy/If/AppEndpointArray.h>
 #include <Legacy/If/Bool.h>
+#include <Legacy/If/BoolArray.h>
+#include <Legacy/If/Composite.h>
 #include <Legacy/If/Numeric.h>
 #include <Legacy/If/NumericArray.h>
+#include <Legacy/If/RectArray.h>
+#include <Legacy/If/StringArray.h>
 
 #include <algorithm>
 #include <array>
@@ -17,6 +22,8 @@ namespace {
 
 using namespace Legacy::If;
 using namespace Bench;
+
+using ItemPtr = boost::intrusive_ptr<ItemBase const>;
 
 template<typename Traits>
 using List = boost::intrusive_ptr<NumericArrayItem<Traits>>;
@@ -196,6 +203,50 @@ void AddGlib()
 
 #endif
 
+/// A list to which `append` adds one element after the other.
+template<typename List, typename Append>
+void AddAppend(std::string const& subject, std::string const& library, List const& empty, Append append)
+{
+    AddRow("append", subject + "x10000", library, [empty, append](benchmark::State& state) {
+        constexpr unsigned int count = 10000;
+        bool right = true;
+        auto const fill = [&] {
+            List list = empty;
+            for (unsigned int i = 0; i < count; ++i)
+                append(list, i);
+            if constexpr (requires { list.GetSize(); })
+                right &= list.GetSize() == count;
+            benchmark::DoNotOptimize(list);
+        };
+        Measure(state, fill, count);
+        Check(state, right);
+    });
+}
+
+template<typename Item>
+void AddAppend(std::string const& subject, ItemBase* element)
+{
+    AddAppend(subject, k_ours, Item(k_id), [source = ItemPtr(element)](Item& list, unsigned int index) {
+        list.AssignArrayValue(source, index, nullptr);
+    });
+}
+
+void AddAppends()
+{
+    AddAppend<NumericArrayItem<U16Traits>>("u16", NumericItem<U16Traits>::Create(k_id, 7));
+    AddAppend<BoolArrayItem>("bool", BoolItem::Create(k_id, true));
+    AddAppend<StringArrayItem>("text", StringItem::Create(k_id, k_text));
+    AddAppend<RectArrayItem<U16Traits>>("rect", new RectItem<U16Traits>(k_id));
+    AddAppend<AppEndpointArrayItem>("app-endpoint", new AppEndpointItem(k_id));
+    boost::intrusive_ptr<ItemBase> const member(new BoolItem(k_id));
+    AddAppend("member", k_ours, CompositeItem(k_id),
+              [member](CompositeItem& list, unsigned int) { list.AddItem(member); });
+    AddAppend("u16", "std-vector", std::vector<unsigned short>(),
+              [](std::vector<unsigned short>& list, unsigned int) { list.push_back(7); });
+    AddAppend("text", "std-vector", std::vector<std::string>(),
+              [](std::vector<std::string>& list, unsigned int) { list.emplace_back(k_text); });
+}
+
 struct Rows
 {
     Rows()
@@ -216,6 +267,7 @@ struct Rows
                         MakeListItem<U16Traits>(MakeList<unsigned short>()), 500);
         AddScalarAssign("u32-to-element", MakeListItem<U16Traits>(MakeList<unsigned short>()), number, 500);
         AddRefused();
+        AddAppends();
 #ifdef BENCH_HAS_GLIB
         ForElements<U32Traits, FloatTraits, DoubleTraits>(
             []<typename From>(From) { ForAllElements([]<typename To>(To) { AddGlib<From, To>(); }); });
