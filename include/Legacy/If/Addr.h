@@ -14,7 +14,8 @@ public:
     using NetInfo::NetInfo;
 
     using NetInfo::DeepCopy;
-    AddrInfo* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const override;
+    [[nodiscard]] AddrInfo* DeepCopy(unsigned int id, std::string const& name,
+                                     Permission_t const& permission) const override;
 };
 
 /// An address as text. It prints as that text, an unspecified one as nothing.
@@ -24,7 +25,7 @@ public:
     using NetItem::NetItem;
 
     using NetItem::DeepCopy;
-    AddrItem* DeepCopy(unsigned int id) const override;
+    [[nodiscard]] AddrItem* DeepCopy(unsigned int id) const override;
 };
 
 extern template class Detail::NetInfo<AddrInfo, AddrItem, IfType_t::Addr, Net::AddrStr>;

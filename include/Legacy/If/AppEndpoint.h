@@ -140,7 +140,8 @@ public:
     using NetInfo::NetInfo;
 
     using NetInfo::DeepCopy;
-    AppEndpointInfo* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const override;
+    [[nodiscard]] AppEndpointInfo* DeepCopy(unsigned int id, std::string const& name,
+                                            Permission_t const& permission) const override;
 };
 
 /// An application endpoint. It prints in the form for display.
@@ -151,7 +152,7 @@ public:
     using NetItem::NetItem;
 
     using NetItem::DeepCopy;
-    AppEndpointItem* DeepCopy(unsigned int id) const override;
+    [[nodiscard]] AppEndpointItem* DeepCopy(unsigned int id) const override;
 };
 
 extern template class Detail::NetInfo<AppEndpointInfo, AppEndpointItem, IfType_t::AppEndpoint,

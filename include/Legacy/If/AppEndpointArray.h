@@ -26,9 +26,9 @@ public:
     using InfoFamily::DeepCopy;
     /// Contract: the copy takes the default over but has the sizes of a new schema; only `operator=` and the copy
     /// constructor carry them. Callers that copy a schema set the sizes themselves.
-    AppEndpointArrayInfo* DeepCopy(unsigned int id, std::string const& name,
-                                   Permission_t const& permission) const override;
-    ItemBase* CreateItem() const override;
+    [[nodiscard]] AppEndpointArrayInfo* DeepCopy(unsigned int id, std::string const& name,
+                                                 Permission_t const& permission) const override;
+    [[nodiscard]] ItemBase* CreateItem() const override;
 
     AppEndpointList const& GetDefault() const noexcept { return m_default; }
     unsigned int GetMinSize() const noexcept { return m_minSize; }
@@ -69,7 +69,7 @@ public:
     explicit AppEndpointArrayItem(unsigned int id); ///< empty
 
     using ValueItem::DeepCopy;
-    AppEndpointArrayItem* DeepCopy(unsigned int id) const override;
+    [[nodiscard]] AppEndpointArrayItem* DeepCopy(unsigned int id) const override;
 
     unsigned int GetSize() const noexcept { return static_cast<unsigned int>(m_value.size()); }
     bool IsEmpty() const override; ///< there are no elements

@@ -17,8 +17,9 @@ public:
     BoolInfo(unsigned int const& id, std::string const& name, Permission_t const& permission);
 
     using InfoFamily::DeepCopy;
-    BoolInfo* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const override;
-    ItemBase* CreateItem() const override;
+    [[nodiscard]] BoolInfo* DeepCopy(unsigned int id, std::string const& name,
+                                     Permission_t const& permission) const override;
+    [[nodiscard]] ItemBase* CreateItem() const override;
 
     bool GetDefault() const noexcept { return m_default; }
     bool GetFixed() const noexcept { return m_fixed; }
@@ -51,7 +52,7 @@ public:
     explicit BoolItem(unsigned int id); ///< false
 
     using ValueItem::DeepCopy;
-    BoolItem* DeepCopy(unsigned int id) const override;
+    [[nodiscard]] BoolItem* DeepCopy(unsigned int id) const override;
 
     using ValueItem::SetVal;
     /// Takes the default of a fixed schema.

@@ -17,8 +17,9 @@ public:
     BoolArrayInfo(unsigned int const& id, std::string const& name, Permission_t const& permission);
 
     using ArrayInfo::DeepCopy;
-    BoolArrayInfo* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const override;
-    ItemBase* CreateItem() const override;
+    [[nodiscard]] BoolArrayInfo* DeepCopy(unsigned int id, std::string const& name,
+                                          Permission_t const& permission) const override;
+    [[nodiscard]] ItemBase* CreateItem() const override;
 
     /// From a schema of a list of booleans: default and sizes.
     int AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed) override;
@@ -31,7 +32,7 @@ public:
     explicit BoolArrayItem(unsigned int id); ///< empty
 
     using ArrayItem::DeepCopy;
-    BoolArrayItem* DeepCopy(unsigned int id) const override;
+    [[nodiscard]] BoolArrayItem* DeepCopy(unsigned int id) const override;
 
     /// From a boolean, into the element at `index`: the list grows to hold it, with false before it. From a list of
     /// booleans as a whole, with `index` ignored.

@@ -15,9 +15,10 @@ public:
 
     using InfoList::DeepCopy;
     /// Duplicates each member under its own identity.
-    CollectionInfo* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const override;
+    [[nodiscard]] CollectionInfo* DeepCopy(unsigned int id, std::string const& name,
+                                           Permission_t const& permission) const override;
     /// A `CollectionItem` without members.
-    ItemBase* CreateItem() const override;
+    [[nodiscard]] ItemBase* CreateItem() const override;
 };
 
 extern template class Detail::InfoList<CollectionInfo, IfType_t::Collection>;
@@ -30,7 +31,7 @@ public:
 
     using ItemList::DeepCopy;
     /// Duplicates each member under its own id.
-    CollectionItem* DeepCopy(unsigned int id) const override;
+    [[nodiscard]] CollectionItem* DeepCopy(unsigned int id) const override;
 
     /// From a collection: its members, shared and not duplicated. `index` is ignored, and `changed` becomes true on
     /// success, whatever the members were.

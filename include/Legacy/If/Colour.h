@@ -23,8 +23,9 @@ public:
     ColourInfo(unsigned int const& id, std::string const& name, Permission_t const& permission);
 
     using InfoFamily::DeepCopy;
-    ColourInfo* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const override;
-    ItemBase* CreateItem() const override;
+    [[nodiscard]] ColourInfo* DeepCopy(unsigned int id, std::string const& name,
+                                       Permission_t const& permission) const override;
+    [[nodiscard]] ItemBase* CreateItem() const override;
 
     Orlek::Colour_t const& GetMin() const noexcept { return m_min; }
     Orlek::Colour_t const& GetMax() const noexcept { return m_max; }
@@ -70,7 +71,7 @@ public:
     explicit ColourItem(unsigned int id); ///< all components 0
 
     using ItemFamily::DeepCopy;
-    ColourItem* DeepCopy(unsigned int id) const override;
+    [[nodiscard]] ColourItem* DeepCopy(unsigned int id) const override;
 
     float GetA() const noexcept { return m_value.a; }
     float GetR() const noexcept { return m_value.r; }

@@ -15,9 +15,10 @@ public:
 
     using InfoList::DeepCopy;
     /// Duplicates each member under its own identity.
-    CompositeInfo* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const override;
+    [[nodiscard]] CompositeInfo* DeepCopy(unsigned int id, std::string const& name,
+                                          Permission_t const& permission) const override;
     /// A `CompositeItem` with one member for each member of the schema, as that makes it.
-    ItemBase* CreateItem() const override;
+    [[nodiscard]] ItemBase* CreateItem() const override;
 };
 
 extern template class Detail::InfoList<CompositeInfo, IfType_t::Composite>;
@@ -30,7 +31,7 @@ public:
 
     using ItemList::DeepCopy;
     /// Duplicates each member under its own id.
-    CompositeItem* DeepCopy(unsigned int id) const override;
+    [[nodiscard]] CompositeItem* DeepCopy(unsigned int id) const override;
 
     /// From a composite: a duplicate of each member. `index` is ignored.
     ///

@@ -31,8 +31,9 @@ public:
 
     using Family::DeepCopy;
     /// The axes keep their own identity.
-    CoordinateInfo* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const override;
-    ItemBase* CreateItem() const override;
+    [[nodiscard]] CoordinateInfo* DeepCopy(unsigned int id, std::string const& name,
+                                           Permission_t const& permission) const override;
+    [[nodiscard]] ItemBase* CreateItem() const override;
 
     boost::intrusive_ptr<Axis> const& X() noexcept { return m_first.Get(); }
     boost::intrusive_ptr<Axis> const& Y() noexcept { return m_second.Get(); }
@@ -72,7 +73,7 @@ public:
     explicit CoordinateItem(unsigned int id); ///< (0, 0), with axes of the id 0
 
     using Family::DeepCopy;
-    CoordinateItem* DeepCopy(unsigned int id) const override;
+    [[nodiscard]] CoordinateItem* DeepCopy(unsigned int id) const override;
 
     boost::intrusive_ptr<Axis> const& X() noexcept { return m_x.Get(); }
     boost::intrusive_ptr<Axis> const& Y() noexcept { return m_y.Get(); }

@@ -28,7 +28,7 @@ public:
 
     /// A new value in its family's first state: it knows no schema, so a schema's default is not in it (see
     /// `InfoBase::CreateItem`). The caller owns it: count 0.
-    virtual ItemBase* CreateItem(unsigned int const& id) const = 0;
+    [[nodiscard]] virtual ItemBase* CreateItem(unsigned int const& id) const = 0;
 };
 
 /// Makes schemas of one class without naming it. Creators have no state and may be used from any thread.
@@ -38,8 +38,8 @@ public:
     virtual ~InfoCreatorBase();
 
     /// A new schema in its family's first state. The caller owns it: count 0.
-    virtual InfoBase* CreateInfo(unsigned int const& id, std::string const& name,
-                                 Permission_t const& permission) const = 0;
+    [[nodiscard]] virtual InfoBase* CreateInfo(unsigned int const& id, std::string const& name,
+                                               Permission_t const& permission) const = 0;
 };
 
 /// Makes values of the class `T`. Exactly the classes named below have a creator.
@@ -47,9 +47,9 @@ template<typename T>
 class LEGACY_IF_API ItemCreator : public ItemCreatorBase
 {
 public:
-    ItemBase* CreateItem(unsigned int const& id) const override;
+    [[nodiscard]] ItemBase* CreateItem(unsigned int const& id) const override;
     /// The same, typed.
-    T* CreateDerivedItem(unsigned int const& id) const;
+    [[nodiscard]] T* CreateDerivedItem(unsigned int const& id) const;
 };
 
 /// Makes schemas of the class `T`. Exactly the class named below has a creator.
@@ -57,10 +57,11 @@ template<typename T>
 class LEGACY_IF_API InfoCreator : public InfoCreatorBase
 {
 public:
-    InfoBase* CreateInfo(unsigned int const& id, std::string const& name,
-                         Permission_t const& permission) const override;
+    [[nodiscard]] InfoBase* CreateInfo(unsigned int const& id, std::string const& name,
+                                       Permission_t const& permission) const override;
     /// The same, typed.
-    T* CreateDerivedInfo(unsigned int const& id, std::string const& name, Permission_t const& permission) const;
+    [[nodiscard]] T* CreateDerivedInfo(unsigned int const& id, std::string const& name,
+                                       Permission_t const& permission) const;
 };
 
 // Contract: the gaps are part of the interface, numbers of `double` among them; tables of creators are built from what

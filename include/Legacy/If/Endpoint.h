@@ -15,7 +15,8 @@ public:
     using NetInfo::NetInfo;
 
     using NetInfo::DeepCopy;
-    EndpointInfo* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const override;
+    [[nodiscard]] EndpointInfo* DeepCopy(unsigned int id, std::string const& name,
+                                         Permission_t const& permission) const override;
 };
 
 /// An endpoint. It prints as `host:port`.
@@ -26,7 +27,7 @@ public:
     using NetItem::NetItem;
 
     using NetItem::DeepCopy;
-    EndpointItem* DeepCopy(unsigned int id) const override;
+    [[nodiscard]] EndpointItem* DeepCopy(unsigned int id) const override;
 };
 
 extern template class Detail::NetInfo<EndpointInfo, EndpointItem, IfType_t::Endpoint, Net::Endpoint<Net::AddrStr>>;

@@ -34,8 +34,9 @@ public:
     EnumInfo(unsigned int const& id, std::string const& name, Permission_t const& permission, bool localized);
 
     using InfoFamily::DeepCopy;
-    EnumInfo* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const override;
-    ItemBase* CreateItem() const override;
+    [[nodiscard]] EnumInfo* DeepCopy(unsigned int id, std::string const& name,
+                                     Permission_t const& permission) const override;
+    [[nodiscard]] ItemBase* CreateItem() const override;
 
     int GetDefault() const noexcept { return m_default; }
     /// @return 0; #IfErrNotInSet, and nothing stored, for a value of no element, unless there are no elements at all.
@@ -99,7 +100,7 @@ public:
     explicit EnumItem(unsigned int id); ///< 0
 
     using ValueItem::DeepCopy;
-    EnumItem* DeepCopy(unsigned int id) const override;
+    [[nodiscard]] EnumItem* DeepCopy(unsigned int id) const override;
 
     using ValueItem::SetVal;
     /// Stores the value of an enabled element, and the schema's default for any other.

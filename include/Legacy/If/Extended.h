@@ -18,8 +18,9 @@ public:
     ExtendedInfo(unsigned int const& id, std::string const& name, Permission_t const& permission);
 
     using InfoFamily::DeepCopy;
-    ExtendedInfo* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const override;
-    ItemBase* CreateItem() const override;
+    [[nodiscard]] ExtendedInfo* DeepCopy(unsigned int id, std::string const& name,
+                                         Permission_t const& permission) const override;
+    [[nodiscard]] ItemBase* CreateItem() const override;
 
     std::pair<std::string, std::string> const& GetDefault() const noexcept { return m_default; }
     /// Always 0.
@@ -49,7 +50,7 @@ public:
     explicit ExtendedItem(unsigned int id); ///< two empty texts
 
     using ValueItem::DeepCopy;
-    ExtendedItem* DeepCopy(unsigned int id) const override;
+    [[nodiscard]] ExtendedItem* DeepCopy(unsigned int id) const override;
 
     using ValueItem::SetVal;
     /// The same: the schema has nothing to say.

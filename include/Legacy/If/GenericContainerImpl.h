@@ -30,7 +30,7 @@ public:
     GenericContainerImpl& operator=(GenericContainerImpl const& other);
 
     /// New storage that holds a copy of every element, made by the element's own `DeepCopy`. The caller owns it.
-    GenericContainerImpl* DeepCopy() const;
+    [[nodiscard]] GenericContainerImpl* DeepCopy() const;
 
     int Add(Ptr const& element);
     int Add(std::vector<Ptr> const& elements);

@@ -62,14 +62,18 @@ public:
     /// @}
 
     /// A new schema of the same class and content under the given identity. The caller owns it: count 0.
-    virtual InfoBase* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const = 0;
+    [[nodiscard]] virtual InfoBase* DeepCopy(unsigned int id, std::string const& name,
+                                             Permission_t const& permission) const = 0;
     /// The same under the own identity, as far as none is given.
-    InfoBase* DeepCopy() const { return DeepCopy(m_id, m_name, m_permission); }
-    InfoBase* DeepCopy(unsigned int id) const { return DeepCopy(id, m_name, m_permission); }
-    InfoBase* DeepCopy(unsigned int id, std::string const& name) const { return DeepCopy(id, name, m_permission); }
+    [[nodiscard]] InfoBase* DeepCopy() const { return DeepCopy(m_id, m_name, m_permission); }
+    [[nodiscard]] InfoBase* DeepCopy(unsigned int id) const { return DeepCopy(id, m_name, m_permission); }
+    [[nodiscard]] InfoBase* DeepCopy(unsigned int id, std::string const& name) const
+    {
+        return DeepCopy(id, name, m_permission);
+    }
 
     /// A new value with this schema's id and default. The caller owns it: count 0.
-    virtual ItemBase* CreateItem() const = 0;
+    [[nodiscard]] virtual ItemBase* CreateItem() const = 0;
 
     /// The type tag of the family.
     virtual IfType_t GetType() const = 0;

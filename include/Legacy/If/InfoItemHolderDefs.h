@@ -35,7 +35,7 @@ public:
     virtual std::string GetUnit() const;
 
     /// A new holder of the same class round a copy of the schema. The caller owns it: count 0.
-    virtual InfoHolder* DeepCopy() const;
+    [[nodiscard]] virtual InfoHolder* DeepCopy() const;
 
     boost::intrusive_ptr<InfoBase> const& GetInfo() const noexcept { return m_info; }
 
@@ -58,7 +58,7 @@ public:
     virtual std::string GetDisplayText() const;
 
     /// A new holder of the same class round a copy of the value. The caller owns it: count 0.
-    virtual ItemHolder* DeepCopy() const;
+    [[nodiscard]] virtual ItemHolder* DeepCopy() const;
 
     boost::intrusive_ptr<ItemBase> const& GetItem() const noexcept { return m_item; }
 

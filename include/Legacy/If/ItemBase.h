@@ -121,9 +121,9 @@ public:
     /// @}
 
     /// A new value of the same class and content under the given id. The caller owns it: count 0.
-    virtual ItemBase* DeepCopy(unsigned int id) const = 0;
+    [[nodiscard]] virtual ItemBase* DeepCopy(unsigned int id) const = 0;
     /// The same under the own id.
-    ItemBase* DeepCopy() const { return DeepCopy(m_id); }
+    [[nodiscard]] ItemBase* DeepCopy() const { return DeepCopy(m_id); }
 
     /// The type tag of the family.
     virtual IfType_t GetType() const = 0;

@@ -56,9 +56,9 @@ public:
     LocalizedStringInfo(unsigned int const& id, std::string const& name, Permission_t const& permission);
 
     using InfoFamily::DeepCopy;
-    LocalizedStringInfo* DeepCopy(unsigned int id, std::string const& name,
-                                  Permission_t const& permission) const override;
-    ItemBase* CreateItem() const override;
+    [[nodiscard]] LocalizedStringInfo* DeepCopy(unsigned int id, std::string const& name,
+                                                Permission_t const& permission) const override;
+    [[nodiscard]] ItemBase* CreateItem() const override;
 
     LocalizedString const& GetDefault() const noexcept { return m_default; }
     void SetDefault(LocalizedString const& message) { m_default = message; }
@@ -88,7 +88,7 @@ public:
     explicit LocalizedStringItem(unsigned int id); ///< no message; even so the value does not count as empty
 
     using ItemFamily::DeepCopy;
-    LocalizedStringItem* DeepCopy(unsigned int id) const override;
+    [[nodiscard]] LocalizedStringItem* DeepCopy(unsigned int id) const override;
 
     LocalizedString const& GetVal() const noexcept { return m_value; }
     void SetVal(LocalizedString const& message) { m_value = message; }

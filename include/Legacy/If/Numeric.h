@@ -25,8 +25,9 @@ public:
     NumericInfo(unsigned int const& id, std::string const& name, Permission_t const& permission);
 
     using Family::DeepCopy;
-    NumericInfo* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const override;
-    ItemBase* CreateItem() const override;
+    [[nodiscard]] NumericInfo* DeepCopy(unsigned int id, std::string const& name,
+                                        Permission_t const& permission) const override;
+    [[nodiscard]] ItemBase* CreateItem() const override;
 
     Element GetDefault() const noexcept { return m_default; }
     Element GetMax() const noexcept { return m_max; }
@@ -72,7 +73,7 @@ public:
     explicit NumericItem(unsigned int id) : Family(id) {} ///< 0
 
     using Family::DeepCopy;
-    NumericItem* DeepCopy(unsigned int id) const override;
+    [[nodiscard]] NumericItem* DeepCopy(unsigned int id) const override;
 
     using Family::SetVal;
     /// Stores the value if it lies within the bounds and the schema's default otherwise; nothing is cut to a bound.

@@ -37,8 +37,9 @@ public:
     using Family::DeepCopy;
     /// Contract: the copy has the element bounds that a new schema has, not those of this one. Applications set them
     /// anew on what they copy; the copy constructor is the way to keep them.
-    NumericArrayInfo* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const override;
-    ItemBase* CreateItem() const override;
+    [[nodiscard]] NumericArrayInfo* DeepCopy(unsigned int id, std::string const& name,
+                                             Permission_t const& permission) const override;
+    [[nodiscard]] ItemBase* CreateItem() const override;
 
     Element GetMin() const noexcept { return m_min; }
     Element GetMax() const noexcept { return m_max; }
@@ -82,7 +83,7 @@ public:
     explicit NumericArrayItem(unsigned int id); ///< empty
 
     using Family::DeepCopy;
-    NumericArrayItem* DeepCopy(unsigned int id) const override;
+    [[nodiscard]] NumericArrayItem* DeepCopy(unsigned int id) const override;
 
     /// From a boolean (1 or 0), a number or an enumeration value, into the element at `index`: the list grows to hold
     /// it, with zeros before it. From a list of numbers as a whole, with `index` ignored. From a rectangle, into the

@@ -33,9 +33,9 @@ public:
     NumericSparseInfo(unsigned int const& id, std::string const& name, Permission_t const& permission);
 
     using Family::DeepCopy;
-    NumericSparseInfo* DeepCopy(unsigned int id, std::string const& name,
-                                Permission_t const& permission) const override;
-    ItemBase* CreateItem() const override;
+    [[nodiscard]] NumericSparseInfo* DeepCopy(unsigned int id, std::string const& name,
+                                              Permission_t const& permission) const override;
+    [[nodiscard]] ItemBase* CreateItem() const override;
 
     Element GetDefault() const noexcept { return m_allowed.Default(); }
     unsigned int GetSize() const noexcept { return m_allowed.Size(); }
@@ -88,7 +88,7 @@ public:
     explicit NumericSparseItem(unsigned int id); ///< 0
 
     using Family::DeepCopy;
-    NumericSparseItem* DeepCopy(unsigned int id) const override;
+    [[nodiscard]] NumericSparseItem* DeepCopy(unsigned int id) const override;
 
     using Family::SetVal;
     /// Stores a value of the table, and the schema's default for any other.

@@ -23,7 +23,7 @@ public:
     explicit OrientationItem(unsigned int id); ///< all angles 0
 
     using ItemFamily::DeepCopy;
-    OrientationItem* DeepCopy(unsigned int id) const override;
+    [[nodiscard]] OrientationItem* DeepCopy(unsigned int id) const override;
 
     float GetBearing() const noexcept { return m_value.bearing; }
     float GetInclination() const noexcept { return m_value.inclination; }

@@ -31,8 +31,9 @@ public:
 
     using Family::DeepCopy;
     /// The corners keep their own identity.
-    RectInfo* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const override;
-    ItemBase* CreateItem() const override;
+    [[nodiscard]] RectInfo* DeepCopy(unsigned int id, std::string const& name,
+                                     Permission_t const& permission) const override;
+    [[nodiscard]] ItemBase* CreateItem() const override;
 
     boost::intrusive_ptr<Corner> const& TopLeft() noexcept { return m_first.Get(); }
     boost::intrusive_ptr<Corner> const& BottomRight() noexcept { return m_second.Get(); }
@@ -73,7 +74,7 @@ public:
     explicit RectItem(unsigned int id); ///< all numbers 0, with corners of the id 0
 
     using Family::DeepCopy;
-    RectItem* DeepCopy(unsigned int id) const override;
+    [[nodiscard]] RectItem* DeepCopy(unsigned int id) const override;
 
     boost::intrusive_ptr<Corner> const& TopLeft() noexcept { return m_topLeft.Get(); }
     boost::intrusive_ptr<Corner> const& BottomRight() noexcept { return m_bottomRight.Get(); }

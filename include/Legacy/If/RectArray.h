@@ -40,8 +40,9 @@ public:
 
     using Family::DeepCopy;
     /// The corners keep their own identity.
-    RectArrayInfo* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const override;
-    ItemBase* CreateItem() const override; ///< an empty list
+    [[nodiscard]] RectArrayInfo* DeepCopy(unsigned int id, std::string const& name,
+                                          Permission_t const& permission) const override;
+    [[nodiscard]] ItemBase* CreateItem() const override; ///< an empty list
 
     unsigned int GetMinSize() const noexcept { return m_size.Min(); }
     unsigned int GetMaxSize() const noexcept { return m_size.Max(); }
@@ -90,7 +91,7 @@ public:
     explicit RectArrayItem(unsigned int id); ///< empty
 
     using Family::DeepCopy;
-    RectArrayItem* DeepCopy(unsigned int id) const override;
+    [[nodiscard]] RectArrayItem* DeepCopy(unsigned int id) const override;
 
     unsigned int GetSize() const noexcept { return static_cast<unsigned int>(m_value.size()); }
     std::vector<Rect>& Val() noexcept { return m_value; } ///< no bound is applied

@@ -35,15 +35,15 @@ public:
     Result& operator=(Result const& other);
 
     /// A copy, made by the copy constructor.
-    virtual std::shared_ptr<Result> Clone() const;
+    [[nodiscard]] virtual std::shared_ptr<Result> Clone() const;
 
     virtual ~Result();
 
     /// Appends a finding; a null pointer, which stands for a validation that passed, is ignored.
     void AddResultElem(std::shared_ptr<ResultElem const> elem);
 
-    /// Appends, in order, the findings whose severity is `level` or above. Room is made for all that are given and for no
-    /// more: who gathers thousands of small lists does better with #AddResultElem, which makes room ahead.
+    /// Appends, in order, the findings whose severity is `level` or above. Room is made for all that are given and for
+    /// no more: who gathers thousands of small lists does better with #AddResultElem, which makes room ahead.
     void AddResults(std::vector<std::shared_ptr<ResultElem const>> const& elems, Orlek::SeverityLevel_t level);
     /// The same with the findings of another collection; nothing happens for null and for this very collection.
     void AddResults(std::shared_ptr<Result const> const& other, Orlek::SeverityLevel_t level);

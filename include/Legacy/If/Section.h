@@ -71,7 +71,7 @@ public:
     ~Section() override;
 
     /// A new section of the application's own class with copies of all holders. The caller owns it: count 0.
-    virtual Section* DeepCopy() const = 0;
+    [[nodiscard]] virtual Section* DeepCopy() const = 0;
 
     SectionId_t const& GetId() const noexcept { return m_id; }
     unsigned int const& GetPrimaryId() const noexcept { return m_id.PrimaryId(); }

@@ -19,7 +19,7 @@ public:
     virtual ~Set();
 
     /// A new set of the application's own class. The caller owns it.
-    virtual Set* DeepCopy() const = 0;
+    [[nodiscard]] virtual Set* DeepCopy() const = 0;
     /// Prints the set field by field.
     virtual void DumpVal(std::ostream& os) const = 0;
 

@@ -17,8 +17,9 @@ public:
     StringInfo(unsigned int const& id, std::string const& name, Permission_t const& permission);
 
     using InfoFamily::DeepCopy;
-    StringInfo* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const override;
-    ItemBase* CreateItem() const override;
+    [[nodiscard]] StringInfo* DeepCopy(unsigned int id, std::string const& name,
+                                       Permission_t const& permission) const override;
+    [[nodiscard]] ItemBase* CreateItem() const override;
 
     std::string const& GetDefault() const noexcept { return m_default; }
     /// Stores the text, cut to the greatest length. Always 0.
@@ -57,7 +58,7 @@ public:
     explicit StringItem(unsigned int id); ///< empty
 
     using ValueItem::DeepCopy;
-    StringItem* DeepCopy(unsigned int id) const override;
+    [[nodiscard]] StringItem* DeepCopy(unsigned int id) const override;
 
     using ValueItem::SetVal;
     /// Stores the text, cut to the schema's greatest length, also to 0.

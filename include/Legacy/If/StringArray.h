@@ -17,8 +17,9 @@ public:
     StringArrayInfo(unsigned int const& id, std::string const& name, Permission_t const& permission);
 
     using ArrayInfo::DeepCopy;
-    StringArrayInfo* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const override;
-    ItemBase* CreateItem() const override;
+    [[nodiscard]] StringArrayInfo* DeepCopy(unsigned int id, std::string const& name,
+                                            Permission_t const& permission) const override;
+    [[nodiscard]] ItemBase* CreateItem() const override;
 
     /// From a schema of a list of texts: default and sizes.
     int AssignValue(boost::intrusive_ptr<InfoBase const> const& source, bool* changed) override;
@@ -32,7 +33,7 @@ public:
     explicit StringArrayItem(unsigned int id); ///< empty
 
     using ArrayItem::DeepCopy;
-    StringArrayItem* DeepCopy(unsigned int id) const override;
+    [[nodiscard]] StringArrayItem* DeepCopy(unsigned int id) const override;
 
     /// From a boolean or a text, into the element at `index`: the list grows to hold it, with empty texts before it.
     /// From a list of texts as a whole, with `index` ignored.

@@ -20,8 +20,9 @@ public:
     StringSparseInfo(unsigned int const& id, std::string const& name, Permission_t const& permission);
 
     using InfoFamily::DeepCopy;
-    StringSparseInfo* DeepCopy(unsigned int id, std::string const& name, Permission_t const& permission) const override;
-    ItemBase* CreateItem() const override;
+    [[nodiscard]] StringSparseInfo* DeepCopy(unsigned int id, std::string const& name,
+                                             Permission_t const& permission) const override;
+    [[nodiscard]] ItemBase* CreateItem() const override;
 
     std::string GetDefault() const { return m_allowed.Default(); }
     /// @return 0; #IfErrNotInSet, and nothing stored, for a text that is not in the list.
@@ -61,7 +62,7 @@ public:
     explicit StringSparseItem(unsigned int id); ///< an empty text
 
     using ValueItem::DeepCopy;
-    StringSparseItem* DeepCopy(unsigned int id) const override;
+    [[nodiscard]] StringSparseItem* DeepCopy(unsigned int id) const override;
 
     using ValueItem::SetVal;
     /// Stores the text if the schema lists it and the schema's default otherwise; the caller is not told which.

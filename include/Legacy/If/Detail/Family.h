@@ -26,9 +26,9 @@ public:
     NumericType_t GetNumericType() const override { return Element; }
 
     /// A copy under the own identity, as far as none is given. The caller owns it: count 0.
-    Self* DeepCopy() const { return Derived_().DeepCopy(GetId(), GetName(), GetPermission()); }
-    Self* DeepCopy(unsigned int id) const { return Derived_().DeepCopy(id, GetName(), GetPermission()); }
-    Self* DeepCopy(unsigned int id, std::string const& name) const
+    [[nodiscard]] Self* DeepCopy() const { return Derived_().DeepCopy(GetId(), GetName(), GetPermission()); }
+    [[nodiscard]] Self* DeepCopy(unsigned int id) const { return Derived_().DeepCopy(id, GetName(), GetPermission()); }
+    [[nodiscard]] Self* DeepCopy(unsigned int id, std::string const& name) const
     {
         return Derived_().DeepCopy(id, name, GetPermission());
     }
@@ -64,7 +64,7 @@ public:
     NumericType_t GetNumericType() const override { return Element; }
 
     /// A copy under the own id. The caller owns it: count 0.
-    Self* DeepCopy() const { return Derived_().DeepCopy(GetId()); }
+    [[nodiscard]] Self* DeepCopy() const { return Derived_().DeepCopy(GetId()); }
     using ItemBase::DeepCopy;
 
     /// Prints id, type and what the virtual `operator<<` prints.

@@ -17,7 +17,7 @@ class LEGACY_IF_API NetInfo : public InfoFamily<Self, Type>
 public:
     using InfoFamily<Self, Type>::InfoFamily; // the default is the held type's own
 
-    ItemBase* CreateItem() const override;
+    [[nodiscard]] ItemBase* CreateItem() const override;
 
     Held const& GetDefault() const noexcept { return m_default; }
     /// Stores the value as it stands. Always 0.

@@ -26,13 +26,13 @@ public:
 
     /// A value with that content, whatever any schema says. The caller owns it: count 0.
     /// @{
-    static Self* Create(unsigned int id, Held const& value)
+    [[nodiscard]] static Self* Create(unsigned int id, Held const& value)
     {
         auto item = std::make_unique<Self>(id);
         item->Val() = value;
         return item.release();
     }
-    static Self* Create(unsigned int id, Held&& value) requires std::is_class_v<Held>
+    [[nodiscard]] static Self* Create(unsigned int id, Held&& value) requires std::is_class_v<Held>
     {
         auto item = std::make_unique<Self>(id);
         item->Val() = std::move(value);
