@@ -2,6 +2,8 @@
 
 #include <compare>
 #include <concepts>
+#include <cstddef>
+#include <functional>
 
 namespace Legacy::If {
 
@@ -135,3 +137,13 @@ private:
 };
 
 } // namespace Legacy::If
+
+/// For sets and maps of this process: never store or send a hash.
+template<>
+struct std::hash<Legacy::If::InfoItemSectionId>
+{
+    std::size_t operator()(Legacy::If::InfoItemSectionId const& id) const noexcept
+    {
+        return std::hash<unsigned int>()(id);
+    }
+};

@@ -13,6 +13,9 @@ struct Orientation_t
     float bearing = 0.0F;
     float inclination = 0.0F;
     float roll = 0.0F;
+
+    /// Exact, angle by angle: no tolerance, and a NaN equals nothing.
+    friend constexpr bool operator==(Orientation_t const&, Orientation_t const&) = default;
 };
 
 /// Value of an orientation. There is no schema for it. Two values are equal if each angle differs by no more than

@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <functional>
 #include <iosfwd>
 #include <string>
 
@@ -100,3 +101,10 @@ private:
 LEGACY_IF_API std::ostream& operator<<(std::ostream& os, Section const& section);
 
 } // namespace Legacy::If
+
+/// The key's own hash, for sets and maps of this process.
+template<>
+struct std::hash<Legacy::If::SectionId_t>
+{
+    std::size_t operator()(Legacy::If::SectionId_t const& id) const { return id.hash_value(); }
+};

@@ -7,6 +7,8 @@
 
 #include <boost/container_hash/hash.hpp>
 
+#include <unordered_set>
+
 namespace Legacy::If::Test {
 namespace {
 
@@ -126,6 +128,7 @@ TEST(SectionId, IsInvalidUnlessPathAndIdAgree)
     SectionId const taken = std::move(b); // which leaves nothing that does not agree
     EXPECT_TRUE(b == SectionId() && !b.IsValid() && b.GetSectionDepth() == 0);
     EXPECT_EQ(taken.GetSubsectionName(2), "b");
+    EXPECT_EQ(SectionId("a/b/c", IdOfDepth(3)).CreateSectionId("d/e", 1).GetSubsectionName(4), "d/e");
 }
 
 template<typename Key, std::size_t n>
@@ -153,6 +156,10 @@ TEST(SectionKey, OrdersAndHashesByItsParts)
     SectionId_t const key(3, text);
     for (int pass = 0; pass < 2; ++pass) // anew, and as it was kept
         EXPECT_EQ(boost::hash<SectionId_t>()(key), std::size_t{expected});
+    std::unordered_set<SectionId_t> const keys{key, {3, "x"}, {4, text}, key};
+    EXPECT_EQ(keys.size(), 3U);
+    std::unordered_set<Id> const ids{Id(7), Id(8), Id(7)};
+    EXPECT_EQ(ids.size(), 2U);
 }
 
 struct PlainSection : Section

@@ -122,6 +122,8 @@ TEST(Orientation, ComparesWithinTheToleranceAndHasNoText)
 {
     auto const item = MakeOrientation({1.5F, 0, -2});
     EXPECT_EQ(Assign(*item, MakeOrientation({1.5F, 1e-11F, -2})), (Outcome{0, 0}));
+    EXPECT_EQ(item->Val(), (Orientation_t{1.5F, 0, -2}));
+    EXPECT_NE(item->Val(), (Orientation_t{1.5F, 1e-11F, -2})); // the record itself is compared exactly
     for (Orientation_t const& other : {Orientation_t{1, 0, -2}, Orientation_t{1.5F, -1, -2}, Orientation_t{1.5F, 0, 2}})
     {
         EXPECT_FALSE(item->IsEqualValue(MakeOrientation(other)));
