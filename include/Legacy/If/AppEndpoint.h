@@ -110,8 +110,11 @@ public:
     /// An endpoint whose address holds a whole URL, so that its text begins with "rtsp://", gives that URL, whatever
     /// the protocol: its text up to the last colon.
     std::string ToUri() const;
-    /// Reads what #ToUri writes, with the address group 0. Nothing is refused: an unknown scheme gives `Unknown`, and
-    /// all that follows the scheme, a path included, is for `E::FromString`. Versions are 0, for `Rtsp` 1 and 1.
+    /// Reads what #ToUri writes. Nothing is refused: an unknown scheme gives `Unknown`, in whatever case it is written,
+    /// and all that follows the scheme and any colons and slashes behind it, a path included, is for `E::FromString`.
+    ///
+    /// What a URI does not tell does not come back: the address group becomes 0, the versions 0, of `Rtsp` 1 and 1, a
+    /// number that names no protocol `Unknown`. An address that holds a whole URL comes back as the place in that URL.
     static AppEndpoint FromUri(std::string const& text);
 
     /// The form for display: the endpoint behind a public scheme where the protocol has one, otherwise with the name of

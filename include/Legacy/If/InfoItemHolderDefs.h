@@ -34,7 +34,8 @@ public:
     /// The unit of the values, such as "ms"; here empty. The library never asks.
     virtual std::string GetUnit() const;
 
-    /// A new holder of the same class round a copy of the schema. The caller owns it: count 0.
+    /// A new holder round a copy of the schema. The caller owns it: count 0. A derived class must override it: what it
+    /// adds is otherwise lost wherever containers copy their holders, which then are plain ones.
     [[nodiscard]] virtual InfoHolder* DeepCopy() const;
 
     boost::intrusive_ptr<InfoBase> const& GetInfo() const noexcept { return m_info; }
@@ -57,7 +58,7 @@ public:
     /// What a user interface shows for the value; here its text. The library never asks.
     virtual std::string GetDisplayText() const;
 
-    /// A new holder of the same class round a copy of the value. The caller owns it: count 0.
+    /// A new holder round a copy of the value. The caller owns it: count 0. A derived class must override it, as there.
     [[nodiscard]] virtual ItemHolder* DeepCopy() const;
 
     boost::intrusive_ptr<ItemBase> const& GetItem() const noexcept { return m_item; }

@@ -15,6 +15,11 @@ class AppEndpointStr;
 class AppProtocolInfo;
 } // namespace Pb::Legacy::If
 
+// The messages and the networking library's own endpoint are only named here, so that this header costs little, and
+// <Legacy/If.h> leaves it out even so. Who makes or reads a message includes <Pb/Legacy/If/AppEndpoint.pb.h>, which
+// needs protobuf's headers; who hands over an endpoint of that library, <Net/AppEndpoint.h>. The libraries Pb::Pb and
+// Net::Net behind them come with Legacy::If.
+
 namespace Legacy::If {
 
 /// From application endpoints to messages. It holds no state; any thread may call it.

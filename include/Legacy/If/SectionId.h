@@ -10,9 +10,10 @@ namespace Legacy::If {
 
 /// A section by both its names: its path, `a/b/c`, and its packed id, which agree in depth.
 ///
-/// A path may start with the delimiter. It has one to four levels; whatever follows the third delimiter, further
-/// delimiters included, belongs to the fourth. A path and an id that do not agree give the invalid section: an empty
-/// path and the id 0xFFFFFFFF, equal to a default-constructed one. A plain value.
+/// A path may start with the delimiter, which belongs to no level. It has one to four levels, each of which may be
+/// empty, the one behind a last delimiter too: `a/` has two. What would be a fifth level belongs to the fourth,
+/// delimiters included. A path and an id that do not agree give the invalid section: an empty path and the id
+/// 0xFFFFFFFF, equal to a default-constructed one. A plain value.
 class LEGACY_IF_API SectionId
 {
 public:
@@ -31,7 +32,9 @@ public:
     SectionId& operator=(SectionId&& other) noexcept;
     ~SectionId() = default;
 
-    /// The subsection with that name and number; invalid if this is the last level or the name holds a delimiter.
+    /// The subsection with that name and number, of which the low six bits count. Invalid on the last level, for the
+    /// number 63, which is the wildcard, and for a name that holds a delimiter, but on the fourth level, whose name
+    /// may.
     SectionId CreateSectionId(std::string const& subsectionName, unsigned char const& subsectionId) const;
 
     void Clear() noexcept;
