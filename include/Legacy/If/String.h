@@ -62,7 +62,10 @@ public:
 
     using ValueItem::SetVal;
     /// Stores the text, cut to the schema's greatest length, also to 0.
+    /// @{
     void SetVal(std::string const& value, StringInfo const& info);
+    void SetVal(std::string&& value, StringInfo const& info);
+    /// @}
 
     bool IsEmpty() const override; ///< the text has no bytes
     /// From a boolean ("True" or "False"), a text, or the element at `index` of a list of texts, whose end is

@@ -93,6 +93,12 @@ void StringItem::SetVal(std::string const& value, StringInfo const& info)
     Cut(m_value, info.GetMaxLength());
 }
 
+void StringItem::SetVal(std::string&& value, StringInfo const& info)
+{
+    m_value = std::move(value);
+    Cut(m_value, info.GetMaxLength());
+}
+
 bool StringItem::IsEmpty() const { return m_value.empty(); }
 
 int StringItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index, bool* changed)
