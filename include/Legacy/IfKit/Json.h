@@ -53,10 +53,13 @@
 /// **Schemas** are JSON Schema 2020-12 as far as its words go: `title` is the name; `type`, `minimum`, `maximum`,
 /// `maxLength`, `minItems`, `maxItems`, `enum`, `const`, `items`, `prefixItems`, `properties`, `required` and `default`
 /// mean what they say there, so that other tools check bare forms with them. They judge as `Validate` does, and
-/// `WithinBounds` or `IsPresent` in the families whose `Validate` judges nothing; two differences remain:
+/// `WithinBounds` or `IsPresent` in the families whose `Validate` judges nothing; these differences remain:
 ///
 /// - `maxLength` counts characters and the library bytes. No text that the library takes has too many characters, but a
 ///   text beyond ASCII can pass `maxLength` and be too long for the library.
+/// - In a table of floats the library finds what is within its tolerance of an entry and nothing that is not finite;
+///   `enum` finds the entries.
+/// - The sizes of a list of application endpoints bind here and not in the library.
 /// - The members of a composite are checked as well, which `Validate` leaves to the caller.
 ///
 /// For what these words cannot say there is the object `x-legacyif`, which other tools must be told to ignore (strict
