@@ -27,6 +27,7 @@
 #include <Legacy/If/Enum.h>
 #include <Legacy/If/Export.h>
 #include <Legacy/If/Extended.h>
+#include <Legacy/If/FindingScope.h>
 #include <Legacy/If/FormattedInfoItemDump.h>
 #include <Legacy/If/GenericContainer.h>
 #include <Legacy/If/IfType.h>

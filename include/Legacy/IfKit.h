@@ -1,6 +1,7 @@
 #pragma once
 
 // Everything of the companion library.
+#include <Legacy/IfKit/Explain.h>
 #include <Legacy/IfKit/Export.h>
 #include <Legacy/IfKit/Families.h>
 #include <Legacy/IfKit/Json.h>

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "core/Finding.h"
-
+#include <Legacy/If/FindingScope.h>
 #include <Legacy/If/InfoBase.h>
 #include <Legacy/If/ItemBase.h>
 #include <Legacy/If/LocalizedString.h>
@@ -80,21 +79,26 @@ std::string Dumped(auto const& object)
     return os.str();
 }
 
+/// The message that a scope heard, key first; empty if there was none.
+inline Texts Heard(FindingScope const& scope)
+{
+    Texts message;
+    if (scope.GetMessage().IsValid())
+        message.push_back(scope.GetMessage().GetKey());
+    for (auto const& argument : scope.GetMessage().GetArguments()) {
+        EXPECT_TRUE(Dumped(*argument).starts_with("id: 0\ntype: String\n"));
+        message.push_back(argument->GetValAsString());
+    }
+    return message;
+}
+
 /// Runs a validation and returns the message that it built, key first, and empty for a pass. Tests on the way all that
 /// every finding has in common.
 Texts MessageOf(ItemBase const& item, auto&& validation)
 {
-    static thread_local Texts message;
-    message.clear();
-    Detail::t_messageObserver = [](LocalizedString const& seen) {
-        message.assign(1, seen.GetKey());
-        for (auto const& argument : seen.GetArguments()) {
-            EXPECT_TRUE(Dumped(*argument).starts_with("id: 0\ntype: String\n"));
-            message.push_back(argument->GetValAsString());
-        }
-    };
+    FindingScope const scope;
     std::shared_ptr<ResultElem const> const finding = validation();
-    Detail::t_messageObserver = nullptr;
+    Texts const message = Heard(scope);
     EXPECT_EQ(message.empty(), finding == nullptr);
     if (finding) {
         EXPECT_EQ(static_cast<int>(finding->GetSeverityLevel()), 4);

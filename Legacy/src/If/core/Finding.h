@@ -13,11 +13,10 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <type_traits>
 
 namespace Legacy::If {
 
-class LocalizedString;
+class FindingScope;
 class ResultElem;
 
 namespace Detail {
@@ -25,10 +24,19 @@ namespace Detail {
 using Finding = std::shared_ptr<ResultElem const>;
 using InfoPtr = boost::intrusive_ptr<InfoBase const>;
 
-/// Builds a finding. The first argument of its message is always the schema's name, or "Unknown" without a schema; the
-/// texts follow. To be called in the failing branch alone: it allocates, a passing validation does not.
-Finding MakeFinding(char const* key, InfoPtr const& info, ItemBase const& item,
-                    std::initializer_list<std::string_view> texts);
+/// The scope that hears the findings of this thread, or null, as it nearly always is.
+extern constinit thread_local FindingScope* t_findingScope;
+
+/// The way into a scope for those who build messages.
+struct FindingAccess
+{
+    static bool WantsNumbers(FindingScope const& scope) noexcept;
+    static void Tell(FindingScope& scope, char const* key, InfoPtr const& info,
+                     std::initializer_list<std::string_view> texts);
+};
+
+/// Builds a finding without a word about its message.
+Finding MakeFinding(ItemBase const& item);
 
 /// The schema is null or of another class than the value needs.
 Finding TypeMismatch(InfoPtr const& info, ItemBase const& item);
@@ -65,10 +73,36 @@ std::string DefaultText(Number value)
     return std::string(text, end.ptr);
 }
 
-/// Sees the message of each finding on this thread before it is dropped. A finding carries no message, so this is how
-/// tests look at keys and arguments; null, as it stands outside tests, is nobody.
-using MessageObserver = void (*)(LocalizedString const& message);
-extern constinit thread_local MessageObserver t_messageObserver;
+/// The text of an argument: the type of a schema or of a value, or a number.
+/// @{
+std::string ArgumentText(InfoPtr const& info, FindingScope const& scope);
+std::string ArgumentText(ItemBase const& item, FindingScope const& scope);
+
+template<std::integral Number>
+std::string ArgumentText(Number const& number, FindingScope const& scope)
+{
+    if constexpr (sizeof(Number) == 1 && !std::same_as<Number, bool>)
+        if (FindingAccess::WantsNumbers(scope))
+            return DefaultText<int>(number);
+    return DefaultText(number);
+}
+
+template<std::floating_point Number>
+std::string ArgumentText(Number const& number, FindingScope const&)
+{
+    return DefaultText(number);
+}
+/// @}
+
+/// Builds a finding. The first argument of its message is always the schema's name, or "Unknown" without a schema; the
+/// others follow. To be called in the failing branch alone: it allocates, a passing validation does not.
+template<typename... Arguments>
+Finding MakeFinding(char const* key, InfoPtr const& info, ItemBase const& item, Arguments const&... arguments)
+{
+    if (t_findingScope)
+        FindingAccess::Tell(*t_findingScope, key, info, {ArgumentText(arguments, *t_findingScope)...});
+    return MakeFinding(item);
+}
 
 } // namespace Detail
 

@@ -4,13 +4,16 @@
 #include "core/FirstReference.h"
 #include "text/TypeText.h"
 
-#include <Legacy/If/LocalizedString.h>
+#include <Legacy/If/FindingScope.h>
 #include <Legacy/If/ResultElem.h>
 #include <Legacy/If/String.h>
 
+#include <string>
+#include <utility>
+
 namespace Legacy::If::Detail {
 
-thread_local constinit MessageObserver t_messageObserver = nullptr;
+thread_local constinit FindingScope* t_findingScope = nullptr;
 
 namespace {
 
@@ -24,38 +27,51 @@ void AddText(LocalizedString& message, std::string_view text)
 
 } // namespace
 
-Finding MakeFinding(char const* key, InfoPtr const& info, ItemBase const& item,
-                    std::initializer_list<std::string_view> texts)
+bool FindingAccess::WantsNumbers(FindingScope const& scope) noexcept
+{
+    return scope.m_bytes == FindingScope::Bytes_t::AsNumbers;
+}
+
+void FindingAccess::Tell(FindingScope& scope, char const* key, InfoPtr const& info,
+                         std::initializer_list<std::string_view> texts)
 {
     LocalizedString message{std::string(key)};
     AddText(message, info ? std::string_view(info->GetName()) : "Unknown");
     for (std::string_view const text : texts)
         AddText(message, text);
-    if (t_messageObserver)
-        t_messageObserver(message);
+    scope.m_message = std::move(message);
+}
 
+std::string ArgumentText(InfoPtr const& info, FindingScope const&)
+{
+    return info ? CombinedTypeText(*info) : "NULL-Info";
+}
+
+std::string ArgumentText(ItemBase const& item, FindingScope const&) { return CombinedTypeText(item); }
+
+Finding MakeFinding(ItemBase const& item)
+{
     // The finding copies the value itself.
     return std::make_shared<ResultElem const>(Orlek::SeverityLevel_t::Error, Borrowed(item).Pointer(), nullptr);
 }
 
 Finding TypeMismatch(InfoPtr const& info, ItemBase const& item)
 {
-    return MakeFinding("TypesSystemValidateTypeMismatch", info, item,
-                       {info ? CombinedTypeText(*info) : "NULL-Info", CombinedTypeText(item)});
+    return MakeFinding("TypesSystemValidateTypeMismatch", info, item, info, item);
 }
 
 Finding IllegalValidation(InfoPtr const& info, ItemBase const& item)
 {
     // The key's third word is spelled so in every message catalogue.
-    return MakeFinding("TypesSystemIllegalValidatationError", info, item, {CombinedTypeText(item)});
+    return MakeFinding("TypesSystemIllegalValidatationError", info, item, item);
 }
 
 Finding SizeFinding(SizeBounds const& bounds, std::size_t size, char const* below, char const* above,
                     InfoPtr const& info, ItemBase const& item)
 {
     if (size < bounds.Min())
-        return MakeFinding(below, info, item, {DefaultText(bounds.Min())});
-    return MakeFinding(above, info, item, {DefaultText(bounds.Max())});
+        return MakeFinding(below, info, item, bounds.Min());
+    return MakeFinding(above, info, item, bounds.Max());
 }
 
 } // namespace Legacy::If::Detail

@@ -61,12 +61,12 @@ std::shared_ptr<ResultElem const> CompositeItem::Validate(boost::intrusive_ptr<I
     if (!schema)
         return Detail::TypeMismatch(info, *this);
     if (GetSize() != schema->GetSize())
-        return Detail::MakeFinding("TypesSystemCompositeValidationSize", info, *this, {Detail::DefaultText(GetSize())});
+        return Detail::MakeFinding("TypesSystemCompositeValidationSize", info, *this, GetSize());
     auto const schemas = Detail::MemberAccess::Of(*schema).View();
     auto const items = m_members.View();
     for (unsigned int i = 0; i < items.size(); ++i) {
         if (!schemas[i]->IsEqualType(Detail::Borrowed(items[i]).Pointer()))
-            return Detail::MakeFinding("TypesSystemCompositeTypeMismatch", info, *this, {Detail::DefaultText(i)});
+            return Detail::MakeFinding("TypesSystemCompositeTypeMismatch", info, *this, i);
     }
     return {};
 }

@@ -192,8 +192,7 @@ std::shared_ptr<ResultElem const> NumericItem<T>::ValidateMin(boost::intrusive_p
     if (!schema)
         return Detail::TypeMismatch(info, *this);
     if (schema->GetMin() > m_value)
-        return Detail::MakeFinding("TypesSystemNumericValidationMin", info, *this,
-                                   {Detail::DefaultText(schema->GetMin())});
+        return Detail::MakeFinding("TypesSystemNumericValidationMin", info, *this, schema->GetMin());
     return {};
 }
 
@@ -204,8 +203,7 @@ std::shared_ptr<ResultElem const> NumericItem<T>::ValidateMax(boost::intrusive_p
     if (!schema)
         return Detail::TypeMismatch(info, *this);
     if (m_value > schema->GetMax())
-        return Detail::MakeFinding("TypesSystemNumericValidationMax", info, *this,
-                                   {Detail::DefaultText(schema->GetMax())});
+        return Detail::MakeFinding("TypesSystemNumericValidationMax", info, *this, schema->GetMax());
     return {};
 }
 

@@ -235,8 +235,8 @@ std::shared_ptr<ResultElem const> NumericArrayItem<T>::Validate(boost::intrusive
     auto const first =
         std::ranges::find_if(m_value, [min, max](Element value) { return Detail::IsOutside(value, min, max); });
     if (min > *first)
-        return Detail::MakeFinding("TypesSystemNumericValidationMin", info, *this, {Detail::DefaultText(min)});
-    return Detail::MakeFinding("TypesSystemNumericValidationMax", info, *this, {Detail::DefaultText(max)});
+        return Detail::MakeFinding("TypesSystemNumericValidationMin", info, *this, min);
+    return Detail::MakeFinding("TypesSystemNumericValidationMax", info, *this, max);
 }
 
 template<typename T>

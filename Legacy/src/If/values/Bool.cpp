@@ -104,8 +104,7 @@ std::shared_ptr<ResultElem const> BoolItem::Validate(boost::intrusive_ptr<InfoBa
     if (!schema)
         return Detail::TypeMismatch(info, *this);
     if (!WithinBounds(*schema))
-        return Detail::MakeFinding("TypesSystemBoolValidationFixedVal", info, *this,
-                                   {Detail::DefaultText(schema->GetDefault())});
+        return Detail::MakeFinding("TypesSystemBoolValidationFixedVal", info, *this, schema->GetDefault());
     return {};
 }
 

@@ -194,7 +194,7 @@ std::shared_ptr<ResultElem const> EnumItem::Validate(boost::intrusive_ptr<InfoBa
     if (!schema)
         return Detail::TypeMismatch(info, *this);
     if (!schema->IsPresent(m_value))
-        return Detail::MakeFinding("TypesSystemEnumValidationValue", info, *this, {Detail::DefaultText(m_value)});
+        return Detail::MakeFinding("TypesSystemEnumValidationValue", info, *this, m_value);
     return {};
 }
 

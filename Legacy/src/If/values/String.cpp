@@ -139,8 +139,7 @@ std::shared_ptr<ResultElem const> StringItem::Validate(boost::intrusive_ptr<Info
     if (!schema)
         return Detail::TypeMismatch(info, *this);
     if (m_value.size() > schema->GetMaxLength())
-        return Detail::MakeFinding("TypesSystemStringValidationLength", info, *this,
-                                   {Detail::DefaultText(schema->GetMaxLength())});
+        return Detail::MakeFinding("TypesSystemStringValidationLength", info, *this, schema->GetMaxLength());
     return {};
 }
 
