@@ -9,6 +9,7 @@
 #include <Legacy/If/String.h>
 
 #include <locale>
+#include <new>
 #include <sstream>
 #include <utility>
 
@@ -53,6 +54,9 @@ std::string ItemBase::GetValAsString() const
         return text;
     std::ostringstream os;
     operator<<(os);
+    // The stream swallows what its buffer throws when memory ends: half a text is none.
+    if (os.bad())
+        throw std::bad_alloc();
     return std::move(os).str();
 }
 
