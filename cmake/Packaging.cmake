@@ -23,6 +23,8 @@ foreach(library IN LISTS libraries)
     set(PC_CFLAGS "")
     set(PC_LIBS "")
     foreach(link IN LISTS links)
+        # What a static library keeps to itself must still be linked.
+        string(REGEX REPLACE "^\\$<LINK_ONLY:(.*)>$" "\\1" link "${link}")
         if(link STREQUAL "Boost::headers")
             continue()
         elseif(link MATCHES "^Boost::(.*)$")
@@ -46,6 +48,7 @@ list(REMOVE_DUPLICATES LEGACYIF_BOOST_COMPONENTS)
 # The libraries stand side by side and find each other there, wherever the prefix is.
 set_target_properties(${libraries} PROPERTIES INSTALL_RPATH "$ORIGIN")
 install(TARGETS ${libraries} EXPORT LegacyIfTargets
+    ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}"
     LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
     RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/include/" DESTINATION "${LEGACYIF_INSTALL_INCLUDEDIR}" FILES_MATCHING PATTERN "*.h")

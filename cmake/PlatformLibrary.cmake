@@ -13,7 +13,7 @@ endfunction()
 # What a shared library of the house is to the linker. Weak symbols of Boost and of the standard library stay inside: the
 # script names what is ours.
 function(platform_shared_library target script)
-    if(APPLE OR WIN32)
+    if(NOT LEGACYIF_LIBRARY_TYPE STREQUAL "SHARED" OR APPLE OR WIN32)
         return()
     endif()
     # Once loaded it stays, also when the plugin that brought it goes: protobuf and the log keep what it registered with
@@ -50,8 +50,8 @@ endfunction()
 
 # platform_library(name NAMESPACE ns EXPORT_NAME n OUTPUT_NAME file DESCRIPTION text SOURCES … [PUBLIC …] [PRIVATE …])
 #
-# Compiles the sources once, as the object library <name>_objects, and links them into the shared library <name>, which
-# it publishes. Tests that reach for a hidden symbol link the objects; everyone else links the shared library.
+# Compiles the sources once, as the object library <name>_objects, and links them into the library <name>, which it
+# publishes. Tests that reach for a hidden symbol link the objects; everyone else links the library.
 function(platform_library name)
     cmake_parse_arguments(ARG "" "NAMESPACE;EXPORT_NAME;OUTPUT_NAME;DESCRIPTION" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
 
@@ -70,7 +70,7 @@ function(platform_library name)
         CXX_VISIBILITY_PRESET hidden
         VISIBILITY_INLINES_HIDDEN ON)
 
-    add_library(${name} SHARED $<TARGET_OBJECTS:${name}_objects>)
+    add_library(${name} ${LEGACYIF_LIBRARY_TYPE} $<TARGET_OBJECTS:${name}_objects>)
     target_include_directories(${name} PUBLIC
         "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>"
         "$<INSTALL_INTERFACE:${LEGACYIF_INSTALL_INCLUDEDIR}>")

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Orlek/Export.h>
+
 namespace Orlek {
 
 /// A colour as four floats, each meant to lie between 0 and 1; nothing enforces that. All 0 by default.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Orlek/Export.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <string>

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Orlek/Export.h> // what the compiler must offer
+
 /// Marks what the library offers to callers; everything else stays hidden in the shared object. Class templates carry
 /// the mark too: run-time casts between shared objects rest on one visible type identity for each instance. Where a
 /// type argument is a foreign template, such as a pointer to one of our classes, the instance needs the mark of its own

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Legacy/If/Export.h>
+
 #include <compare>
 #include <concepts>
 #include <cstddef>

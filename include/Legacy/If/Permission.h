@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Legacy/If/Export.h>
+
 #include <cstdint>
 
 namespace Legacy::If {

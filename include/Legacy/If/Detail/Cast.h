@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Legacy/If/Export.h>
+
 #include <typeinfo>
 
 namespace Legacy::If::Detail {

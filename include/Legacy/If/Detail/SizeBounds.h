@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Legacy/If/Export.h>
 #include <Legacy/If/ReturnCodes.h>
 
 #include <algorithm>
