@@ -17,7 +17,7 @@ root=$PWD/build/$machine-root
 if [ ! -d "$root" ]; then
     mkdir -p build
     rm -rf "$root.part"
-    packages=libstdc++-12-dev,libboost-log1.81-dev,libboost-url1.81-dev,libboost-locale1.81-dev
+    packages=libstdc++-12-dev,libboost-log1.81-dev,libboost-url1.81-dev,libboost-json1.81-dev
     packages+=,libprotobuf-dev,libgtest-dev,libgmock-dev
     mmdebstrap --quiet --variant=extract "--architectures=$machine" "--include=$packages" \
         bookworm "$root.part" "deb http://deb.debian.org/debian bookworm main"

@@ -6,7 +6,7 @@ set -euo pipefail
 
 packages=(
     g++ clang cmake ninja-build pkg-config git ccache python3
-    libboost-log1.81-dev libboost-url1.81-dev libboost-locale1.81-dev libboost-json1.81-dev
+    libboost-log1.81-dev libboost-url1.81-dev libboost-json1.81-dev
     libprotobuf-dev protobuf-compiler
     libgtest-dev libgmock-dev libbenchmark-dev valgrind
     gettext

@@ -3,8 +3,10 @@
 
 #include <Orlek/Localization.h>
 
+#include <atomic>
 #include <mutex>
-#include <shared_mutex>
+#include <set>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -13,16 +15,40 @@ namespace Orlek {
 
 namespace {
 
+using Catalogues = std::vector<Detail::Catalogue>;
+
 constexpr char const* k_domain = "legacyif";
 constexpr std::string_view k_lastResort = "en";
 
-std::vector<Detail::Catalogue> LoadEmbedded()
+Catalogues LoadEmbedded()
 {
-    std::vector<Detail::Catalogue> catalogues;
+    Catalogues catalogues;
     for (auto const& [language, content] : Detail::GetEmbeddedCatalogues())
         catalogues.emplace_back(std::string(language), std::vector<char>(content.begin(), content.end()));
     return catalogues;
 }
+
+/// A value that is read without a lock. Each value that ever stood is kept, since somebody may still read it; one that
+/// comes again costs nothing, so a program that goes back and forth between a few does not grow.
+template<typename T>
+class Published
+{
+public:
+    explicit Published(T first) { Set(std::move(first)); }
+
+    T const& Get() const noexcept { return *m_current.load(std::memory_order_acquire); }
+
+    void Set(T value)
+    {
+        std::lock_guard const lock(m_mutex);
+        m_current.store(&*m_values.insert(std::move(value)).first, std::memory_order_release);
+    }
+
+private:
+    std::atomic<T const*> m_current;
+    std::mutex m_mutex;
+    std::set<T> m_values;
+};
 
 class Texts
 {
@@ -39,49 +65,35 @@ public:
         // The empty key is the catalogue's own header, and one with a zero inside would be taken for its head.
         if (key.empty() || key.find('\0') != std::string::npos)
             return key;
-        std::shared_lock const lock(m_mutex);
+        auto const& overrides = m_overrides.Get();
         for (std::string_view const name :
-             {std::string_view(language), std::string_view(m_defaultLanguage), k_lastResort})
-            if (auto const* const text = FindNamed_(key.c_str(), name))
+             {std::string_view(language), std::string_view(m_defaultLanguage.Get()), k_lastResort})
+            if (auto const* const text = FindNamed_(overrides, key, name))
                 return text;
         return key;
     }
 
-    std::string GetDefaultLanguage() const
-    {
-        std::shared_lock const lock(m_mutex);
-        return m_defaultLanguage;
-    }
-
-    void SetDefaultLanguage(std::string language)
-    {
-        std::unique_lock const lock(m_mutex);
-        m_defaultLanguage.swap(language);
-    }
-
-    void SetOverrides(std::vector<Detail::Catalogue> catalogues)
-    {
-        std::unique_lock const lock(m_mutex);
-        m_overrides.swap(catalogues);
-    }
+    std::string const& GetDefaultLanguage() const noexcept { return m_defaultLanguage.Get(); }
+    void SetDefaultLanguage(std::string const& language) { m_defaultLanguage.Set(language); }
+    void SetOverrides(Catalogues catalogues) { m_overrides.Set(std::move(catalogues)); }
 
 private:
     Texts() = default;
 
     /// Under the full name, then without the country.
-    char const* FindNamed_(char const* key, std::string_view name) const
+    char const* FindNamed_(Catalogues const& overrides, std::string_view key, std::string_view name) const
     {
         auto const full = name.substr(0, name.find_first_of(".@"));
         auto const primary = full.substr(0, full.find_first_of("_-"));
-        auto const* const text = FindExact_(key, full);
-        return text || primary == full ? text : FindExact_(key, primary);
+        auto const* const text = FindExact_(overrides, key, full);
+        return text || primary == full ? text : FindExact_(overrides, key, primary);
     }
 
-    char const* FindExact_(char const* key, std::string_view language) const
+    char const* FindExact_(Catalogues const& overrides, std::string_view key, std::string_view language) const
     {
         if (language.empty())
             return nullptr;
-        for (auto const* const catalogues : {&m_overrides, &m_embedded})
+        for (auto const* const catalogues : {&overrides, &m_embedded})
             for (auto const& catalogue : *catalogues)
                 if (catalogue.IsLanguage(language))
                     if (auto const* const text = catalogue.Find(key); text && *text)
@@ -89,10 +101,9 @@ private:
         return nullptr;
     }
 
-    mutable std::shared_mutex m_mutex;
-    std::string m_defaultLanguage{k_lastResort};
-    std::vector<Detail::Catalogue> m_overrides;
-    std::vector<Detail::Catalogue> const m_embedded = LoadEmbedded();
+    Published<std::string> m_defaultLanguage{std::string(k_lastResort)};
+    Published<Catalogues> m_overrides{Catalogues()};
+    Catalogues const m_embedded = LoadEmbedded();
 };
 
 } // namespace

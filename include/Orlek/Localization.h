@@ -16,7 +16,8 @@ namespace Orlek {
 /// A language is named as locales are, such as "de", "de_AT", "pt-BR" or "de_DE.UTF-8". What stands behind a "." or "@"
 /// is ignored, and a language that is not there under its full name is tried without its country. All texts are UTF-8.
 ///
-/// All members may be called by any thread at any time; look-ups do not wait for each other.
+/// All members may be called by any thread at any time. Look-ups take no lock and wait for nobody. Each different
+/// default language and each different set of catalogues that was ever set is kept until the process ends.
 class ORLEK_API Localization
 {
 public:
@@ -34,8 +35,8 @@ public:
 
     /// Reads the catalogues `<directory>/<language>/LC_MESSAGES/legacyif.mo`, for as many languages as there are, in
     /// place of those of an earlier directory. Their texts come before the built-in ones. The files are read here and
-    /// not again. Files that are damaged or not readable are passed over; an empty or missing directory leaves the
-    /// built-in texts alone.
+    /// not again. Files that are damaged, not readable or not in UTF-8 are passed over; an empty or missing directory
+    /// leaves the built-in texts alone.
     ///
     /// \return the number of catalogues that were read
     static std::size_t SetCatalogueDirectory(std::string const& directory);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -87,8 +88,21 @@ TEST(Localization, DirectoryOverridesAndAddsLanguagesAndMayHoldAnything)
             EXPECT_EQ(Look(k_minKey, "en"), k_minEnglish);
         }
 
+    // So must one whose keys are out of order, or whose texts are not in UTF-8.
+    std::string damaged = german;
+    std::swap_ranges(&damaged[28], &damaged[28 + 8], &damaged[28 + 8]);
+    EXPECT_EQ(use("de", damaged), 0U);
+    EXPECT_EQ(use("de", std::string(german).replace(german.find("UTF-8"), 5, "UTF-7")), 0U);
+    EXPECT_EQ(use("de", std::string(german).replace(german.find("charset="), 8, "CHARSET ")), 0U);
+
+    // A machine of the other byte order may have compiled it.
     german.replace(german.find("Der Wert liegt unter"), 3, "DER");
-    use("de", german);
+    std::string swapped = german;
+    for (auto word = swapped.begin(); word != swapped.begin() + 28 + 16 * 15; word += 4)
+        std::reverse(word, word + 4);
+    EXPECT_EQ(use("de", swapped), 1U);
+    EXPECT_TRUE(Look(k_minKey, "de").starts_with("{1}: DER Wert"));
+
     EXPECT_EQ(use("pt_BR", german), 2U);
     for (char const* const there : {"de_DE", "pt-BR.UTF-8"})
         EXPECT_TRUE(Look(k_minKey, there).starts_with("{1}: DER Wert"));
