@@ -1,11 +1,21 @@
-// How much memory parameters take: bytes of the heap for each, the allocator's own share included.
+// How much memory parameters take: bytes of the heap for each, the allocator's own share included; and how much a whole
+// program does.
 #include "Rows.h"
 
 #include <Legacy/If/Numeric.h>
 #include <Legacy/If/String.h>
 
 #include <algorithm>
+#include <cstdlib>
+#include <fstream>
 #include <memory>
+
+#ifdef BENCH_PROGRAM
+#include <fcntl.h>
+#include <sys/ptrace.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
 
 #ifdef BENCH_HAS_GLIB
 #include <glib-object.h>
@@ -56,10 +66,47 @@ struct OwnSchema
     unsigned int value;
 };
 
+#ifdef BENCH_PROGRAM
+/// Runs a program up to the point where it has done everything but go, when its memory is still there to be looked at.
+/// What a parent learns of a child that has gone counts the parent's own pages.
+void Run(benchmark::State& state, char const* program)
+{
+    std::string key;
+    for (auto _ : state) {
+        pid_t const child = fork();
+        if (child == 0) {
+            dup2(open("/dev/null", O_WRONLY), STDOUT_FILENO);
+            ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
+            execl(program, program, nullptr);
+            _exit(127);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_EXITKILL | PTRACE_O_TRACEEXIT);
+        ptrace(PTRACE_CONT, child, nullptr, 0);
+        waitpid(child, &status, 0);
+        std::ifstream memory("/proc/" + std::to_string(child) + "/status");
+        for (double kibibytes = 0; memory >> key;)
+            if (key == "VmHWM:" && memory >> kibibytes)
+                state.counters["resident-KiB"] = kibibytes;
+            else if (key == "RssAnon:" && memory >> kibibytes)
+                state.counters["private-KiB"] = kibibytes;
+        ptrace(PTRACE_CONT, child, nullptr, 0);
+        waitpid(child, &status, 0);
+        if (!WIFEXITED(status) || WEXITSTATUS(status) != EXIT_SUCCESS || state.counters.empty())
+            state.SkipWithError("the program did not run to its end");
+    }
+}
+#endif
+
 struct Rows
 {
     Rows()
     {
+#ifdef BENCH_PROGRAM
+        AddRow("memory", "program", k_ours, [](benchmark::State& state) { Run(state, BENCH_PROGRAM); });
+        AddRow("memory", "program", "empty", [](benchmark::State& state) { Run(state, BENCH_EMPTY_PROGRAM); });
+#endif
         AddRow("memory", "u32-schema", k_ours, [](benchmark::State& state) {
             Hold(state, [](unsigned int id) {
                 return boost::intrusive_ptr<InfoBase>(new NumericInfo<U32Traits>(id, NameOf(id), Permission_t{}));
