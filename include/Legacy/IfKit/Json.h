@@ -92,10 +92,10 @@
 ///      "schemas": [{…}],                     // those of a delta
 ///      "values": [{"id": 1, "type": …}]}     // likewise
 ///
-/// **Hostile input** is refused with the place and the reason, and nothing is changed. JSON nests #k_maxJsonDepth deep
-/// at most and composites #k_maxJsonMembers; a text, list or object has at most 64 MiB, 2^24 elements and 4096 members.
-/// Memory is needed for one parameter at a time and for what is built. Keys that are not known or stand twice are
-/// refused, and comments are.
+/// **Hostile input** is refused with the place and the reason, and nothing is changed. JSON nests `k_maxJsonDepth` deep
+/// at most and composites `k_maxJsonMembers`; a text, list or object has at most 64 MiB, 2^24 elements and 4096
+/// members. Memory is needed for one parameter at a time and for what is built. Keys that are not known or stand twice
+/// are refused, and comments are.
 ///
 /// All functions are free of state of their own: threads may use them at the same time on streams and objects of their
 /// own, and write one object that nobody changes.
@@ -136,7 +136,7 @@ enum class JsonContent_t
 
 /// @name Writing
 /// The stream's state tells whether the text arrived. An object that cannot be written leaves the text unfinished: one
-/// of a class that is not the library's, or members more than #k_maxJsonMembers deep.
+/// of a class that is not the library's, or members more than `k_maxJsonMembers` deep.
 /// @{
 LEGACY_IFKIT_API JsonOutcome_t WriteJson(std::ostream& os, If::ItemBase const& item,
                                          JsonLayout_t layout = JsonLayout_t::Compact);

@@ -36,9 +36,9 @@ struct Record_t
     std::size_t Size() const noexcept { return k_recordHeaderSize + payload.size(); }
 
     /// Makes the value.
-    /// @return 0; otherwise a code of `ItemBase::Deserialize`, with `item` untouched: #IfErrInvalidArgument for tags
-    ///         that name no class and for a payload that does not fit, #IfErrTypeNotAssignable for a class whose
-    ///         values do not travel, #IfErrNotSerializable for a composite with such a member.
+    /// @return 0; otherwise a code of `ItemBase::Deserialize`, with `item` untouched: `IfErrInvalidArgument` for tags
+    ///         that name no class and for a payload that does not fit, `IfErrTypeNotAssignable` for a class whose
+    ///         values do not travel, `IfErrNotSerializable` for a composite with such a member.
     LEGACY_IFKIT_API int Rebuild(boost::intrusive_ptr<If::ItemBase>& item) const;
 };
 
@@ -47,7 +47,7 @@ struct Record_t
 LEGACY_IFKIT_API int AppendRecord(If::ItemBase const& item, std::vector<unsigned char>& bytes);
 
 /// Makes a value of bytes that are one whole record and nothing else.
-/// @return as `Record_t::Rebuild`, and #IfErrInvalidArgument for bytes that are more or less than one record.
+/// @return as `Record_t::Rebuild`, and `IfErrInvalidArgument` for bytes that are more or less than one record.
 LEGACY_IFKIT_API int ReadRecord(std::span<unsigned char const> bytes, boost::intrusive_ptr<If::ItemBase>& item);
 
 /// Goes through a buffer of records without copying a payload.

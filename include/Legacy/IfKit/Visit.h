@@ -87,8 +87,8 @@ decltype(auto) VisitObject(Root& object, Visitor& visitor)
 
 } // namespace Detail
 
-/// Whether functions of these types have a case for every concrete class and for the foreign ones, so that #Visit takes
-/// them. `Root` is `ItemBase`, `InfoBase` or one of these as const.
+/// Whether functions of these types have a case for every concrete class and for the foreign ones, so that `Visit`
+/// takes them. `Root` is `ItemBase`, `InfoBase` or one of these as const.
 template<typename Root, typename... Cases>
 concept VisitorOf = (std::invocable<Overloaded<Cases...>&, Root&> ||
                      std::invocable<Overloaded<Cases...>&, Foreign<Root>>)&&Detail::HasAllCases<Overloaded<Cases...>,
