@@ -11,15 +11,19 @@ function(platform_warnings target)
 endfunction()
 
 # What a shared library of the house is to the linker. Weak symbols of Boost and of the standard library stay inside: the
-# script names what is ours.
-function(platform_shared_library target script)
+# script names what is ours, and gives each name the version of the binary interface, so that a program does not run with
+# a library that it was not built for.
+function(platform_shared_library target file)
     if(NOT LEGACYIF_LIBRARY_TYPE STREQUAL "SHARED" OR APPLE OR WIN32)
         return()
     endif()
     # Once loaded it stays, also when the plugin that brought it goes: protobuf and the log keep what it registered with
     # them, and threads come back to it at their end.
     target_link_options(${target} PRIVATE "LINKER:-z,nodelete")
+    set(script "${PROJECT_SOURCE_DIR}/cmake/${file}.map")
     if(EXISTS "${script}")
+        configure_file("${script}" "${PROJECT_BINARY_DIR}/${file}.map" @ONLY)
+        set(script "${PROJECT_BINARY_DIR}/${file}.map")
         # A library's calls of its own functions need no detour by which a program could put others in their place.
         target_link_options(${target} PRIVATE "LINKER:--version-script=${script}" "LINKER:-Bsymbolic-functions")
         set_target_properties(${target} PROPERTIES LINK_DEPENDS "${script}")
@@ -44,7 +48,7 @@ function(platform_publish name)
         SOVERSION ${LEGACYIF_SOVERSION}
         LEGACYIF_COMPONENT ${ARG_EXPORT_NAME}
         LEGACYIF_DESCRIPTION "${ARG_DESCRIPTION}")
-    platform_shared_library(${name} "${PROJECT_SOURCE_DIR}/cmake/${ARG_OUTPUT_NAME}.map")
+    platform_shared_library(${name} ${ARG_OUTPUT_NAME})
     set_property(GLOBAL APPEND PROPERTY LEGACYIF_LIBRARIES ${name})
 endfunction()
 
