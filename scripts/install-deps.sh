@@ -9,7 +9,7 @@ packages=(
     libboost-log1.81-dev libboost-url1.81-dev libboost-json1.81-dev
     libprotobuf-dev protobuf-compiler
     libgtest-dev libgmock-dev libbenchmark-dev valgrind
-    gettext
+    gettext gdb
     mosquitto libmosquitto-dev
     libclang-rt-14-dev clang-format clang-tidy
     "$@"

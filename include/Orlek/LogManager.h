@@ -15,8 +15,15 @@ class LoggerFacade;
 /// There is one manager. It is made at first use, be it by a static initializer, and never destroyed, so that it also
 /// serves static destructors; the same holds for the channels. All members may be called by any thread at any time.
 ///
-/// As long as no sink is added, here or to the core of Boost.Log, that core prints the messages on the console by
-/// itself. Sinks that write files should be removed from the core before `main` ends: what a static destructor logs
+/// As long as no sink is added, here or to the core of Boost.Log, that core prints the messages on the standard output
+/// by itself and in its own form, which knows neither channels nor these levels and calls every record "info". A
+/// program that wants them adds a sink and sets a level:
+///
+///     Orlek::LogManager::Instance().AddConsoleSink();
+///     auto const log = Orlek::LogManager::Instance().GetLogger("app");
+///     log->SetLevel(Orlek::LogLevel_t::Warning);
+///
+/// Sinks that write files should be removed from the core before `main` ends: what a static destructor logs
 /// still reaches the sinks that are there then.
 class ORLEK_API LogManager
 {

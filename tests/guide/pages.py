@@ -1,0 +1,111 @@
+#!/usr/bin/env python3
+"""The programs in the pages of the guide.
+
+    pages.py generate PAGE.md SOURCE.cpp           the C++ blocks of a page as one source
+    pages.py check PAGE.md PROGRAM [GDB OPTION …]  runs the program and compares what it prints with what the page shows
+
+Of a page every block fenced as `cpp` is taken, in order, and what it prints must be the `text` block that follows it at
+once, or nothing if there is none. In such a text `…` stands for anything within a line. A block is
+
+- a whole program, if it has an `int main()`;
+- a declaration, if it begins with a class, template or the like, or with a comment in front of one;
+- otherwise statements, which see the variables of the blocks before them.
+
+`#include` lines move to the top of the source; all but whole programs may use `Legacy/If.h` and its namespace as it is.
+Before the program runs, in a directory of its own, `po` blocks are written there as fr.po and `sh` blocks are run there.
+If a page has blocks fenced as `gdb`, the program runs under gdb and stops where each of them stands for its commands,
+and theirs are the texts that are compared. Without gdb the result is 77.
+"""
+import json
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+
+BLOCK = re.compile(r"^```(?P<kind>cpp|gdb)\n(?P<code>.*?)^```\n(?:\n```text\n(?P<output>.*?)^```$)?", re.M | re.S)
+DECLARATION = re.compile(r"(//[^\n]*\n)*(class|struct|template|namespace|enum|static|inline|constexpr)\b")
+MARK = "\x1e"
+
+
+def blocks(page, kinds=("cpp", "gdb")):
+    """Of each block the kind, the line where it begins, the code and what the page shows of its output."""
+    text = pathlib.Path(page).read_text(encoding="utf-8")
+    for match in BLOCK.finditer(text):
+        if match["kind"] in kinds:
+            yield match["kind"], text.count("\n", 0, match.start("code")) + 1, match["code"], match["output"] or ""
+
+
+def generate(page, source):
+    includes, outside, inside = [], [], []
+    for number, (kind, line, code, _) in enumerate(blocks(page)):
+        if kind == "gdb":
+            inside.append("GuideStop();\n")
+            continue
+        place = f"#line {line} {json.dumps(page)}\n"
+        includes += re.findall(r"^#include .*\n", code, re.M)
+        code = re.sub(r"^#include .*$", "", code, flags=re.M)
+        if "int main()" in code:
+            body = code.replace("int main()", "static void Program()")
+            outside.append(f"namespace Block{number} {{\n{place}{body}}}\n")
+            inside.append(f"Block{number}::Program();\n")
+        elif DECLARATION.match(code.lstrip()):
+            outside.append(f"using namespace Legacy::If;\nnamespace {{\n{place}{code}}}\n")
+        else:
+            inside.append(place + code)
+        inside.append(f'std::cout << "{MARK}" << std::flush;\n')
+    if not inside:
+        sys.exit(f"{page}: no C++ in it")
+    with open(source, "w", encoding="utf-8") as file:
+        file.write("#include <Legacy/If.h>\n#include <iostream>\n" + "".join(dict.fromkeys(includes)))
+        if "GuideStop();\n" in inside:
+            file.write("static void GuideStop() { std::cout.flush(); }\n")
+        file.write("".join(outside) + "int main()\n{\nusing namespace Legacy::If;\n" + "".join(inside) + "}\n")
+
+
+def prepare(page, place):
+    for kind, text in re.findall(r"^```(po|sh)\n(.*?)^```$", pathlib.Path(page).read_text(encoding="utf-8"), re.M | re.S):
+        if kind == "po":
+            pathlib.Path(place, "fr.po").write_text(text, encoding="utf-8")
+        else:
+            subprocess.run(["sh", "-e", "-c", text], cwd=place, check=True)
+
+
+def check(page, program, *gdb_options):
+    program = os.path.abspath(program)
+    kind = "gdb" if any(blocks(page, ("gdb",))) else "cpp"
+    expected = list(blocks(page, (kind,)))
+    with tempfile.TemporaryDirectory() as place:
+        prepare(page, place)
+        command = [program] if kind == "cpp" else gdb_command(page, program, place, gdb_options)
+        run = subprocess.run(command, cwd=place, stdout=subprocess.PIPE, encoding="utf-8", errors="replace", check=False)
+    printed = run.stdout.split(MARK)
+    if kind == "gdb":
+        printed = printed[1::2]
+    failed = run.returncode != 0 or len(printed) < len(expected)
+    if failed:
+        print(f"{program} ended with {run.returncode}; it printed\n{run.stdout}")
+    for (_, line, _, shown), real in zip(expected, printed):
+        lines = [".*".join(map(re.escape, text.split("…"))) for text in shown.splitlines()]
+        if not re.fullmatch("\n".join(lines), real.removesuffix("\n")):
+            print(f"{page}:{line}: the page shows\n{shown}but the program prints\n{real}")
+            failed = True
+    sys.exit(failed)
+
+
+def gdb_command(page, program, place, options):
+    if not shutil.which("gdb"):
+        print("gdb is not installed: nothing was tested")
+        sys.exit(77)
+    script = ["set width 0", "set confirm off", "set style enabled off", "set debuginfod enabled off",
+              "break GuideStop", "run >/dev/null"]
+    for _, _, code, _ in blocks(page, ("gdb",)):
+        script += ["up", f"echo {MARK}", code.rstrip(), f"echo {MARK}", "continue"]
+    pathlib.Path(place, "script").write_text("\n".join(script) + "\n", encoding="utf-8")
+    return ["gdb", "-nx", "-batch", *options, "-x", "script", program]
+
+
+if __name__ == "__main__":
+    {"generate": generate, "check": check}[sys.argv[1]](*sys.argv[2:])
