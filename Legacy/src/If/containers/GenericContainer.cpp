@@ -35,6 +35,15 @@ void AppendAll(Store const& store, std::vector<Pointer>& elements)
         elements.emplace_back(stored.element);
 }
 
+/// Whether the key was free. Elements mostly come in ascending order, so the end is looked at first.
+template<typename Store, typename Ptr>
+bool Insert(Store& store, Ptr const& element)
+{
+    auto const size = store.size();
+    store.emplace_hint(store.end(), element);
+    return store.size() != size;
+}
+
 } // namespace
 
 // The storage.
@@ -63,7 +72,7 @@ GenericContainerImpl<Element, Ptr, ConstPtr, Key>* GenericContainerImpl<Element,
     for (auto const& stored : m_store) {
         Ptr const element(stored.element->DeepCopy());
         if (IsStorable(element)) // the holders of applications may give no copy
-            store.emplace_hint(store.end(), element);
+            Insert(store, element);
     }
     return copy.release();
 }
@@ -73,7 +82,7 @@ int GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Add(Ptr const& element)
 {
     if (!IsStorable(element))
         return 0;
-    return m_store.emplace(element).second ? 0 : IfErrDuplicateId;
+    return Insert(m_store, element) ? 0 : IfErrDuplicateId;
 }
 
 template<typename Element, typename Ptr, typename ConstPtr, typename Key>
@@ -103,7 +112,7 @@ void GenericContainerImpl<Element, Ptr, ConstPtr, Key>::Set(Ptr const& element)
     auto& byKey = m_store.template get<1>();
     auto const place = byKey.find(Detail::Hashed<Key>::Of(Detail::Subject(*element)->GetId()));
     if (place == byKey.end())
-        byKey.emplace(element);
+        Insert(m_store, element);
     else
         byKey.replace(place, typename Store::value_type(element));
 }
