@@ -1,0 +1,40 @@
+#!/usr/bin/env bash
+# What takes too long for every change: run it once a night, or before a release. Each part is a script of its own that
+# anybody can run alone.
+# usage: nightly.sh [PART …]     the parts, all by default: packages machines search
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+# The Debian packages, and a program in a bare root that is built against them.
+packages() {
+    ./scripts/install-deps.sh mmdebstrap
+    ./scripts/package.sh
+    ./tests/package/run.sh build/packages
+}
+
+# The tests with the other byte order and with narrow pointers.
+machines() {
+    ./scripts/cross-test.sh s390x
+    ./scripts/cross-test.sh i386
+}
+
+# Inputs that nobody has thought of, what the tests reach, and the small faults that they miss.
+search() {
+    ./scripts/fuzz.sh all 600
+    ./scripts/coverage.sh
+    ./scripts/mutate.py
+}
+
+parts=("$@")
+if [ ${#parts[@]} -eq 0 ]; then
+    parts=(packages machines search)
+fi
+for part in "${parts[@]}"; do
+    case $part in
+    packages | machines | search) ;;
+    *) grep '^# usage' "$0" >&2 && exit 2 ;;
+    esac
+    printf '\n== %s (%s s)\n' "$part" "$SECONDS"
+    "$part"
+done
+echo "All of it passed after $SECONDS s."
