@@ -6,11 +6,13 @@
 #include "Program.h"
 #include "Topics.h"
 #include "Wire.h"
-#include "common/FindingMessage.h"
 
 #include <Legacy/If/InfoItemDirectory.h>
 #include <Legacy/If/Numeric.h>
 #include <Legacy/If/String.h>
+#include <Legacy/IfKit/Difference.h>
+#include <Legacy/IfKit/Explain.h>
+#include <Legacy/IfKit/ValueText.h>
 #include <Orlek/Localization.h>
 
 #include <algorithm>
@@ -30,6 +32,7 @@
 namespace Fleet {
 
 using namespace Legacy::If;
+using Legacy::IfKit::PathOf;
 
 namespace {
 
@@ -159,14 +162,16 @@ private:
         if (!IsWritable(*info))
             return Refuse_(topic, IfErrInvalidArgument, Say_("FleetReadOnlyParameter", info->GetName()),
                            message.language);
-        if (auto const finding = Examples::FindingMessage(info, *message.item); finding.IsValid())
+        if (auto const finding = Legacy::IfKit::Explain(*message.item, info); finding.IsValid())
             return Refuse_(topic, IfErrInvalidArgument, finding, message.language);
-
-        std::cout << topic.controller << " sets " << topic.path << ": " << Shown(*parameter->GetInfo(), *message.item)
-                  << std::endl;
-        int const code =
-            parameter->GetItem()->GetItem()->IsEqualValue(message.item) ? 0 : SetItem(new ItemHolder(message.item));
-        return {0, code, {}};
+        if (parameter->GetItem()->GetItem()->IsEqualValue(message.item))
+            return {};
+        // A value of another type passes in the families that bound nothing, and is refused here.
+        if (int const code = SetItem(new ItemHolder(message.item)))
+            return Refuse_(topic, code, Say_("FleetUnknownParameter", topic.path), message.language);
+        std::cout << topic.controller << " sets " << topic.path << ": "
+                  << Legacy::IfKit::ValueText(*parameter->GetInfo(), *message.item) << std::endl;
+        return {};
     }
 
     static AnswerMessage Refuse_(Topic_t const& topic, int code, LocalizedString const& why,

@@ -1,6 +1,8 @@
 #include "Mirror.h"
 
 #include <Legacy/If/InfoItemHolderDefs.h>
+#include <Legacy/IfKit/Difference.h>
+#include <Legacy/IfKit/ValueText.h>
 
 #include <iostream>
 #include <memory>
@@ -10,6 +12,8 @@
 namespace Fleet {
 
 using namespace Legacy::If;
+using Legacy::IfKit::PathOf;
+using Legacy::IfKit::ValueText;
 
 Mirror::Mirror(std::string const& device, std::string const& kind) : m_device(device), m_kind(kind)
 {
@@ -57,7 +61,7 @@ void Mirror::Show(std::ostream& out) const
     for (auto const& parameter : parameters) {
         auto const& info = *parameter->GetInfo();
         out << "  " << PathOf(*this, *info.GetInfo()) << " = "
-            << (parameter->GetItem() ? Shown(info, *parameter->GetItem()->GetItem()) : "(not known yet)")
+            << (parameter->GetItem() ? ValueText(info, *parameter->GetItem()->GetItem()) : "(not known yet)")
             << (IsWritable(*info.GetInfo()) ? "" : " (read-only)") << '\n';
     }
 }
@@ -72,8 +76,8 @@ void Mirror::ItemChanged_(boost::intrusive_ptr<ItemHolder const> const& former,
     auto const& info = *parameter->GetInfo();
     std::cout << m_device << ' ' << PathOf(*this, *info.GetInfo()) << ": ";
     if (former)
-        std::cout << Shown(info, *former->GetItem()) << " -> ";
-    std::cout << Shown(info, *item) << std::endl;
+        std::cout << ValueText(info, *former->GetItem()) << " -> ";
+    std::cout << ValueText(info, *item) << std::endl;
 }
 
 } // namespace Fleet

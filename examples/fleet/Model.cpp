@@ -196,18 +196,6 @@ std::shared_ptr<InfoItemDirectoryDelta> BuildModel(std::string const& kind)
 
 bool IsWritable(InfoBase const& info) { return info.GetPermission() == k_writable; }
 
-std::string PathOf(InfoItemDirectory const& directory, InfoBase const& info)
-{
-    return directory.FindSection(InfoItemSectionId(info.GetId())).GetSectionName() + '/' + info.GetName();
-}
-
-std::string Shown(InfoHolder const& info, ItemBase const& item)
-{
-    std::string const text = Examples::ShowValue(*info.GetInfo(), item);
-    std::string const unit = info.GetUnit();
-    return unit.empty() ? text : text + ' ' + unit;
-}
-
 ItemPtr ReadValue(InfoPtr const& info, std::string const& text, std::string& error)
 {
     ItemPtr item(info->CreateItem());

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <Legacy/If/InfoBase.h>
-#include <Legacy/If/InfoItemDirectory.h>
 #include <Legacy/If/InfoItemDirectoryDelta.h>
 #include <Legacy/If/ItemBase.h>
 
@@ -26,12 +25,6 @@ std::shared_ptr<Legacy::If::InfoItemDirectoryDelta> BuildModel(std::string const
 
 /// Whether controllers may set the parameter: a meaning that this application gives to the permission of a schema.
 bool IsWritable(Legacy::If::InfoBase const& info);
-
-/// The path of a parameter, under which it travels: its section's and its name.
-std::string PathOf(Legacy::If::InfoItemDirectory const& directory, Legacy::If::InfoBase const& info);
-
-/// A value as it is shown: with the name of a choice in place of its number, with a unit, and on one line.
-std::string Shown(Legacy::If::InfoHolder const& info, Legacy::If::ItemBase const& item);
 
 /// Makes a value for the schema from text, as `SetValFromStream` reads it; a choice may also be given by its name.
 /// @return null with `error` set if the text is no such value. Bounds are not tested.

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "common/ValueText.h"
-
+#include <Legacy/IfKit/ValueText.h>
 #include <Net/AddrStr.h>
 #include <Net/Endpoint.h>
 #include <Orlek/LogLevel.h>
@@ -21,7 +20,7 @@
 /// What the programs of the fleet do alike around their work.
 namespace Fleet {
 
-using Examples::Printable;
+using Legacy::IfKit::Printable;
 
 /// The command line cannot be understood; the text says why.
 class UsageError : public std::runtime_error

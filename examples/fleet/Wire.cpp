@@ -1,6 +1,6 @@
 #include "Wire.h"
 
-#include "common/RecordBytes.h"
+#include <Legacy/IfKit/Records.h>
 
 #include <boost/endian/conversion.hpp>
 
@@ -44,7 +44,7 @@ public:
 
     Writer& Record(ItemBase const& item)
     {
-        if (Examples::AppendRecord(item, m_bytes) != 0)
+        if (Legacy::IfKit::AppendRecord(item, m_bytes) != 0)
             throw std::invalid_argument("a value without a serial form cannot be sent");
         return *this;
     }
@@ -86,7 +86,7 @@ public:
     boost::intrusive_ptr<ItemBase> RecordToEnd()
     {
         boost::intrusive_ptr<ItemBase> item;
-        m_good = Examples::ReadRecord(Take_(m_rest.size()), item) == 0 && m_good;
+        m_good = Legacy::IfKit::ReadRecord(Take_(m_rest.size()), item) == 0 && m_good;
         return item;
     }
 

@@ -212,7 +212,7 @@ TEST(FleetModel, ValuesAreReadFromText)
         std::string error;
         auto const info = mirror.Find(path);
         auto const item = ReadValue(info->GetInfo(), text, error);
-        return item ? Shown(*info, *item) : "error: " + error;
+        return item ? Legacy::IfKit::ValueText(*info, *item) : "error: " + error;
     };
     EXPECT_EQ(read("climate/mode", "heat"), "heat");
     EXPECT_EQ(read("climate/mode", "2"), "cool");

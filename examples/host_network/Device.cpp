@@ -1,56 +1,40 @@
 #include "Device.h"
 
-#include "ValueText.h"
+#include <Legacy/IfKit/Difference.h>
+#include <Legacy/IfKit/ValueText.h>
 
 #include <sstream>
 
 namespace HostNetwork {
 
 using namespace Legacy::If;
+using namespace Legacy::IfKit;
 
 namespace {
 
-std::string SchemaText(InfoBase const& info)
+std::string Shown(InfoHolder const& holder, InfoHolder const&)
 {
     std::ostringstream text;
-    text << info;
+    text << *holder.GetInfo();
     return Printable(text.str());
+}
+
+std::string Shown(ItemHolder const& holder, InfoHolder const& info) { return ValueText(info, *holder.GetItem()); }
+
+template<typename Holder>
+std::string Step(boost::intrusive_ptr<Holder const> const& former, boost::intrusive_ptr<Holder const> const& latter,
+                 InfoHolder const& info)
+{
+    return (former ? Shown(*former, info) + "  ->  " : std::string()) + Shown(*latter, info);
 }
 
 } // namespace
 
-std::shared_ptr<InfoItemDirectoryDelta> Device::TakeChanges()
+std::map<InfoItemSectionId, std::vector<ParameterPtr>> ParametersBySection(Device const& device)
 {
-    auto delta = std::make_shared<InfoItemDirectoryDelta>();
-    for (auto const& [id, info] : m_changedInfos)
-        delta->AddInfo(info);
-    for (auto const& [id, item] : m_changedItems)
-        delta->AddItem(item);
-    m_changedInfos.clear();
-    m_changedItems.clear();
-    return delta;
-}
-
-std::vector<SectionId> Device::GetSections() const
-{
-    std::vector<SectionId> sections;
-    std::vector<SectionId> waiting;
-    GetTopLevelSections(waiting);
-    while (!waiting.empty()) {
-        sections.push_back(waiting.front());
-        std::vector<SectionId> below;
-        GetSubsections(waiting.front().GetInfoItemSectionId(), below);
-        waiting.erase(waiting.begin());
-        waiting.insert(waiting.begin(), below.begin(), below.end());
-    }
-    return sections;
-}
-
-std::map<InfoItemSectionId, std::vector<Device::Parameter_t>> Device::GetParameters() const
-{
-    std::map<InfoItemSectionId, std::vector<Parameter_t>> parameters;
-    std::vector<Parameter_t> all;
-    GetAllInfoItems(all);
+    std::map<InfoItemSectionId, std::vector<ParameterPtr>> parameters;
+    std::vector<ParameterPtr> all;
+    device.GetAllInfoItems(all);
     for (auto const& parameter : all) {
         InfoItemSectionId const id(parameter->GetInfo()->GetInfo()->GetId());
         parameters[id.GetSectionId(id.Depth())].push_back(parameter);
@@ -58,31 +42,14 @@ std::map<InfoItemSectionId, std::vector<Device::Parameter_t>> Device::GetParamet
     return parameters;
 }
 
-std::string Device::PathOf(InfoBase const& info) const
-{
-    std::string const section = FindSection(InfoItemSectionId(info.GetId())).GetSectionName();
-    return Printable(section + SectionId::k_sectionDelim + info.GetName());
-}
+std::string ShownPath(Device const& device, InfoBase const& info) { return Printable(PathOf(device, info)); }
 
-void Device::InfoChanged_(boost::intrusive_ptr<InfoHolder const> const& former, Parameter_t const& infoItem)
+std::string ShownChange(Device const& device, Change_t const& change)
 {
-    auto const& info = *infoItem->GetInfo()->GetInfo();
-    m_changedInfos[info.GetId()] = infoItem->GetInfo();
-    ++m_infoChanges;
-    if (m_watcher)
-        m_watcher("InfoChanged_  " + PathOf(info) + ": " +
-                  (former ? SchemaText(*former->GetInfo()) + "  ->  " : std::string()) + SchemaText(info));
-}
-
-void Device::ItemChanged_(boost::intrusive_ptr<ItemHolder const> const& former, Parameter_t const& infoItem)
-{
-    auto const& info = *infoItem->GetInfo()->GetInfo();
-    m_changedItems[info.GetId()] = infoItem->GetItem();
-    ++m_itemChanges;
-    if (m_watcher)
-        m_watcher("ItemChanged_  " + PathOf(info) + ": " +
-                  (former ? ShowValue(info, *former->GetItem()) + "  ->  " : std::string()) +
-                  ShowValue(info, *infoItem->GetItem()->GetItem()));
+    InfoHolder const& info = *change.parameter->GetInfo();
+    return (change.IsSchema() ? "schema  " : "value   ") + ShownPath(device, *info.GetInfo()) + ": " +
+           (change.IsSchema() ? Step(change.formerInfo, change.info, info)
+                              : Step(change.formerItem, change.item, info));
 }
 
 } // namespace HostNetwork

@@ -1,45 +1,32 @@
 #include "Findings.h"
 
 #include <Legacy/If/Composite.h>
+#include <Legacy/IfKit/Difference.h>
+#include <Legacy/IfKit/Explain.h>
 #include <Orlek/SeverityLevel.h>
-
-#include <utility>
 
 namespace HostNetwork {
 
+using namespace Legacy::If;
+using namespace Legacy::IfKit;
+
 namespace {
 
-using namespace Legacy::If;
-
-/// Where the findings of one parameter go.
-struct Place_t
+/// The value or the member of a value that a message is about.
+Finding_t MakeFinding(ParameterPtr const& parameter, std::string path, MemberPlace place,
+                      LocalizedString const& message)
 {
-    Result& all;
-    std::vector<Finding_t>& findings;
-    unsigned int parameter;
-};
-
-void Add(Place_t const& place, std::shared_ptr<ResultElem const> const& elem,
-         boost::intrusive_ptr<InfoBase const> const& info, std::string const& path, std::string const& unit)
-{
-    if (!elem)
-        return; // the value is fine
-    Result one(place.parameter);
-    one.AddResultElem(elem);
-    place.all.AddResults(one.GetResultArray(), Orlek::SeverityLevel_t::Warning);
-    place.findings.push_back({one, elem->GetItem(), info, path, unit});
-}
-
-/// A composite looks at the number and the types of its members, and leaves their values to whoever cares.
-void ExamineMembers(Place_t const& place, CompositeItem& item, CompositeInfo const& info, std::string const& path)
-{
-    if (item.GetSize() != info.GetSize())
-        return;
-    for (unsigned int i = 0; i < item.GetSize(); ++i) {
-        auto const schema = info.GetInfo(i);
-        if (schema->IsEqualType(item.GetItem(i)))
-            Add(place, item.GetItem(i)->Validate(schema), schema, path + '/' + schema->GetName(), {});
+    auto item = parameter->GetItem()->GetItem();
+    boost::intrusive_ptr<InfoBase const> info = parameter->GetInfo()->GetInfo();
+    for (unsigned int const index : place) {
+        item = dynamic_cast<CompositeItem&>(*item).GetItem(index);
+        info = dynamic_cast<CompositeInfo const&>(*info).GetInfo(index);
+        path += '/' + info->GetName();
     }
+    Result one(parameter->GetInfo()->GetInfo()->GetId());
+    auto const elem = item->Validate(info);
+    one.AddResultElem(elem);
+    return {one, message, elem->GetItem(), info, path, place.empty() ? parameter->GetInfo()->GetUnit() : ""};
 }
 
 } // namespace
@@ -47,20 +34,17 @@ void ExamineMembers(Place_t const& place, CompositeItem& item, CompositeInfo con
 std::vector<Finding_t> Examine(Device const& device, Result& all)
 {
     std::vector<Finding_t> findings;
-    auto parameters = device.GetParameters();
-    for (auto const& section : device.GetSections()) {
+    auto parameters = ParametersBySection(device);
+    for (auto const& section : AllSections(device)) {
         for (auto const& parameter : parameters[section.GetInfoItemSectionId()]) {
             if (!parameter->GetItem())
                 continue;
             auto const& info = parameter->GetInfo()->GetInfo();
-            auto const& item = parameter->GetItem()->GetItem();
-            Place_t const place{all, findings, info->GetId()};
-            std::string const path = device.PathOf(*info);
-            Add(place, item->Validate(info), info, path, parameter->GetInfo()->GetUnit());
-            auto* const group = dynamic_cast<CompositeItem*>(item.get());
-            auto const* const schema = dynamic_cast<CompositeInfo const*>(info.get());
-            if (group && schema)
-                ExamineMembers(place, *group, *schema, path);
+            ExplainEach(*parameter->GetItem()->GetItem(), info, [&](MemberPlace place, LocalizedString const& message) {
+                findings.push_back(MakeFinding(parameter, ShownPath(device, *info), place, message));
+                all.AddResults(findings.back().result.GetResultArray(), Orlek::SeverityLevel_t::Warning);
+                return true;
+            });
         }
     }
     return findings;

@@ -4,17 +4,17 @@
 #include "ValueText.h"
 
 #include <Legacy/If/ReturnCodes.h>
+#include <Legacy/IfKit/ValueText.h>
 
 #include <algorithm>
-#include <sstream>
 
 namespace HostNetwork {
 
 namespace {
 
 using namespace Legacy::If;
+using Legacy::IfKit::Printable;
 
-using InfoHolderPtr = boost::intrusive_ptr<InfoHolder const>;
 using ItemHolderPtr = boost::intrusive_ptr<ItemHolder const>;
 
 /// A declared parameter with what the host has to say about it.
@@ -38,7 +38,7 @@ void SetText(Device& device, InfoBase const& info, boost::intrusive_ptr<ItemBase
 {
     int const code = item ? device.SetItem(ItemHolderPtr(new ItemHolder(item))) : IfErrInvalidArgument;
     if (code != 0)
-        notes.push_back(device.PathOf(info) + ": skipped, '" + Printable(text) + "' is no value of it");
+        notes.push_back(ShownPath(device, info) + ": skipped, '" + Printable(text) + "' is no value of it");
 }
 
 void AddParameters(Device& device, SectionId const& section, std::vector<Answer_t> const& answers, Notes_t& notes)
@@ -98,46 +98,6 @@ std::vector<std::string> InterfacesWithRoom(HostReader const& host, Notes_t& not
     return names;
 }
 
-/// The declared parameter that a record is for.
-InfoHolderPtr InfoOf(InfoItemSectionId const& id, std::map<InfoItemSectionId, SectionKind_t const*> const& kinds)
-{
-    auto const kind = kinds.find(id.GetSectionId(id.Depth()));
-    unsigned int const number = id.GetInfoItemSubsectionId();
-    if (!id.IsValidInfoItemId() || kind == kinds.end() || kind->first.CreateInfoItemId(number) != id)
-        return nullptr;
-    auto const* const parameter = FindParameter(*kind->second, number);
-    return parameter ? MakeInfo(kind->first, *parameter, number - parameter->number) : nullptr;
-}
-
-std::string Hex(unsigned int number)
-{
-    std::ostringstream text;
-    text << "0x" << std::hex << number;
-    return text.str();
-}
-
-void Expect(int code, std::string const& what)
-{
-    if (code != 0)
-        throw RecordFileError("the records are of no device that this program knows: " + Printable(what) + ", code " +
-                              std::to_string(code));
-}
-
-std::string Dumped(InfoBase const& info)
-{
-    std::ostringstream text;
-    info.DumpVal(text);
-    text << info;
-    return text.str();
-}
-
-bool HaveEqualValues(Device::Parameter_t const& left, Device::Parameter_t const& right)
-{
-    if (!left->GetItem() || !right->GetItem())
-        return !left->GetItem() && !right->GetItem();
-    return left->GetItem()->GetItem()->IsEqualValue(right->GetItem()->GetItem());
-}
-
 } // namespace
 
 void DescribeHost(HostReader const& host, Device& device, Notes_t& notes)
@@ -153,52 +113,6 @@ void DescribeHost(HostReader const& host, Device& device, Notes_t& notes)
         for (auto const& interface : interfaces)
             DescribeSection(host, kind, interface, device, notes);
     }
-}
-
-void Rebuild(Records_t const& records, Device& device)
-{
-    auto const delta = std::make_shared<InfoItemDirectoryDelta>();
-    std::map<InfoItemSectionId, SectionKind_t const*> kinds;
-    for (auto const& section : records.sections) {
-        auto const* const kind = FindSectionKind(section.GetSectionName());
-        Expect(kind ? delta->AddSection(section) : IfErrNotFound, "section " + section.GetSectionName());
-        kinds[section.GetInfoItemSectionId()] = kind;
-        for (auto const& parameter : kind->parameters) {
-            if (parameter.repetitions == 1)
-                delta->AddInfo(MakeInfo(section.GetInfoItemSectionId(), parameter, 0));
-        }
-    }
-    for (auto const& item : records.items) {
-        auto const info = InfoOf(item->GetId(), kinds);
-        Expect(info ? 0 : IfErrNotFound, "parameter " + Hex(item->GetId()));
-        delta->AddInfo(info); // refused for those that are there already
-        ItemHolderPtr const holder(new ItemHolder(item));
-        Expect(delta->AddItem(holder), "a second value of parameter " + Hex(item->GetId()));
-    }
-    Expect(device.UpdateFromDelta(delta, true, true), "an update with sections or values that do not fit");
-}
-
-std::vector<std::string> Differences(Device const& left, Device const& right)
-{
-    std::vector<std::string> differences;
-    if (left.GetSections() != right.GetSections())
-        differences.emplace_back("the sections are not the same");
-    std::vector<Device::Parameter_t> parameters;
-    right.GetAllInfoItems(parameters);
-    std::size_t const count = parameters.size();
-    left.GetAllInfoItems(parameters);
-    if (parameters.size() != count)
-        differences.emplace_back("the numbers of parameters are not the same");
-    for (auto const& parameter : parameters) {
-        auto const& info = *parameter->GetInfo()->GetInfo();
-        auto const other = right.FindInfoItem(info.GetId());
-        // Schemas are compared by their texts: enumerations, for one, never count as equally bounded.
-        if (!other || Dumped(info) != Dumped(*other->GetInfo()->GetInfo()))
-            differences.push_back(left.PathOf(info) + ": the schemas differ");
-        else if (!HaveEqualValues(parameter, other))
-            differences.push_back(left.PathOf(info) + ": the values differ");
-    }
-    return differences;
 }
 
 } // namespace HostNetwork

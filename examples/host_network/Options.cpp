@@ -1,6 +1,7 @@
 #include "Options.h"
 
 #include <array>
+#include <filesystem>
 #include <optional>
 #include <utility>
 
@@ -91,6 +92,9 @@ Options_t ParseOptions(std::span<char* const> arguments)
     // Paths of sections are known without delimiters at their ends.
     options.section.erase(0, options.section.find_first_not_of('/'));
     options.section.erase(options.section.find_last_not_of('/') + 1);
+    std::error_code error;
+    if (!std::filesystem::is_directory(options.root, error))
+        throw UsageError("--root: there is no directory '" + options.root.string() + "'");
     if (options.language.empty())
         options.language = "en";
     if (options.language != "en" && options.language != "de")
@@ -105,12 +109,12 @@ std::string_view HelpText()
 Models this machine as a networked device. Reads the network configuration of the
 host, makes a section for each interface and protocol, holds every value against
 its schema, writes all values to a file of serial records, rebuilds a second
-directory from that file, and changes a few values of the model. Nothing of the
+directory from it, and changes a few values of the model. Nothing of the
 machine itself is changed.
 
-  --file PATH       write the records to PATH and keep them there
-                    (default: a temporary file that is removed)
-  --read PATH       show the device in an existing record file instead of this machine
+  --file PATH       write the records to PATH, the schemas to PATH.schema.json, and
+                    keep both (default: temporary files that are removed)
+  --read PATH       show the device in two such files instead of this machine
   --language LANG   language of the messages about findings: en (default) or de
   --section PATH    show only this section and those below it, such as interface/lo
   --root DIR        look for /sys, /proc and /etc of the host below DIR; what only the

@@ -30,7 +30,6 @@ constexpr Permission_t k_readOnly{0x4};
 constexpr Permission_t k_writable{0x6};
 
 constexpr char k_anyInterface = '*';
-constexpr std::string_view k_interfaces = "interface/";
 
 // --- Schemas -----------------------------------------------------------------------------------------------------
 
@@ -429,15 +428,6 @@ SectionKind_t Udp()
             }};
 }
 
-/// The path of a section's kind.
-std::string WithStar(std::string const& path)
-{
-    if (!path.starts_with(k_interfaces))
-        return path;
-    std::size_t const end = path.find(SectionId::k_sectionDelim, k_interfaces.size());
-    return std::string(k_interfaces) + k_anyInterface + (end == std::string::npos ? "" : path.substr(end));
-}
-
 } // namespace
 
 HostInfoHolder::HostInfoHolder(InfoPtr const& info, std::string unit) : InfoHolder(info), m_unit(std::move(unit)) {}
@@ -457,22 +447,6 @@ std::vector<SectionKind_t> const& SectionKinds()
         Udp(),
     };
     return kinds;
-}
-
-SectionKind_t const* FindSectionKind(std::string const& path)
-{
-    auto const& kinds = SectionKinds();
-    auto const kind =
-        std::find_if(kinds.begin(), kinds.end(), [wanted = WithStar(path)](auto const& k) { return k.path == wanted; });
-    return kind == kinds.end() ? nullptr : &*kind;
-}
-
-Parameter_t const* FindParameter(SectionKind_t const& kind, unsigned int number)
-{
-    auto const parameter = std::find_if(kind.parameters.begin(), kind.parameters.end(), [&](auto const& p) {
-        return number >= p.number && number - p.number < p.repetitions;
-    });
-    return parameter == kind.parameters.end() ? nullptr : &*parameter;
 }
 
 boost::intrusive_ptr<InfoHolder const> MakeInfo(InfoItemSectionId const& section, Parameter_t const& parameter,

@@ -15,9 +15,6 @@
 
 /// What a networked device declares: which kinds of sections there are, and which parameters with which schemas each
 /// of them holds.
-///
-/// Schemas have no serial form. Whoever reads a record knows them beforehand, as a device and its clients do that were
-/// built from one release; here that common knowledge is this profile.
 namespace HostNetwork {
 
 using InfoPtr = boost::intrusive_ptr<Legacy::If::InfoBase>;
@@ -65,14 +62,8 @@ private:
     std::string m_unit;
 };
 
-/// A kind of section by its path with or without stars; null if there is none.
-SectionKind_t const* FindSectionKind(std::string const& path);
-
 /// All kinds, a section before those below it.
 std::vector<SectionKind_t> const& SectionKinds();
-
-/// The declared parameter behind a number in a section; null if there is none.
-Parameter_t const* FindParameter(SectionKind_t const& kind, unsigned int number);
 
 /// The schema of a parameter, in its envelope.
 /// @param repetition counted from 0; a repeated parameter has it in its name, counted from 1.

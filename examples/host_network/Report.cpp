@@ -1,12 +1,16 @@
 #include "Report.h"
 
 #include "ValueText.h"
-#include "common/FindingMessage.h"
 
 #include <Legacy/If/FormattedInfoItemDump.h>
 #include <Legacy/If/Result.h>
+#include <Legacy/IfKit/Difference.h>
+#include <Legacy/IfKit/ValueText.h>
 #include <Orlek/LogManager.h>
 #include <Orlek/LoggerFacade.h>
+
+#include <sys/ioctl.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <iomanip>
@@ -19,11 +23,34 @@ namespace HostNetwork {
 namespace {
 
 using namespace Legacy::If;
+using Legacy::IfKit::AllSections;
+using Legacy::IfKit::Printable;
+using Legacy::IfKit::ValueText;
 
-constexpr std::size_t k_lineLength = 118;
+constexpr std::size_t k_lineLength = 118;   // where there is no terminal
+constexpr std::size_t k_numbersLength = 42; // of the columns behind the paths of sections
 constexpr std::size_t k_notesShown = 5;
 constexpr std::size_t k_findingsShown = 12;
 constexpr char const* k_indent = "  ";
+
+/// The width of the terminal, if the output goes to one.
+std::size_t LineLength()
+{
+    winsize size = {};
+    bool const isKnown = ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > k_numbersLength + 20;
+    return isKnown ? size.ws_col : k_lineLength;
+}
+
+/// As much of a text as fits, with a mark where it was cut.
+std::string Cut(std::string const& text, std::size_t length)
+{
+    if (text.size() <= length)
+        return text;
+    std::size_t end = length - 3;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+        --end; // not in the middle of a character
+    return text.substr(0, end) + "...";
+}
 
 std::string SectionNumber(SectionId const& section)
 {
@@ -74,9 +101,12 @@ std::string ExampleInterface(Device const& device, std::vector<SectionId> const&
 
 } // namespace
 
+Report::Report(std::ostream& out, Options_t const& options) : m_out(out), m_options(options), m_lineLength(LineLength())
+{}
+
 void Report::Title(std::string const& text, Device const& device)
 {
-    auto const sections = device.GetSections();
+    auto const sections = AllSections(device);
     if (std::none_of(sections.begin(), sections.end(), [&](auto const& s) { return IsChosen_(s.GetSectionName()); }))
         throw UsageError("there is no section '" + m_options.section + "'");
     if (!IsQuiet_())
@@ -92,7 +122,7 @@ void Report::Heading(std::string const& text)
 void Report::Line(std::string const& text)
 {
     if (!IsQuiet_())
-        m_out << k_indent << Cut_(text) << '\n';
+        m_out << k_indent << (IsFull_() ? text : Cut(text, m_lineLength - 2)) << '\n';
 }
 
 void Report::Notes(Notes_t const& notes)
@@ -110,8 +140,8 @@ void Report::Sections(Device const& device, std::vector<Finding_t> const& findin
 {
     if (IsQuiet_())
         return;
-    auto const sections = device.GetSections();
-    auto const parameters = device.GetParameters();
+    auto const sections = AllSections(device);
+    auto const parameters = ParametersBySection(device);
     std::map<InfoItemSectionId, std::size_t> numFindings;
     for (auto const& finding : findings) {
         InfoItemSectionId const id(finding.result.GetId());
@@ -122,17 +152,18 @@ void Report::Sections(Device const& device, std::vector<Finding_t> const& findin
         width = std::max(width, section.GetSectionName().size());
 
     Heading("Sections (" + std::to_string(sections.size()) + ")");
-    int const column = static_cast<int>(std::min<std::size_t>(width, 60)) + 2;
+    std::size_t const room = IsFull_() ? width : m_lineLength - k_numbersLength - 4;
+    int const column = static_cast<int>(std::min(width, room)) + 2;
     m_out << k_indent << std::left << std::setw(column) << "path"
           << "id          parameters  values  findings\n";
     for (auto const& section : sections) {
         if (!IsChosen_(section.GetSectionName()))
             continue;
         auto const found = parameters.find(section.GetInfoItemSectionId());
-        auto const here = found == parameters.end() ? std::vector<Device::Parameter_t>() : found->second;
+        auto const here = found == parameters.end() ? std::vector<ParameterPtr>() : found->second;
         auto const values =
             std::count_if(here.begin(), here.end(), [](auto const& p) { return p->GetItem() != nullptr; });
-        m_out << k_indent << std::left << std::setw(column) << Printable(section.GetSectionName())
+        m_out << k_indent << std::left << std::setw(column) << Cut(Printable(section.GetSectionName()), room)
               << SectionNumber(section) << std::right << std::setw(12) << here.size() << std::setw(8) << values
               << std::setw(10) << numFindings[section.GetInfoItemSectionId()] << '\n';
     }
@@ -140,8 +171,8 @@ void Report::Sections(Device const& device, std::vector<Finding_t> const& findin
 
 void Report::Values(Device const& device)
 {
-    auto const sections = device.GetSections();
-    auto parameters = device.GetParameters();
+    auto const sections = AllSections(device);
+    auto parameters = ParametersBySection(device);
     std::string const interface = ExampleInterface(device, sections);
     for (auto const& section : sections) {
         std::string const& path = section.GetSectionName();
@@ -169,19 +200,19 @@ void Report::Findings(std::vector<Finding_t> const& findings)
             "): values outside their schema, as they are logged, each with its message");
     Shorten_(chosen, k_findingsShown, [&](auto const& finding) {
         std::string const unit = finding.unit.empty() ? "" : ' ' + finding.unit;
-        Line(Logged(finding) + " = " + ShowValue(*finding.info, *finding.item) + unit);
-        Line("    " + Examples::FindingMessage(finding.info, *finding.item).GetString(m_options.language));
+        Line(Logged(finding) + " = " + ValueText(*finding.item, finding.info.get()) + unit);
+        Line("    " + Printable(finding.message.GetString(m_options.language)));
     });
 }
 
 void Report::Summary(Device const& device, Summary_t const& summary)
 {
-    std::vector<Device::Parameter_t> parameters;
+    std::vector<ParameterPtr> parameters;
     device.GetAllInfoItems(parameters);
     auto const values =
         std::count_if(parameters.begin(), parameters.end(), [](auto const& p) { return p->GetItem() != nullptr; });
     Heading("Summary");
-    m_out << "  sections    " << device.GetSections().size() << '\n'
+    m_out << "  sections    " << AllSections(device).size() << '\n'
           << "  parameters  " << parameters.size() << ", " << values << " of them with a value\n"
           << "  records     " << summary.records << " in a file of " << SizeText(summary.fileSize) << '\n'
           << "  findings    " << summary.findings << '\n'
@@ -209,16 +240,6 @@ bool Report::IsWanted_(std::string const& path, std::string const& interface) co
     if (IsFull_() || !m_options.section.empty())
         return IsChosen_(path);
     return path == "host" || path == interface || path == interface + "/ipv4";
-}
-
-std::string Report::Cut_(std::string text) const
-{
-    if (IsFull_() || text.size() <= k_lineLength)
-        return text;
-    std::size_t end = k_lineLength - 3;
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
-        --end; // not in the middle of a character
-    return text.substr(0, end) + "...";
 }
 
 } // namespace HostNetwork

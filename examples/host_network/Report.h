@@ -26,7 +26,7 @@ struct Summary_t
 class Report
 {
 public:
-    Report(std::ostream& out, Options_t const& options) : m_out(out), m_options(options) {}
+    Report(std::ostream& out, Options_t const& options);
 
     /// Opens the report on a device.
     /// @throws UsageError if the options name a section that the device does not have.
@@ -55,11 +55,10 @@ private:
     /// Shows the first entries, or all if everything is asked for, and tells how many are left.
     template<typename Entry, typename Show>
     void Shorten_(std::vector<Entry> const& entries, std::size_t limit, Show&& show);
-    /// A text that fits in a line of the terminal, unless everything is asked for.
-    std::string Cut_(std::string text) const;
 
     std::ostream& m_out;
     Options_t const& m_options;
+    std::size_t m_lineLength; // unless everything is asked for
 };
 
 } // namespace HostNetwork

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "common/ValueText.h"
-
 #include <Legacy/If/InfoBase.h>
 #include <Legacy/If/ItemBase.h>
 
@@ -11,9 +9,6 @@
 #include <string>
 
 namespace HostNetwork {
-
-using Examples::Printable;
-using Examples::ShowValue;
 
 /// Makes a value out of the text that the host gives for a parameter.
 ///

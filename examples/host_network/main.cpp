@@ -1,17 +1,19 @@
-// Models the machine that it runs on as a networked device: a tour of the library from schemas over validation, records
-// and deltas to the hooks of a directory.
+// Models the machine that it runs on as a networked device: a tour of the library from schemas over validation, files
+// and deltas to a directory that tells of its changes.
 
 #include "Device.h"
+#include "Files.h"
 #include "Findings.h"
 #include "HostReader.h"
 #include "Model.h"
 #include "Options.h"
-#include "RecordFile.h"
 #include "Report.h"
 #include "ValueText.h"
 
 #include <Legacy/If/Numeric.h>
 #include <Legacy/If/String.h>
+#include <Legacy/IfKit/Difference.h>
+#include <Legacy/IfKit/ValueText.h>
 
 #include <chrono>
 #include <exception>
@@ -24,6 +26,7 @@ namespace HostNetwork {
 namespace {
 
 using namespace Legacy::If;
+using namespace Legacy::IfKit;
 
 using ItemHolderPtr = boost::intrusive_ptr<ItemHolder const>;
 
@@ -34,22 +37,21 @@ enum ExitStatus_t
     k_badUsage = 2,
 };
 
-/// Writes the records of a device to a file and builds a second device from what the file says.
+/// Writes a device to its two files and builds a second device from what they say.
 void SendAndRebuild(Device const& device, std::string const& path, Device& replica, Summary_t& summary, Report& report)
 {
-    summary.fileSize = WriteRecordFile(path, TakeRecords(device));
-    Records_t const records = ReadRecordFile(path);
-    summary.records = records.items.size();
+    summary.records = WriteFiles(device, path);
+    ReadFiles(path, replica);
+    summary.fileSize = std::filesystem::file_size(path);
     report.Line(Count(summary.records, "record") + " written to " + Printable(path) + ", " +
                 Count(summary.fileSize, "byte"));
-    Rebuild(records, replica);
-    report.Line(
-        "read back into a second directory through a delta; schemas have no serial form, the profile knows them");
+    report.Line("read back into a second directory; schemas have no record and came from " +
+                Printable(SchemaPath(path)));
 }
 
 bool ReportAgreement(Device const& device, Device const& replica, Report& report)
 {
-    auto const differences = Differences(device, replica);
+    auto const differences = DifferenceLines(device, replica);
     for (auto const& difference : differences)
         report.Line("DIFFERENT  " + difference);
     if (differences.empty())
@@ -79,16 +81,16 @@ void Widen(Device& device, Finding_t const& finding)
     device.SetInfo(wider);
 }
 
-/// Changes the model, not the machine, and shows what the hooks of both directories see of it.
+/// Changes the model, not the machine, and shows what listeners hear of it.
 void ShowChanges(Device& device, Device& replica, std::vector<Finding_t> const& findings, Report& report)
 {
-    device.TakeChanges(); // all that came with the model itself
-    device.Watch([&](std::string const& change) { report.Line("hook  " + change); });
+    boost::signals2::scoped_connection const watch =
+        device.Connect([&](Change_t const& change) { report.Line(ShownChange(device, change)); });
     if (auto const ttl = device.FindInfo("protocol/ipv4", "ip_default_ttl")) {
         SetNumber(device, *ttl->GetInfo(), 128);
         boost::intrusive_ptr<ItemBase> const text(StringItem::Create(ttl->GetInfo()->GetId(), "many"));
         int const code = device.SetItem(ItemHolderPtr(new ItemHolder(text)));
-        report.Line("hook  (none)        a text for ip_default_ttl is refused with code " + std::to_string(code));
+        report.Line("(none)  a text for ip_default_ttl is refused with code " + std::to_string(code));
     }
     if (auto const name = device.FindInfo("host", "hostname")) {
         boost::intrusive_ptr<ItemBase> const text(StringItem::Create(name->GetInfo()->GetId(), "model-of-this-host"));
@@ -96,23 +98,20 @@ void ShowChanges(Device& device, Device& replica, std::vector<Finding_t> const& 
     }
     for (auto const& finding : findings)
         Widen(device, finding);
-    device.Watch({});
 
-    std::size_t infos = replica.GetNumInfoChanges();
-    std::size_t items = replica.GetNumItemChanges();
-    int const code = replica.UpdateFromDelta(device.TakeChanges(), true, true);
-    infos = replica.GetNumInfoChanges() - infos;
-    items = replica.GetNumItemChanges() - items;
-    report.Line("the second directory took them over from a delta, code " + std::to_string(code) +
-                "; its own hooks fired for " + Count(infos, "schema") + " and " + Count(items, "value"));
+    std::size_t infos = 0;
+    std::size_t items = 0;
+    boost::signals2::scoped_connection const counter =
+        replica.Connect([&](Change_t const& change) { ++(change.IsSchema() ? infos : items); });
+    int const code = replica.UpdateFromDelta(MakeDelta(replica, device), true, true);
+    report.Line("the second directory took over what differed from a delta, code " + std::to_string(code) +
+                "; its listener heard of " + Count(infos, "schema") + " and " + Count(items, "value"));
 }
 
 /// Shows an existing record file.
 int ShowFile(Options_t const& options, Report& report, Summary_t& summary, Device& device)
 {
-    Records_t const records = ReadRecordFile(options.read);
-    Rebuild(records, device);
-    summary.records = records.items.size();
+    summary.records = ReadFiles(options.read, device);
     summary.fileSize = std::filesystem::file_size(options.read);
     Result result(0);
     auto const findings = Examine(device, result);
@@ -138,8 +137,8 @@ int ShowHost(Options_t const& options, Report& report, Summary_t& summary, Devic
     report.Findings(findings);
 
     report.Heading("Records");
-    std::optional<TemporaryFile> temporary;
-    std::string const& path = options.file.empty() ? temporary.emplace().GetPath() : options.file;
+    std::optional<TemporaryFolder> temporary;
+    std::string const path = options.file.empty() ? temporary.emplace().PathOf("device.rec") : options.file;
     Device replica;
     SendAndRebuild(device, path, replica, summary, report);
     bool agree = ReportAgreement(device, replica, report);

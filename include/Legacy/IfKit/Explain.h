@@ -12,9 +12,11 @@
 
 /// What is wrong with a value, in words.
 ///
-///     boost::intrusive_ptr<StringInfo> const info(new StringInfo(1, "host", Permission_t{}));
-///     boost::intrusive_ptr<ItemBase> const item(StringItem::Create(1, std::string(300, 'x')));
-///     std::cout << Explain(*item, info).GetString("de") << '\n';
+/// @code
+/// boost::intrusive_ptr<StringInfo> const info(new StringInfo(1, "host", Permission_t{}));
+/// boost::intrusive_ptr<ItemBase> const item(StringItem::Create(1, std::string(300, 'x')));
+/// std::cout << Explain(*item, info).GetString("de") << '\n';
+/// @endcode
 ///
 /// The words are those that the value's own `Validate` has for its failure; nothing is tested here a second time. A
 /// thread may explain a value that others read, as long as nobody changes it and its class does not do so in `Validate`

@@ -29,9 +29,10 @@
 
 /// All concrete classes of the library, by their tags. Everything here is constant and may be used from any thread.
 ///
-///     std::string const word = VisitFamily(type, numericType, []<typename Info, typename Item>(Family<Info, Item>) {
-///         return std::is_void_v<Item> ? "unknown" : "known";
-///     });
+/// @code
+/// auto const isClass = []<typename Info, typename Item>(Family<Info, Item>) { return !std::is_void_v<Item>; };
+/// std::cout << VisitFamily(IfType_t::Numeric, NumericType_t::U8, isClass) << '\n';
+/// @endcode
 namespace Legacy::IfKit {
 
 /// The two classes of one family under one element type. Both are `void` where tags name no family; the schema alone is

@@ -13,9 +13,12 @@
 
 /// Serial records as the bytes that travel: the ten header bytes and the payload, one record behind the other.
 ///
-///     std::vector<unsigned char> bytes;
-///     AppendRecord(*boost::intrusive_ptr<ItemBase>(BoolItem::Create(7, true)), bytes);
-///     for (RecordReader reader(bytes); auto const record = reader.Next();) std::cout << record->id << '\n';
+/// @code
+/// std::vector<unsigned char> bytes;
+/// AppendRecord(*boost::intrusive_ptr<ItemBase>(BoolItem::Create(7, true)), bytes);
+/// RecordReader reader(bytes);
+/// while (auto const record = reader.Next()) std::cout << record->id << '\n';
+/// @endcode
 ///
 /// Bytes may come from anywhere: nothing is read outside of them. Objects of these classes are for one thread at a
 /// time; many threads may read the same bytes, and write records of the same values, which nobody changes meanwhile.

@@ -10,10 +10,11 @@
 
 /// A case for each class instead of a chain of casts.
 ///
-///     boost::intrusive_ptr<ItemBase> const item(BoolItem::Create(1, true));
-///     std::string const text = Visit(*item, [](BoolItem const& value) { return std::string(value.GetVal() ? "on" :
-///     "off"); },
-///                                    [](ItemBase const& other) { return other.GetValAsString(); });
+/// @code
+/// boost::intrusive_ptr<ItemBase> const item(BoolItem::Create(1, true));
+/// auto const ofBool = [](BoolItem const& value) { return value.GetVal() ? "on" : "off"; };
+/// std::cout << Visit(*item, ofBool, [](ItemBase const&) { return "no switch"; }) << '\n';
+/// @endcode
 namespace Legacy::IfKit {
 
 /// An object of a class that is none of the library's and derives from none of them, or whose tags are not those of its
