@@ -48,7 +48,7 @@ int main()
     both->AddItem(text);
     both->AddItem(flag);
     for (auto const& item : {text, flag, boost::intrusive_ptr<ItemBase>(both),
-                             boost::intrusive_ptr<ItemBase>(NumericItem<DoubleTraits>::Create(4, 0.5))})
+                             boost::intrusive_ptr<ItemBase>(NumericItem<S16Traits>::Create(4, -5))})
         if (!Travels(item))
             return 2;
     std::cout << *text << '\n';
