@@ -78,3 +78,11 @@ configure_file("${PROJECT_SOURCE_DIR}/cmake/LegacyIfConfigVersion.cmake.in"
     "${PROJECT_BINARY_DIR}/LegacyIfConfigVersion.cmake" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/LegacyIfConfig.cmake" "${PROJECT_BINARY_DIR}/LegacyIfConfigVersion.cmake"
     DESTINATION "${package_dir}")
+
+# The printers for gdb, which looks for them under the path of the library's own file.
+get_target_property(type legacyif TYPE)
+if(type STREQUAL "SHARED_LIBRARY" AND NOT APPLE AND NOT WIN32)
+    install(CODE "file(INSTALL \"${PROJECT_SOURCE_DIR}/debug/legacyif-gdb.py\"
+        DESTINATION \"\${CMAKE_INSTALL_PREFIX}/share/gdb/auto-load\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}\"
+        RENAME \"$<TARGET_FILE_NAME:legacyif>-gdb.py\")")
+endif()

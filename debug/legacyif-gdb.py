@@ -155,6 +155,12 @@ def show_record(address):
     return f"{{id = {show_id(number)}, {kind}, {plural(size, 'byte')}: {payload}{' …' if few < size else ''}}}"
 
 
+def section_id_size():
+    reader = Reader(string_size())
+    reader.at += 4 + 4 * 4 + 4 + 1  # the number, where the levels start, how many there are, whether it is valid
+    return reader.align(reader.word).at
+
+
 def show_section_id(address):
     reader = Reader(address)
     path = reader.text()
@@ -493,17 +499,17 @@ def parameters(holder_map):
 def tree(element, values, indent, lines):
     """One node of the section tree: its parameters, then its subsections; returns the number of those at all depths."""
     reader = Reader(element, pointer_size())
-    reader.at += string_size() + 2 * 4
-    reader.align(reader.word).at += 4 * reader.word  # the rest of the section's identifier
-    list(reader.map())                               # subsections by name
+    reader.at += section_id_size()
+    list(reader.map())  # subsections by name
     subsections = list(reader.map())
-    list(reader.map())                               # parameters by name
+    names = {}
     for entry in reader.map():
-        number = entry.number("I")
-        title = entry.align(entry.word).text()[1:-1]
+        title = entry.text()[1:-1]
+        names[entry.number("I")] = title
+    for number in sorted(names):
         value = values.get(number)
         shown = f"= {value_alone(value)}" if value else "has no value"
-        lines.append(f"{'  ' * indent}{title} {shown}")
+        lines.append(f"{'  ' * indent}{names[number]} {shown}")
     count = 0
     for entry in subsections:
         child = entry.align(entry.word)

@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 """The programs in the pages of the guide.
 
-    pages.py generate PAGE.md SOURCE.cpp           the C++ blocks of a page as one source
-    pages.py check PAGE.md PROGRAM [GDB OPTION …]  runs the program and compares what it prints with what the page shows
+    pages.py generate SOURCE.cpp PAGE.md …         the C++ blocks of all pages as one source, since including the library
+                                                   costs more than compiling a page; the program takes a page's path
+    pages.py check PAGE.md PROGRAM [GDB OPTION …]  runs it for that page and compares what it prints with what is shown
 
 Of a page every block fenced as `cpp` is taken, in order, and what it prints must be the `text` block that follows it at
 once, or nothing if there is none. In such a text `…` stands for anything within a line. A block is
@@ -38,31 +39,39 @@ def blocks(page, kinds=("cpp", "gdb")):
             yield match["kind"], text.count("\n", 0, match.start("code")) + 1, match["code"], match["output"] or ""
 
 
-def generate(page, source):
-    includes, outside, inside = [], [], []
+def generate(source, *pages):
+    includes, code = ["#include <Legacy/If.h>\n", "#include <cstring>\n", "#include <iostream>\n"], []
+    for page in pages:
+        includes += re.findall(r"^#include .*\n", pathlib.Path(page).read_text(encoding="utf-8"), re.M)
+        code.append(page_code(page))
+    calls = (f"if (std::strcmp(argv[1], {json.dumps(page)}) == 0) {name_of(page)}::Page();\n" for page in pages)
+    main = "int main(int, char** argv)\n{\n" + "".join(calls) + "}\n"
+    stop = "static void GuideStop() { std::cout.flush(); }\n"
+    pathlib.Path(source).write_text("".join(dict.fromkeys(includes)) + stop + "".join(code) + main, encoding="utf-8")
+
+
+def name_of(page):
+    return "Page_" + re.sub(r"\W", "_", page)
+
+
+def page_code(page):
+    """A namespace with the page's declarations and a function with its statements."""
+    outside, inside = [], []
     for number, (kind, line, code, _) in enumerate(blocks(page)):
         if kind == "gdb":
             inside.append("GuideStop();\n")
             continue
-        place = f"#line {line} {json.dumps(page)}\n"
-        includes += re.findall(r"^#include .*\n", code, re.M)
-        code = re.sub(r"^#include .*$", "", code, flags=re.M)
+        code = f"#line {line} {json.dumps(page)}\n" + re.sub(r"^#include .*$", "", code, flags=re.M)
         if "int main()" in code:
-            body = code.replace("int main()", "static void Program()")
-            outside.append(f"namespace Block{number} {{\n{place}{body}}}\n")
+            outside.append(f"namespace Block{number} {{\n{code.replace('int main()', 'static void Program()')}}}\n")
             inside.append(f"Block{number}::Program();\n")
-        elif DECLARATION.match(code.lstrip()):
-            outside.append(f"using namespace Legacy::If;\nnamespace {{\n{place}{code}}}\n")
+        elif DECLARATION.match(code.partition("\n")[2].lstrip()):
+            outside.append(code)
         else:
-            inside.append(place + code)
+            inside.append(code)
         inside.append(f'std::cout << "{MARK}" << std::flush;\n')
-    if not inside:
-        sys.exit(f"{page}: no C++ in it")
-    with open(source, "w", encoding="utf-8") as file:
-        file.write("#include <Legacy/If.h>\n#include <iostream>\n" + "".join(dict.fromkeys(includes)))
-        if "GuideStop();\n" in inside:
-            file.write("static void GuideStop() { std::cout.flush(); }\n")
-        file.write("".join(outside) + "int main()\n{\nusing namespace Legacy::If;\n" + "".join(inside) + "}\n")
+    return (f"namespace {name_of(page)} {{\nusing namespace Legacy::If;\n" + "".join(outside) + "static void Page()\n{\n"
+            + "".join(inside) + "}\n}\n")
 
 
 def prepare(page, place):
@@ -74,19 +83,19 @@ def prepare(page, place):
 
 
 def check(page, program, *gdb_options):
-    program = os.path.abspath(program)
+    program = [os.path.abspath(program), page]
     kind = "gdb" if any(blocks(page, ("gdb",))) else "cpp"
     expected = list(blocks(page, (kind,)))
     with tempfile.TemporaryDirectory() as place:
         prepare(page, place)
-        command = [program] if kind == "cpp" else gdb_command(page, program, place, gdb_options)
+        command = program if kind == "cpp" else gdb_command(page, program, place, gdb_options)
         run = subprocess.run(command, cwd=place, stdout=subprocess.PIPE, encoding="utf-8", errors="replace", check=False)
     printed = run.stdout.split(MARK)
     if kind == "gdb":
         printed = printed[1::2]
     failed = run.returncode != 0 or len(printed) < len(expected)
     if failed:
-        print(f"{program} ended with {run.returncode}; it printed\n{run.stdout}")
+        print(f"{program[0]} ended with {run.returncode}; it printed\n{run.stdout}")
     for (_, line, _, shown), real in zip(expected, printed):
         lines = [".*".join(map(re.escape, text.split("…"))) for text in shown.splitlines()]
         if not re.fullmatch("\n".join(lines), real.removesuffix("\n")):
@@ -100,11 +109,11 @@ def gdb_command(page, program, place, options):
         print("gdb is not installed: nothing was tested")
         sys.exit(77)
     script = ["set width 0", "set confirm off", "set style enabled off", "set debuginfod enabled off",
-              "break GuideStop", "run >/dev/null"]
+              "break GuideStop", f"run {page} >/dev/null"]
     for _, _, code, _ in blocks(page, ("gdb",)):
         script += ["up", f"echo {MARK}", code.rstrip(), f"echo {MARK}", "continue"]
     pathlib.Path(place, "script").write_text("\n".join(script) + "\n", encoding="utf-8")
-    return ["gdb", "-nx", "-batch", *options, "-x", "script", program]
+    return ["gdb", "-nx", "-batch", *options, "-x", "script", program[0]]
 
 
 if __name__ == "__main__":

@@ -79,7 +79,7 @@ public:
     int AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index,
                          bool* changed) override;
 
-    /// Each element as in #AppEndpointItem, with no count.
+    /// Each element as in `AppEndpointItem`, with no count.
     unsigned int GetSerialDataSize() const override;
     int Serialize(SerialStruct_t* record) const override;
     /// Takes the elements that are whole and ignores what follows them.

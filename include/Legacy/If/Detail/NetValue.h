@@ -82,7 +82,7 @@ public:
     /// word; callers clear a value by an empty line and take false for a wrong schema.
     ///
     /// An application endpoint needs its schema: the word is an endpoint and no URI, the protocol is that of the
-    /// schema's default, and the address group becomes 0. Without an #AppEndpointInfo it returns false and stays.
+    /// schema's default, and the address group becomes 0. Without an `AppEndpointInfo` it returns false and stays.
     bool SetValFromStream(std::istream& in, std::ostream& out,
                           boost::intrusive_ptr<InfoBase const> const& info) override;
     std::ostream& operator<<(std::ostream& os) const override;
