@@ -10,7 +10,9 @@ mkdir -p "$out/legacyif"
 git ls-files -z --cached --others --exclude-standard | tar -c --null --ignore-failed-read -T - 2>/dev/null |
     tar -x -C "$out/legacyif"
 if [ -d /usr/lib/ccache ]; then
-    PATH=/usr/lib/ccache:$PATH
+    # The build has a home folder of its own, and finds the cache by this.
+    CCACHE_DIR=${CCACHE_DIR:-$(ccache --get-config cache_dir)}
+    export CCACHE_DIR PATH=/usr/lib/ccache:$PATH
 fi
 (cd "$out/legacyif" && dpkg-buildpackage --build=binary --unsigned-changes) >"$out/log" 2>&1 ||
     { tail -40 "$out/log"; exit 1; }
