@@ -3,6 +3,8 @@
 #include "Model.h"
 #include "Wire.h"
 
+#include <Legacy/If/InfoItemDirectory.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <map>

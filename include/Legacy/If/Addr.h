@@ -5,7 +5,7 @@
 
 namespace Legacy::If {
 
-class AddrItem;
+class LEGACY_IF_API AddrItem;
 
 /// Schema of an address as text.
 class LEGACY_IF_API AddrInfo : public Detail::NetInfo<AddrInfo, AddrItem, IfType_t::Addr, Net::AddrStr>

@@ -133,7 +133,7 @@ private:
 extern template class AppEndpoint<Net::Endpoint<Net::AddrIp>>;
 extern template class AppEndpoint<Net::Endpoint<Net::AddrStr>>;
 
-class AppEndpointItem;
+class LEGACY_IF_API AppEndpointItem;
 
 /// Schema of an application endpoint. The protocol of its default is that of every value read from a stream.
 class LEGACY_IF_API AppEndpointInfo : public Detail::NetInfo<AppEndpointInfo, AppEndpointItem, IfType_t::AppEndpoint,

@@ -5,7 +5,7 @@
 
 namespace Legacy::If {
 
-class EndpointItem;
+class LEGACY_IF_API EndpointItem;
 
 /// Schema of an endpoint: an address as text, and a port.
 class LEGACY_IF_API EndpointInfo

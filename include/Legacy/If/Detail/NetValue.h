@@ -15,6 +15,8 @@ template<typename Self, typename Item, IfType_t Type, typename Held>
 class LEGACY_IF_API NetInfo : public InfoFamily<Self, Type>
 {
 public:
+    using Value = Held;
+
     using InfoFamily<Self, Type>::InfoFamily; // the default is the held type's own
 
     [[nodiscard]] ItemBase* CreateItem() const override;
