@@ -58,6 +58,11 @@ TEST(Lists, AreTakenOverWithTheirStorage)
     ExpectMoved<StringArrayItem>();
     ExpectMoved<RectArrayItem<U16Traits>>();
     ExpectMoved<AppEndpointArrayItem>();
+    StringItem text(7);
+    std::string roomy;
+    roomy.reserve(1000);
+    text.SetVal(std::move(roomy), *MakeInfo<StringInfo>());
+    EXPECT_GE(text.Val().capacity(), 1000U);
     auto const info = MakeInfo<BoolArrayInfo>();
     info->SetMaxSize(1);
     std::vector<bool> two{true, false};
