@@ -46,8 +46,9 @@ void ExpectMoved()
     Item item(7);
     item.SetVal(roomy());
     EXPECT_GE(item.Val().capacity(), 1000U);
-    if constexpr (requires { Item::Create(7U, Held()); })
+    if constexpr (requires { Item::Create(7U, Held()); }) {
         EXPECT_GE(Hold(Item::Create(7U, roomy()))->Val().capacity(), 1000U);
+    }
 }
 
 TEST(Lists, AreTakenOverWithTheirStorage)
