@@ -8,6 +8,7 @@
 #include <Legacy/If/Addr.h>
 #include <Legacy/If/Numeric.h>
 #include <Legacy/If/String.h>
+#include <Legacy/IfKit/ValueText.h>
 
 #include <gtest/gtest.h>
 
