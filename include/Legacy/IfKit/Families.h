@@ -117,12 +117,20 @@ inline constexpr Places k_places = [] {
 }();
 
 /// One function for each place. The first one is for tags that name no family.
+template<typename Result, typename Use, typename List>
+struct Steps;
+
 template<typename Result, typename Use, typename... Families>
-constexpr std::array<Result (*)(Use&), sizeof...(Families) + 1> MakeSteps(FamilyList<Families...>)
+struct Steps<Result, Use, FamilyList<Families...>>
 {
-    return {[](Use& use) -> Result { return use(Family<void, void>{}); },
-            [](Use& use) -> Result { return use(Families{}); }...};
-}
+    template<typename Found>
+    static Result Call(Use& use)
+    {
+        return use(Found{});
+    }
+
+    static constexpr Result (*k_table[])(Use&) = {&Call<Family<void, void>>, &Call<Families>...};
+};
 
 } // namespace Detail
 
@@ -133,11 +141,10 @@ decltype(auto) VisitFamily(If::IfType_t type, If::NumericType_t numericType, Use
 {
     using Plain = std::remove_reference_t<Use>;
     using Result = decltype(use(Family<void, void>{}));
-    static constexpr auto k_steps = Detail::MakeSteps<Result, Plain>(AllFamilies{});
     auto const row = static_cast<std::size_t>(type);
     auto const column = static_cast<std::size_t>(numericType);
     bool const known = row < Detail::k_types && column < Detail::k_numericTypes;
-    return k_steps[known ? Detail::k_places[row][column] : 0](use);
+    return Detail::Steps<Result, Plain, AllFamilies>::k_table[known ? Detail::k_places[row][column] : 0](use);
 }
 
 } // namespace Legacy::IfKit
