@@ -197,7 +197,7 @@ void Report::Findings(std::vector<Finding_t> const& findings)
     std::copy_if(findings.begin(), findings.end(), std::back_inserter(chosen),
                  [&](auto const& finding) { return IsChosen_(finding.path); });
     Heading("Findings (" + std::to_string(chosen.size()) +
-            "): values outside their schema, as they are logged, each with its message");
+            "): values outside their schema, each as logged and with its message");
     Shorten_(chosen, k_findingsShown, [&](auto const& finding) {
         std::string const unit = finding.unit.empty() ? "" : ' ' + finding.unit;
         Line(Logged(finding) + " = " + ValueText(*finding.item, finding.info.get()) + unit);

@@ -79,7 +79,7 @@ done
 grep -q $'\033' "$work/out" && fail 'a control character reached the terminal'
 for shown in 'gateway 1 .*{1\.1\.1\.1}' '{bad?\[2Jname}' '{\[::1\]:53}' 'speed: the value is below the minimum of 10\.' \
     'mtu: the value is above the maximum of 9216\.' 'duplex: -1 is not one of the values' \
-    'promiscuous: the value is fixed at 0\.' 'address: the text is longer than 17 char' \
+    'promiscuous: the value is fixed at 0\.' 'address: the text is longer than 17 byte' \
     'tcp_rmem: the list of numbers has fewer than 3 ' 'tcp_mem: the list of numbers has more than 3 ' \
     'tcp_available_congestion_control: the list of texts has fewer than 1 ' \
     'search domains: the list of texts has more than 6 ' 'ip_local_port_range: the value is below the minimum of 1024'; do
@@ -103,8 +103,8 @@ expect 1 'byte 0: expected a file of records' --read "$work/damaged"
 head -c -9 "$records" >"$work/damaged"
 expect 1 'more bytes, found the end of the file' --read "$work/damaged"
 cp "$records" "$work/damaged"
-echo '{}' >"$work/damaged.schema.json"
-expect 1 'damaged.schema.json: line 1' --read "$work/damaged"
+echo '{"sections": [' >"$work/damaged.schema.json"
+expect 1 'damaged.schema.json: line 2' --read "$work/damaged"
 rm "$work/damaged.schema.json"
 expect 1 'No such file' --read "$work/damaged"
 
