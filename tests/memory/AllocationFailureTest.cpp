@@ -218,12 +218,14 @@ TEST(AllocationFailure, LeavesDefaultsWithinTheirSchemas)
         EXPECT_LE(info->GetMinSize(), info->GetDefault().size());
         EXPECT_LE(info->GetDefault().size(), info->GetMaxSize());
     };
+    // A default that is empty stays so; others grow.
     Survive(
-        "numbers", [] { return MakeInfo<NumericArrayInfo<U16Traits>>(); }, resize, sized);
+        "numbers", [] { return FilledInfo<NumericArrayInfo<U16Traits>, NumericArrayItem<U16Traits>>(); }, resize,
+        sized);
     Survive(
-        "texts", [] { return MakeInfo<StringArrayInfo>(); }, resize, sized);
+        "texts", [] { return FilledInfo<StringArrayInfo, StringArrayItem>(); }, resize, sized);
     Survive(
-        "bits", [] { return MakeInfo<BoolArrayInfo>(); }, resize, sized);
+        "bits", [] { return FilledInfo<BoolArrayInfo, BoolArrayItem>(); }, resize, sized);
 
     std::string const longText(40, 'x');
     auto const allowed = [&](auto const& info) {
