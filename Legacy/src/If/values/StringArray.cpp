@@ -1,5 +1,6 @@
 #include "convert/Change.h"
 #include "core/Finding.h"
+#include "core/ReserveMore.h"
 #include "record/SerialRecord.h"
 #include "text/Text.h"
 
@@ -8,6 +9,7 @@
 #include <Legacy/If/String.h>
 #include <Legacy/If/StringArray.h>
 
+#include <algorithm>
 #include <cstdint>
 
 namespace Legacy::If {
@@ -80,6 +82,9 @@ int StringArrayItem::Deserialize(ConstSerialStruct_t const* record)
         return code;
     if (payload.Left() != 0 && !payload.EndsInZero())
         return IfErrInvalidArgument;
+    // Counted first: a list that grows step by step takes half as much again, and a text may be a single byte here.
+    auto const* const bytes = payload.Next();
+    Detail::ReserveMore(m_value, static_cast<std::size_t>(std::count(bytes, bytes + payload.Left(), 0)));
     while (payload.Left() != 0)
         m_value.emplace_back(payload.GetText());
     return 0;

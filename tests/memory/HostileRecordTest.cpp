@@ -1,0 +1,79 @@
+// How much memory a hostile record makes its reader take.
+#include "../Legacy/If/TestSupport.h"
+#include "Failing.h"
+
+#include <Legacy/If/ItemBase.h>
+
+namespace Legacy::If::Test {
+namespace {
+
+constexpr std::size_t k_size = 1 << 16;
+
+/// `unit` again and again.
+Bytes Repeated(Bytes const& unit)
+{
+    Bytes bytes;
+    while (bytes.size() + unit.size() <= k_size)
+        bytes.insert(bytes.end(), unit.begin(), unit.end());
+    return bytes;
+}
+
+/// A composite of many empty lists of texts.
+Bytes Flat()
+{
+    Bytes bytes = Repeated({0, 0, 0, 1, 0, 0, 0, 0, 7, 0});
+    std::size_t const count = bytes.size() / 10;
+    bytes.insert(bytes.begin(), {static_cast<unsigned char>(count >> 8), static_cast<unsigned char>(count)});
+    return bytes;
+}
+
+/// Composites within composites, each the only member of the one around it.
+Bytes Nested()
+{
+    constexpr std::size_t level = 12; // a count and a header
+    Bytes bytes;
+    for (std::size_t left = k_size / level; left > 0; --left) {
+        std::size_t const size = left * level - 10;
+        auto const byte = [size](int shift) { return static_cast<unsigned char>(size >> shift); };
+        Bytes const parts{0, 1, 0, 0, 0, 1, byte(24), byte(16), byte(8), byte(0), 0xfd, 0};
+        bytes.insert(bytes.end(), parts.begin(), parts.end());
+    }
+    bytes.insert(bytes.end(), {0, 0});
+    return bytes;
+}
+
+// The figures stand in the page on the record's form.
+TEST(HostileRecord, TakesASmallMultipleOfItsBytes)
+{
+    struct Case
+    {
+        IfType_t type;
+        NumericType_t numericType;
+        Bytes payload;
+        int most; // bytes of memory for each byte, at the worst moment
+    };
+    using enum IfType_t;
+    auto const none = NumericType_t::Undefined;
+    for (auto const& [type, numericType, payload, most] : std::vector<Case>{
+             {NumericArray, NumericType_t::U8, Repeated({1}), 2},
+             {BoolArray, none, Repeated({0}), 2},
+             {StringArray, none, Repeated({0}), 33},
+             {RectArray, NumericType_t::U16, Repeated({0, 1, 0, 1, 0, 1, 0, 1}), 27},
+             {AppEndpointArray, none, Repeated({0, 0, 0, 0, 0, 0, 0}), 22},
+             {Composite, none, Flat(), 8},
+             {Composite, none, Nested(), 15},
+         })
+    {
+        Record const record{1, static_cast<unsigned char>(type), static_cast<unsigned char>(numericType), payload};
+        record.With([&](auto const* whole) {
+            boost::intrusive_ptr<ItemBase> item;
+            std::int64_t const before = Failing::Bytes();
+            Failing::ResetPeak();
+            EXPECT_EQ(ItemBase::Deserialize(whole, item), 0);
+            EXPECT_LE(Failing::Peak() - before, most * std::ssize(payload)) << static_cast<int>(type);
+        });
+    }
+}
+
+} // namespace
+} // namespace Legacy::If::Test
