@@ -20,7 +20,7 @@ machines() {
 
 # Inputs that nobody has thought of, what the tests reach, and the small faults that they miss.
 search() {
-    ./scripts/fuzz.sh all 600
+    ./scripts/fuzz.sh all 3600
     ./scripts/coverage.sh
     ./scripts/mutate.py
 }
