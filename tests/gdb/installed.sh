@@ -7,7 +7,7 @@ command -v gdb >/dev/null || { echo "gdb is not installed: nothing was tested"; 
 
 rm -rf "$prefix"
 cmake --install "$build" --prefix "$prefix" --strip >/dev/null
-library=$(find "$prefix" -name 'liblegacyif.so.*.*')
+library=$(find "$prefix" -name liblegacyif.so)
 LD_LIBRARY_PATH=$(dirname "$library")
 export LD_LIBRARY_PATH
 for page in docs/guide/debugging.md tests/gdb/printers.md; do
