@@ -28,7 +28,7 @@ public:
     [[nodiscard]] AddrItem* DeepCopy(unsigned int id) const override;
 };
 
-extern template class Detail::NetInfo<AddrInfo, AddrItem, IfType_t::Addr, Net::AddrStr>;
-extern template class Detail::NetItem<AddrItem, AddrInfo, IfType_t::Addr, Net::AddrStr>;
+extern template class LEGACY_IF_BASE_API Detail::NetInfo<AddrInfo, AddrItem, IfType_t::Addr, Net::AddrStr>;
+extern template class LEGACY_IF_BASE_API Detail::NetItem<AddrItem, AddrInfo, IfType_t::Addr, Net::AddrStr>;
 
 } // namespace Legacy::If

@@ -158,9 +158,9 @@ public:
     [[nodiscard]] AppEndpointItem* DeepCopy(unsigned int id) const override;
 };
 
-extern template class Detail::NetInfo<AppEndpointInfo, AppEndpointItem, IfType_t::AppEndpoint,
-                                      AppEndpoint<Net::Endpoint<Net::AddrStr>>>;
-extern template class Detail::NetItem<AppEndpointItem, AppEndpointInfo, IfType_t::AppEndpoint,
-                                      AppEndpoint<Net::Endpoint<Net::AddrStr>>>;
+extern template class LEGACY_IF_BASE_API
+    Detail::NetInfo<AppEndpointInfo, AppEndpointItem, IfType_t::AppEndpoint, AppEndpoint<Net::Endpoint<Net::AddrStr>>>;
+extern template class LEGACY_IF_BASE_API
+    Detail::NetItem<AppEndpointItem, AppEndpointInfo, IfType_t::AppEndpoint, AppEndpoint<Net::Endpoint<Net::AddrStr>>>;
 
 } // namespace Legacy::If

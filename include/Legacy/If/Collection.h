@@ -21,7 +21,7 @@ public:
     [[nodiscard]] ItemBase* CreateItem() const override;
 };
 
-extern template class Detail::InfoList<CollectionInfo, IfType_t::Collection>;
+extern template class LEGACY_IF_BASE_API Detail::InfoList<CollectionInfo, IfType_t::Collection>;
 
 /// Value that is a loose list of values: never refused, without a serial form, and not to be read from text.
 class LEGACY_IF_API CollectionItem : public Detail::ItemList<CollectionItem, IfType_t::Collection>
@@ -50,6 +50,6 @@ public:
                           boost::intrusive_ptr<InfoBase const> const& info) override;
 };
 
-extern template class Detail::ItemList<CollectionItem, IfType_t::Collection>;
+extern template class LEGACY_IF_BASE_API Detail::ItemList<CollectionItem, IfType_t::Collection>;
 
 } // namespace Legacy::If

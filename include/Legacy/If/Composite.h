@@ -21,7 +21,7 @@ public:
     [[nodiscard]] ItemBase* CreateItem() const override;
 };
 
-extern template class Detail::InfoList<CompositeInfo, IfType_t::Composite>;
+extern template class LEGACY_IF_BASE_API Detail::InfoList<CompositeInfo, IfType_t::Composite>;
 
 /// Value of a parameter that is made of other parameters.
 class LEGACY_IF_API CompositeItem : public Detail::ItemList<CompositeItem, IfType_t::Composite>
@@ -68,6 +68,6 @@ public:
                           boost::intrusive_ptr<InfoBase const> const& info) override;
 };
 
-extern template class Detail::ItemList<CompositeItem, IfType_t::Composite>;
+extern template class LEGACY_IF_BASE_API Detail::ItemList<CompositeItem, IfType_t::Composite>;
 
 } // namespace Legacy::If

@@ -30,7 +30,9 @@ public:
     [[nodiscard]] EndpointItem* DeepCopy(unsigned int id) const override;
 };
 
-extern template class Detail::NetInfo<EndpointInfo, EndpointItem, IfType_t::Endpoint, Net::Endpoint<Net::AddrStr>>;
-extern template class Detail::NetItem<EndpointItem, EndpointInfo, IfType_t::Endpoint, Net::Endpoint<Net::AddrStr>>;
+extern template class LEGACY_IF_BASE_API
+    Detail::NetInfo<EndpointInfo, EndpointItem, IfType_t::Endpoint, Net::Endpoint<Net::AddrStr>>;
+extern template class LEGACY_IF_BASE_API
+    Detail::NetItem<EndpointItem, EndpointInfo, IfType_t::Endpoint, Net::Endpoint<Net::AddrStr>>;
 
 } // namespace Legacy::If

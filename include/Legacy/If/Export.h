@@ -11,3 +11,11 @@
 #else
 #define LEGACY_IF_API
 #endif
+
+/// The mark of an instance that is the base of its own argument. clang takes such an argument, which is not complete
+/// yet, for hidden, and the instance with it; g++ does not, and warns of a mark that comes after the first use.
+#if defined(__clang__)
+#define LEGACY_IF_BASE_API LEGACY_IF_API
+#else
+#define LEGACY_IF_BASE_API
+#endif
