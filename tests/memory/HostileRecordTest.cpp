@@ -54,7 +54,7 @@ TEST(HostileRecord, TakesASmallMultipleOfItsBytes)
     };
     using enum IfType_t;
     auto const none = NumericType_t::Undefined;
-    for (auto const& [type, numericType, payload, most] : std::vector<Case>{
+    for (Case const& hostile : std::vector<Case>{
              {NumericArray, NumericType_t::U8, Repeated({1}), 2},
              {BoolArray, none, Repeated({0}), 2},
              {StringArray, none, Repeated({0}), 33},
@@ -64,13 +64,15 @@ TEST(HostileRecord, TakesASmallMultipleOfItsBytes)
              {Composite, none, Nested(), 15},
          })
     {
-        Record const record{1, static_cast<unsigned char>(type), static_cast<unsigned char>(numericType), payload};
+        Record const record{1, static_cast<unsigned char>(hostile.type),
+                            static_cast<unsigned char>(hostile.numericType), hostile.payload};
         record.With([&](auto const* whole) {
             boost::intrusive_ptr<ItemBase> item;
             std::int64_t const before = Failing::Bytes();
             Failing::ResetPeak();
             EXPECT_EQ(ItemBase::Deserialize(whole, item), 0);
-            EXPECT_LE(Failing::Peak() - before, most * std::ssize(payload)) << static_cast<int>(type);
+            EXPECT_LE(Failing::Peak() - before, hostile.most * std::ssize(hostile.payload))
+                << static_cast<int>(hostile.type);
         });
     }
 }
