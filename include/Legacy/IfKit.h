@@ -7,6 +7,7 @@
 #include <Legacy/IfKit/Explain.h>
 #include <Legacy/IfKit/Export.h>
 #include <Legacy/IfKit/Families.h>
+#include <Legacy/IfKit/FreshSchema.h>
 #include <Legacy/IfKit/Json.h>
 #include <Legacy/IfKit/ObservableDirectory.h>
 #include <Legacy/IfKit/RecordFile.h>

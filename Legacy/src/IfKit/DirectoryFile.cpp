@@ -1,9 +1,8 @@
 #include <Legacy/IfKit/Difference.h>
 #include <Legacy/IfKit/DirectoryFile.h>
-#include <Legacy/IfKit/Families.h>
+#include <Legacy/IfKit/FreshSchema.h>
 
 #include <map>
-#include <type_traits>
 #include <utility>
 #include <variant>
 
@@ -14,20 +13,6 @@ using namespace If;
 namespace {
 
 using Parameter = boost::intrusive_ptr<InfoItemHolder const>;
-
-/// A schema of the class that the tags name, as its constructor makes it; null if there is none.
-boost::intrusive_ptr<InfoBase> MakeSchema(unsigned int id, std::string const& name, IfType_t type,
-                                          NumericType_t numericType)
-{
-    return VisitFamily(type, numericType, [&]<typename Info, typename Item>(Family<Info, Item>) {
-        boost::intrusive_ptr<InfoBase> info;
-        if constexpr (std::is_same_v<Info, EnumInfo>)
-            info.reset(new Info(id, name, Permission_t{}, false));
-        else if constexpr (!std::is_void_v<Info>)
-            info.reset(new Info(id, name, Permission_t{}));
-        return info;
-    });
-}
 
 /// Puts the entries of a file into a directory.
 class Loader
@@ -62,7 +47,7 @@ private:
         auto const name = m_names.find(item.GetId());
         if (name == m_names.end())
             return IfErrNotFound;
-        auto const info = MakeSchema(item.GetId(), name->second, item.GetType(), item.GetNumericType());
+        auto const info = FreshSchema(item.GetType(), item.GetNumericType(), item.GetId(), name->second);
         return info ? m_directory.AddInfo(new InfoHolder(info)) : IfErrTypeNotAssignable;
     }
 

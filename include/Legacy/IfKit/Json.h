@@ -10,15 +10,19 @@
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 
 #include <cstddef>
+#include <functional>
 #include <iosfwd>
 #include <optional>
 #include <string>
 
 /// Values, schemas, directories and deltas as JSON, and back, exactly.
 ///
-///     std::stringstream text;
-///     WriteJson(text, *schema);                // JSON Schema, for any tool that checks with it
-///     auto const fault = ReadJson(text, copy); // boost::intrusive_ptr<InfoBase> copy
+/// @code
+/// std::stringstream text;
+/// static_cast<void>(WriteJson(text, NumericInfo<U16Traits>(1, "mtu", {}))); // JSON Schema, for any tool that knows it
+/// boost::intrusive_ptr<InfoBase> copy;
+/// if (auto const fault = ReadJson(text, copy)) std::cerr << fault->ToString() << '\n';
+/// @endcode
 ///
 /// **Values.** By itself a value is an object; among schemas and in members its bare form stands alone:
 ///
@@ -37,10 +41,11 @@
 /// | Coordinate | `{"x": 1, "y": 2}` |
 /// | Rectangle, RectArray | `{"topLeft": {"x": 1, "y": 2}, "bottomRight": {"x": 3, "y": 4}}`, a list of these |
 /// | Endpoint | `{"address": "::1", "port": 80}` |
-/// | AppEndpoint, AppEndpointArray | as an endpoint with `"protocol"`, the enumerator's name or a number that has none,
-/// `"version"`, `"compatVersion"` and `"group"`; a list of these | | Extended | `{"first": "", "second": ""}` | |
-/// LocalizedString | `{"key": "Greeting", "arguments": [null, {"id": 0, "type": "Bool", "value": true}]}` | |
-/// Composite, Collection | the bare forms of the members in a list; `"members"` tells their ids and types |
+/// | AppEndpoint | as an endpoint with `"protocol"`, `"version"`, `"compatVersion"` and `"group"` |
+/// | AppEndpointArray | a list of these; a protocol is the enumerator's name, or a number that has none |
+/// | Extended | `{"first": "", "second": ""}` |
+/// | LocalizedString | `{"key": "Hello", "arguments": [null, {"id": 0, "type": "Bool", "value": true}]}` |
+/// | Composite, Collection | the bare forms of the members; `"members"` tells their ids and types |
 ///
 /// A float is written with the fewest digits that read as that float. What no number of JSON is stands as a string:
 /// "Infinity", "-Infinity", "NaN", and "NaN(0x7fc00001)" for a NaN with other bits than the usual ones. A zero keeps
@@ -82,7 +87,7 @@
 ///
 /// **Directories and deltas** are one kind of document. Where a schema stands, the value has its bare form and
 /// `"members"` only where its members are not those of the schema; without schemas values stand as by themselves, with
-/// a `"name"` for readers:
+/// the `"name"` of the parameter:
 ///
 ///     {"format": 1,
 ///      "sections": [
@@ -109,11 +114,12 @@ constexpr unsigned int k_maxJsonMembers = 32; ///< levels of composites and coll
 struct JsonFault_t
 {
     std::string pointer;    ///< JSON pointer to what is wrong; empty for the whole and for text that is no JSON
-    std::size_t line = 0;   ///< where reading stopped, from 1; 0 for an object that cannot be written
+    std::size_t offset = 0; ///< where reading stopped, in bytes
+    std::size_t line = 0;   ///< the same, from 1; 0 for an object that cannot be written
     std::size_t column = 0; ///< in bytes, from 1
     std::string reason;     ///< in English, without a full stop
 
-    /// "line 3, column 14, at /sections/0/id: a whole number from 0 to 4294967295 is expected"
+    /// "byte 62, line 3, column 14, at /sections/0/id: a whole number from 0 to 4294967295 is expected"
     LEGACY_IFKIT_API std::string ToString() const;
 };
 
@@ -132,6 +138,19 @@ enum class JsonContent_t
     Everything,
     Schemas, ///< no values
     Values,  ///< no schemas; parameters without a value are left out
+};
+
+/// What takes the parts of a document, in any order: a section can stand behind its parameters. Each function returns
+/// an empty text, or why it does not take the part, which ends the reading.
+struct JsonParts_t
+{
+    using InfoPtr = boost::intrusive_ptr<If::InfoHolder const>;
+    using ItemPtr = boost::intrusive_ptr<If::ItemHolder const>;
+
+    std::function<std::string(If::SectionId const&)> section;
+    std::function<std::string(InfoPtr const&)> info;
+    std::function<std::string(ItemPtr const&, std::string const& name)>
+        item; ///< the name is empty where a schema has it
 };
 
 /// @name Writing
@@ -160,8 +179,12 @@ LEGACY_IFKIT_API JsonOutcome_t ReadJson(std::istream& is, boost::intrusive_ptr<I
 LEGACY_IFKIT_API JsonOutcome_t ReadJson(std::istream& is, boost::intrusive_ptr<If::InfoBase>& info);
 /// Replaces the content of the delta.
 LEGACY_IFKIT_API JsonOutcome_t ReadJson(std::istream& is, If::InfoItemDirectoryDelta& delta);
-/// Fills an empty directory; one that has sections or parameters is refused.
+/// Fills an empty directory; one that has sections or parameters is refused. A value without a schema gets one of its
+/// type as a constructor makes it, see FreshSchema().
 LEGACY_IFKIT_API JsonOutcome_t ReadJson(std::istream& is, If::InfoItemDirectory& directory);
+/// Hands out the parts of a directory or a delta as soon as each is read, with no more of the document in memory: all
+/// that stands before a fault is handed out.
+LEGACY_IFKIT_API JsonOutcome_t ReadJson(std::istream& is, JsonParts_t const& parts);
 /// A value of the schema's type under its id from the bare form.
 LEGACY_IFKIT_API JsonOutcome_t ReadBareJson(std::istream& is, If::InfoBase const& info,
                                             boost::intrusive_ptr<If::ItemBase>& item);

@@ -8,8 +8,11 @@
 
 /// Type tags as words, for people and for files.
 ///
-///     for (auto const& record : records) std::cout << NameOf(record.type) << ' ' << NameOf(record.numericType) <<
-///     '\n'; auto const type = IfTypeOf("Numeric"); bool const isNumber = type == IfType_t::Numeric;
+/// @code
+/// boost::intrusive_ptr<ItemBase> const item(BoolItem::Create(1, true));
+/// std::cout << NameOf(item->GetType()) << '\n';
+/// bool const isTruth = IfTypeOf("Bool") == item->GetType();
+/// @endcode
 namespace Legacy::IfKit {
 
 /// The enumerator's name, such as "NumericArray", and "U8" for an element; empty for a number that is no enumerator.

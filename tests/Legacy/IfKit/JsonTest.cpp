@@ -210,9 +210,36 @@ TEST(Json, RebuildsDirectoriesAndDeltas)
     EXPECT_EQ(other.UpdateFromDelta(second, true, true), 0);
     EXPECT_EQ(Text(other, JsonContent_t::Everything, JsonLayout_t::Indented), k_sample);
 
+    // Values alone get schemas that are as new.
+    std::string const values = Text(copy, JsonContent_t::Values);
+    InfoItemDirectory bare;
+    std::istringstream alone(values);
+    ASSERT_FALSE(ReadJson(alone, bare));
+    EXPECT_EQ(Text(bare, JsonContent_t::Values), values);
+
     // A directory is filled once.
     std::istringstream third(k_sample);
     EXPECT_EQ(ReadJson(third, other)->reason, "the directory is not empty");
+}
+
+TEST(Json, HandsOutWhatStandsBeforeAFault)
+{
+    std::string seen;
+    JsonParts_t const parts{[&](SectionId const& section) {
+                                seen += section.GetSectionName() + ' ';
+                                return std::string(section.GetSectionDepth() == 2 ? "enough" : "");
+                            },
+                            [&](JsonParts_t::InfoPtr const& info) {
+                                seen += info->GetInfo()->GetName() + ' ';
+                                return std::string();
+                            },
+                            [&](JsonParts_t::ItemPtr const& item, std::string const&) {
+                                seen += item->GetItem()->GetValAsString() + ' ';
+                                return std::string();
+                            }};
+    std::istringstream is(k_sample);
+    EXPECT_EQ(ReadJson(is, parts)->ToString(), "byte 1129, line 48, column 27, at /sections/0/sections/0: enough");
+    EXPECT_EQ(seen, "port mtu 65535 mode port/stp ");
 }
 
 TEST(Json, CarriesBareValuesUnderTheirSchema)
@@ -358,8 +385,10 @@ TEST(Json, RefusesDirectoriesThatAreNone)
          "at /sections/0/parameters/0/value: true or false is expected"},
         {R"({"schemas":[)" + mtu + "]}",
          "parameter 'mtu' with the id 0x00000000 has no place in the directory, code -25"},
-        {port + R"(}],"values":[{"id":0,"type":"Bool","value":true}]})",
+        {port + R"(}],"values":[{"id":0,"type":"Orientation","value":{"bearing":0,"inclination":0,"roll":0}}]})",
          "the value with the id 0x00000000 has no place in the directory, code -25"},
+        {R"({"values":[{"id":0,"name":"a","type":"Bool","value":true}]})",
+         "parameter 'a' with the id 0x00000000 has no place in the directory, code -25"},
     };
     for (auto const& [text, fault] : cases) {
         InfoItemDirectory directory;

@@ -5,9 +5,11 @@
 #include "Writer.h"
 
 #include <Legacy/If/ReturnCodes.h>
+#include <Legacy/IfKit/FreshSchema.h>
 #include <Legacy/IfKit/Json.h>
 
 #include <algorithm>
+#include <map>
 #include <memory>
 #include <ostream>
 #include <utility>
@@ -53,7 +55,7 @@ JsonOutcome_t Guarded(Step&& step)
     try {
         step();
     } catch (Refusal const& refusal) {
-        return JsonFault_t{refusal.GetPointer(), 0, 0, refusal.what()};
+        return JsonFault_t{refusal.GetPointer(), 0, 0, 0, refusal.what()};
     }
     return std::nullopt;
 }
@@ -236,11 +238,11 @@ InfoHolderPtr TakeHeldSchema(Node const& node)
                               std::move(unit));
 }
 
-/// Gathers the parts of a document in a delta.
-class DeltaSink : public DocumentSink
+/// Makes objects of the parts of a document and hands them on.
+class PartsSink : public DocumentSink
 {
 public:
-    InfoItemDirectoryDelta const& GetDelta() const noexcept { return m_delta; }
+    explicit PartsSink(JsonParts_t const& parts) : m_parts(parts) {}
 
     void TakeSection(Node const& node) override
     {
@@ -249,7 +251,7 @@ public:
         SectionId const section(path, InfoItemSectionId(node["id"].Unsigned()));
         if (!section.IsValid())
             node.Refuse("the path and the id are not those of one section");
-        Expect_(node, m_delta.AddSection(section), "a section with this id");
+        Expect_(node, m_parts.section(section));
     }
 
     void TakeParameter(Node const& node) override
@@ -258,37 +260,59 @@ public:
             return TakeValue(node);
         ExpectKeys(node, {"schema", "members", "value"});
         auto const holder = TakeHeldSchema(node["schema"]);
-        AddInfo_(node, holder);
+        Expect_(node, m_parts.info(holder));
         if (!node.Has("value"))
             return;
         Shape_t shape = ShapeOf(*holder->GetInfo());
         if (node.Has("members"))
             shape.members = TakeMembers(node["members"]);
-        AddItem_(node, FromBareForm(node["value"], shape));
+        TakeItem_(node, FromBareForm(node["value"], shape), {});
     }
 
-    void TakeSchema(Node const& node) override { AddInfo_(node, TakeHeldSchema(node)); }
-    void TakeValue(Node const& node) override { AddItem_(node, FromSelfForm(node)); }
+    void TakeSchema(Node const& node) override { Expect_(node, m_parts.info(TakeHeldSchema(node))); }
+    void TakeValue(Node const& node) override { TakeItem_(node, FromSelfForm(node), TakeTextIf(node, "name")); }
 
 private:
-    void AddInfo_(Node const& node, InfoHolderPtr const& info)
+    void TakeItem_(Node const& node, ItemPtr const& item, std::string const& name)
     {
-        Expect_(node, m_delta.AddInfo(info), "a schema with this id");
+        Expect_(node, m_parts.item(ItemHolderPtr(new ItemHolder(item)), name));
     }
 
-    void AddItem_(Node const& node, ItemPtr const& item)
+    static void Expect_(Node const& node, std::string const& reason)
     {
-        Expect_(node, m_delta.AddItem(ItemHolderPtr(new ItemHolder(item))), "a value with this id");
+        if (!reason.empty())
+            node.Refuse(reason);
     }
 
-    static void Expect_(Node const& node, int code, char const* what)
-    {
-        if (code != 0)
-            node.Refuse(std::string("there is ") + what + " already");
-    }
-
-    InfoItemDirectoryDelta m_delta;
+    JsonParts_t const& m_parts;
 };
+
+/// Gathers the parts in a delta, and the names of values that come without a schema.
+JsonOutcome_t ReadDelta(std::istream& is, InfoItemDirectoryDelta& delta, std::map<unsigned int, std::string>& names)
+{
+    auto const outcome = [](int code, char const* what) {
+        return code == 0 ? std::string() : std::string("there is ") + what + " with this id already";
+    };
+    return ReadJson(
+        is, JsonParts_t{[&](SectionId const& section) { return outcome(delta.AddSection(section), "a section"); },
+                        [&](InfoHolderPtr const& info) { return outcome(delta.AddInfo(info), "a schema"); },
+                        [&](ItemHolderPtr const& item, std::string const& name) {
+                            names.emplace(item->GetItem()->GetId(), name);
+                            return outcome(delta.AddItem(item), "a value");
+                        }});
+}
+
+/// Enters a schema for each value that has none.
+void CompleteSchemas(InfoItemDirectoryDelta& delta, std::map<unsigned int, std::string> const& names)
+{
+    for (auto const& [id, holder] : delta.GetItemHolderPtrMap_addMod()) {
+        auto const& item = *holder->GetItem();
+        if (delta.GetInfoHolderPtrMap_addMod().contains(id))
+            continue;
+        if (InfoPtr const info = FreshSchema(item.GetType(), item.GetNumericType(), id, names.at(id)))
+            delta.AddInfo(InfoHolderPtr(new InfoHolder(info)));
+    }
+}
 
 std::string Hex(unsigned int id)
 {
@@ -303,7 +327,7 @@ std::string Hex(unsigned int id)
 JsonOutcome_t TryDelta(InfoItemDirectoryDelta const& delta)
 {
     auto const refuse = [](std::string const& what, int code) {
-        return JsonFault_t{{}, 0, 0, what + " has no place in the directory, code " + std::to_string(code)};
+        return JsonFault_t{{}, 0, 0, 0, what + " has no place in the directory, code " + std::to_string(code)};
     };
     InfoItemDirectory trial;
     for (auto const& [id, section] : delta.GetSectionIdMap_addMod()) {
@@ -327,7 +351,8 @@ std::string JsonFault_t::ToString() const
 {
     std::string text;
     if (line != 0)
-        text = "line " + std::to_string(line) + ", column " + std::to_string(column);
+        text =
+            "byte " + std::to_string(offset) + ", line " + std::to_string(line) + ", column " + std::to_string(column);
     if (!pointer.empty())
         text += (text.empty() ? "at " : ", at ") + pointer;
     return text.empty() ? reason : text + ": " + reason;
@@ -410,12 +435,19 @@ JsonOutcome_t ReadBareJson(std::istream& is, InfoBase const& info, boost::intrus
     return fault;
 }
 
+JsonOutcome_t ReadJson(std::istream& is, JsonParts_t const& parts)
+{
+    PartsSink sink(parts);
+    return ReadParts(is, sink);
+}
+
 JsonOutcome_t ReadJson(std::istream& is, InfoItemDirectoryDelta& delta)
 {
-    DeltaSink sink;
-    auto fault = ReadParts(is, sink);
+    InfoItemDirectoryDelta read;
+    std::map<unsigned int, std::string> names;
+    auto fault = ReadDelta(is, read, names);
     if (!fault)
-        delta = sink.GetDelta();
+        delta = read;
     return fault;
 }
 
@@ -424,11 +456,13 @@ JsonOutcome_t ReadJson(std::istream& is, InfoItemDirectory& directory)
     std::vector<SectionId> sections;
     directory.GetTopLevelSections(sections);
     if (!sections.empty() || !directory.Empty())
-        return JsonFault_t{{}, 0, 0, "the directory is not empty"};
+        return JsonFault_t{{}, 0, 0, 0, "the directory is not empty"};
     auto const delta = std::make_shared<InfoItemDirectoryDelta>();
-    auto fault = ReadJson(is, *delta);
-    if (!fault)
-        fault = TryDelta(*delta);
+    std::map<unsigned int, std::string> names;
+    if (auto fault = ReadDelta(is, *delta, names))
+        return fault;
+    CompleteSchemas(*delta, names);
+    auto fault = TryDelta(*delta);
     if (!fault)
         directory.UpdateFromDelta(delta, true, true); // as the trial did
     return fault;

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <istream>
 #include <memory>
+#include <span>
 #include <utility>
 
 namespace Legacy::IfKit::Detail {
@@ -193,10 +194,12 @@ private:
         return false;
     }
 
-    std::string Pointer_() const
+    std::string Pointer_() const { return PointerTo_(m_open.size()); }
+
+    std::string PointerTo_(std::size_t depth) const
     {
         std::string pointer;
-        for (auto const& open : m_open)
+        for (auto const& open : std::span(m_open).first(depth))
             AppendToPointer(pointer, IsArray_(open.part) ? std::to_string(open.index) : open.key);
         return pointer;
     }
@@ -254,14 +257,18 @@ private:
             m_builder->End();
             return Finish_();
         }
-        Open_t const done = std::move(m_open.back());
+        // One that lacks a part of its own has not been handed on yet, and is refused for that.
+        if (m_open.back().part == Part_t::Section && m_open.back().members.size() < k_sectionMembers)
+            TakeSection_();
         m_open.pop_back();
-        if (done.part == Part_t::Section) {
-            std::string const pointer = Pointer_();
-            json::value const section(done.members);
-            m_sink->TakeSection(Node(section, pointer));
-        }
         Advance_();
+    }
+
+    void TakeSection_()
+    {
+        std::string const pointer = PointerTo_(m_open.size() - 1);
+        json::value const section(m_open.back().members);
+        m_sink->TakeSection(Node(section, pointer));
     }
 
     void Key_(std::string key)
@@ -313,6 +320,8 @@ private:
             break;
         default:
             open.members.emplace(open.key, done.Value());
+            if (open.members.size() == k_sectionMembers)
+                TakeSection_();
         }
         Advance_();
     }
@@ -324,6 +333,7 @@ private:
     }
 
     static constexpr std::size_t k_maxOuterParts = 16;
+    static constexpr std::size_t k_sectionMembers = 2; // "path" and "id"
 
     std::function<void(Node const&)> const* m_take = nullptr; // either this
     DocumentSink* m_sink = nullptr;                           // or that
@@ -340,6 +350,7 @@ public:
     void Advance(char const* text, std::size_t size)
     {
         for (char const* const end = text + size; text != end; ++text) {
+            ++m_offset;
             ++m_column;
             if (*text == '\n') {
                 ++m_line;
@@ -350,10 +361,11 @@ public:
 
     JsonFault_t Fault(std::string pointer, std::string reason) const
     {
-        return {std::move(pointer), m_line, m_column, std::move(reason)};
+        return {std::move(pointer), m_offset, m_line, m_column, std::move(reason)};
     }
 
 private:
+    std::size_t m_offset = 0;
     std::size_t m_line = 1;
     std::size_t m_column = 1;
 };
