@@ -1,0 +1,175 @@
+#!/usr/bin/env bash
+# Runs the command legacyif as people and accidents do, and compares what it prints with what is written here.
+# usage: test.sh PROGRAM
+set -uo pipefail
+program=$1
+here=$(cd "$(dirname "$0")" && pwd)
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cd "$work"
+failures=0
+
+fail() {
+    echo "FAILED: $*"
+    failures=$((failures + 1))
+}
+
+# expect STATUS ARGUMENT… <<text: the exit status, and the standard output with the error output behind it
+expect() {
+    local status=$1 got
+    shift
+    timeout 60 "$program" "$@" >out 2>err </dev/null
+    got=$?
+    [ "$got" = "$status" ] || fail "$* ended with $got instead of $status"
+    cat out err | diff -u --label expected --label printed /dev/fd/3 - 3<&0 || fail "$*"
+}
+
+cat >schema.json <<'EOF'
+{"sections": [{"path": "port", "id": 16777215,
+  "parameters": [
+    {"schema": {"title": "mtu", "type": "integer", "minimum": 68, "maximum": 9216, "default": 1500,
+      "x-legacyif": {"id": 0, "type": "Numeric", "elementType": "U16", "unit": "bytes"}}},
+    {"schema": {"title": "mode", "type": "integer", "enum": [0, 2],
+      "x-legacyif": {"id": 1, "type": "Enum", "elements": [{"name": "off"}, {"name": "auto"}]}}},
+    {"schema": {"title": "label", "type": "string", "maxLength": 8, "x-legacyif": {"id": 2, "type": "String"}}},
+    {"schema": {"title": "peer", "x-legacyif": {"id": 3, "type": "Endpoint"}}},
+    {"schema": {"title": "rate", "enum": [10, 100],
+      "x-legacyif": {"id": 4, "type": "NumericSparse", "elementType": "U8"}}},
+    {"schema": {"title": "timer", "prefixItems": [
+        {"title": "delay", "minimum": 1, "x-legacyif": {"id": 9, "type": "Numeric", "elementType": "S8"}}],
+      "x-legacyif": {"id": 5, "type": "Composite"}}}],
+  "sections": [{"path": "port/stp", "id": 1074003967,
+    "parameters": [{"schema": {"title": "on", "x-legacyif": {"id": 1073741824, "type": "Bool"}}}]}]}]}
+EOF
+cat >values.json <<'EOF'
+{"sections": [{"path": "port", "id": 16777215}, {"path": "port/stp", "id": 1074003967}],
+ "values": [{"id": 0, "name": "mtu", "type": "Numeric", "elementType": "U16", "value": 65535},
+  {"id": 1, "name": "mode", "type": "Enum", "value": 2},
+  {"id": 2, "name": "label", "type": "String", "value": "a\u009bb\u202e"},
+  {"id": 4, "name": "rate", "type": "NumericSparse", "elementType": "U8", "value": 100},
+  {"id": 5, "name": "timer", "type": "Composite", "members": [{"id": 9, "type": "Numeric", "elementType": "S8"}], "value": [0]},
+  {"id": 1073741824, "name": "on", "type": "Bool", "value": true}]}
+EOF
+
+expect 0 records values.json <<'EOF'
+EOF
+expect 0 show values.rec <<'EOF'
+port
+  mtu    Numeric(U16)       65535
+  mode   Enum               2
+  label  String             a?b?
+  rate   NumericSparse(U8)  100
+  timer  Composite          (0)
+port/stp
+  on  Bool  True
+EOF
+expect 0 show values.rec --schema schema.json <<'EOF'
+port
+  mtu    Numeric(U16)       65535 bytes  68 <= 1500 <= 9216                  mtu: the value is above the maximum of 9216.
+  mode   Enum               auto         off=0, auto=2; default=0
+  label  String             a?b?         ""; max length=8
+  peer   Endpoint           -            EndpointInfo
+  rate   NumericSparse(U8)  100          10, 100; default=0
+  timer  Composite          (0)          (1 <= 1 <= 127)                     delay: the value is below the minimum of 1.
+port/stp
+  on  Bool  True  default=False
+EOF
+COLUMNS=50 expect 0 show values.rec --schema schema.json <<'EOF'
+EOF
+expect 1 check values.rec --schema schema.json --language de <<'EOF'
+port/mtu: mtu: Der Wert liegt über dem Maximum von 9216.
+port/timer[0]: delay: Der Wert liegt unter dem Minimum von 1.
+EOF
+expect 1 check values.rec --schema schema.json --format json <<'EOF'
+[{"path":"port/mtu","id":0,"key":"TypesSystemNumericValidationMax","message":"mtu: the value is above the maximum of 9216."},{"path":"port/timer[0]","id":5,"key":"TypesSystemNumericValidationMin","message":"delay: the value is below the minimum of 1."}]
+EOF
+expect 0 diff values.rec values.json <<'EOF'
+EOF
+expect 0 json --compact values.rec <<'EOF'
+EOF
+
+# Changes, each refused or whole.
+expect 0 set values.rec port/mtu 1500 --schema schema.json <<'EOF'
+EOF
+expect 0 set values.rec port/mode off --schema schema.json <<'EOF'
+EOF
+expect 0 set values.rec port/peer '[::1]:80' --schema schema.json <<'EOF'
+EOF
+expect 0 set values.rec port/timer '[5]' --schema schema.json <<'EOF'
+EOF
+expect 0 check values.rec --schema schema.json <<'EOF'
+EOF
+cp values.rec before
+expect 1 set values.rec port/mtu 1 --schema schema.json <<'EOF'
+legacyif: port/mtu: mtu: the value is below the minimum of 68.
+EOF
+expect 1 set values.rec port/rate 11 --schema schema.json <<'EOF'
+legacyif: port/rate: rate: the value is outside of what its schema allows.
+EOF
+expect 2 set values.rec port/mtu many --schema schema.json <<'EOF'
+EOF
+expect 1 set values.rec port/nothing 1 <<'EOF'
+legacyif: values.rec: there is no parameter 'port/nothing'
+EOF
+cmp values.rec before || fail 'a refused change left its mark'
+expect 0 get values.rec port/peer <<'EOF'
+[::1]:80
+EOF
+expect 0 get values.rec port/peer --format json <<'EOF'
+{"address": "::1", "port": 80}
+EOF
+expect 1 diff values.json values.rec --schema schema.json <<'EOF'
+EOF
+expect 0 explain values.rec <<'EOF'
+EOF
+
+# Trouble: what stands before it is shown, and what it is.
+size=$(stat -c %s values.rec)
+head -c $((size - 40)) values.rec >short.rec
+expect 2 show short.rec <<'EOF'
+EOF
+expect 2 set short.rec port/mtu 1500 <<'EOF'
+EOF
+head -c 300 values.json >short.json
+expect 2 get short.json port/mtu <<'EOF'
+EOF
+expect 2 show missing <<'EOF'
+legacyif: missing: byte 0: No such file or directory
+EOF
+expect 2 show . <<'EOF'
+legacyif: .: byte 0: expected a file, found a directory
+EOF
+expect 2 check values.rec --schema values.rec <<'EOF'
+EOF
+expect 2 explain values.json <<'EOF'
+legacyif: values.json: byte 0: expected a file of records, found JSON
+EOF
+"$program" json values.rec >/dev/full 2>err && fail 'a full disk went unnoticed'
+"$program" show - --schema schema.json <values.rec | cmp -s - <("$program" show values.rec --schema schema.json) ||
+    fail 'the standard input is another file'
+for arguments in '' 'show' 'show a b' 'nonsense a' 'show a --language fr' 'json a --nonsense'; do
+    # shellcheck disable=SC2086
+    timeout 60 "$program" $arguments >/dev/null 2>&1 </dev/null
+    [ $? = 2 ] || fail "'$arguments' is no wrong command line"
+done
+for command in show check json records diff explain get set; do
+    "$program" "$command" --help >out || fail "$command --help"
+    grep -q "^\.TP\$" "$here/legacyif.1" && grep -q "^\.B $command\$" "$here/legacyif.1" || fail "the manual lacks $command"
+    # All options are in the manual and in the completion.
+    for option in $(grep -o -e '--[a-z]*' out | sort -u); do
+        grep -q -e "${option//-/\\\\-}" "$here/legacyif.1" || fail "the manual lacks $option"
+        grep -q -e "$option" "$here/legacyif.bash" || fail "the completion lacks $option"
+    done
+done
+
+# Colours and the width of a terminal.
+if command -v script >/dev/null; then
+    TERM=xterm script -qec "stty cols 60; '$program' show values.rec" /dev/null >out 2>&1 </dev/null
+    grep -q $'\033\[1mport' out || fail 'a terminal gets no colours'
+fi
+if command -v man >/dev/null; then
+    [ -z "$(LC_ALL=C.UTF-8 MANWIDTH=80 man --warnings -l "$here/legacyif.1" 2>&1 >/dev/null)" ] || fail 'the manual has faults'
+fi
+
+[ "$failures" = 0 ] && echo "all passed"
+exit "$((failures > 0))"
