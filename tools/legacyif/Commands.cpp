@@ -108,12 +108,14 @@ void PrintRecord(Record_t const& record, std::uint64_t offset)
         end = field.offset + field.size;
         for (std::size_t done = 0; done < field.size; done += k_bytesInLine) {
             std::size_t const size = std::min(k_bytesInLine, field.size - done);
+            std::string const hex = HexBytes(std::span(bytes).subspan(field.offset + done, size));
             std::cout << std::hex << std::setfill('0') << std::setw(8) << offset + field.offset + done << std::dec
-                      << std::setfill(' ') << "  " << std::left << std::setw(3 * k_bytesInLine + 1)
-                      << HexBytes(std::span(bytes).subspan(field.offset + done, size));
+                      << std::setfill(' ') << "  ";
             if (done == 0)
-                std::cout << std::setw(14) << field.label << field.meaning;
-            std::cout << std::right << '\n';
+                std::cout << std::left << std::setw(3 * k_bytesInLine + 1) << hex << std::setw(14) << field.label
+                          << field.meaning << std::right << '\n';
+            else
+                std::cout << hex << '\n';
         }
     }
     if (!expected.empty())
@@ -185,6 +187,8 @@ ExitStatus_t ToJson(Options_t const& options)
                                  options.isCompact ? JsonLayout_t::Compact : JsonLayout_t::Indented);
     if (fault)
         throw Failure(Printable(options.file) + ": " + Printable(fault->ToString()));
+    if (options.isCompact)
+        std::cout << '\n';
     return Finish(store, k_success);
 }
 
