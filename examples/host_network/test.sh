@@ -104,7 +104,7 @@ head -c -9 "$records" >"$work/damaged"
 expect 1 'more bytes, found the end of the file' --read "$work/damaged"
 cp "$records" "$work/damaged"
 echo '{"sections": [' >"$work/damaged.schema.json"
-expect 1 'damaged.schema.json: line 2' --read "$work/damaged"
+expect 1 'damaged.schema.json: byte 15, line 2' --read "$work/damaged"
 rm "$work/damaged.schema.json"
 expect 1 'No such file' --read "$work/damaged"
 
