@@ -17,7 +17,7 @@ namespace Legacy::IfKit {
 
 namespace {
 
-constexpr std::size_t k_pending = 64 * 1024;
+constexpr std::size_t k_pending = std::size_t{64} * 1024;
 
 /// Where a path leads if it is a symbolic link; the path itself otherwise, also if nothing is there.
 std::string TargetOf(std::string const& path)

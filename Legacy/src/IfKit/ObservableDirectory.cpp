@@ -113,14 +113,14 @@ ObservableDirectory::Connection ObservableDirectory::Connect(Listener listener)
 {
     if (!m_listeners)
         m_listeners = std::make_unique<Listeners>();
-    return m_listeners->Everything().connect(std::move(listener));
+    return m_listeners->Everything().connect(listener);
 }
 
 ObservableDirectory::Connection ObservableDirectory::Connect(InfoItemSectionId const& id, Listener listener)
 {
     if (!m_listeners)
         m_listeners = std::make_unique<Listeners>();
-    return m_listeners->Of(id).connect(std::move(listener));
+    return m_listeners->Of(id).connect(listener);
 }
 
 void ObservableDirectory::InfoChanged_(boost::intrusive_ptr<InfoHolder const> const& former,

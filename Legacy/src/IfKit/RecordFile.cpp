@@ -53,7 +53,7 @@ constexpr std::size_t k_blockBody = 4096;
 constexpr std::size_t k_nameHeaderSize = 8; // id and length
 
 /// What is made room for at once: more is believed as it arrives.
-constexpr std::size_t k_chunk = 1024 * 1024;
+constexpr std::size_t k_chunk = std::size_t{1024} * 1024;
 
 using BlockHeader = std::array<unsigned char, k_blockHeaderSize>;
 

@@ -4,6 +4,7 @@
 #include <Legacy/IfKit/Visit.h>
 
 #include <algorithm>
+#include <cmath>
 #include <concepts>
 #include <sstream>
 #include <string>
@@ -28,7 +29,7 @@ bool Same(Value const& one, Value const& other)
 template<std::floating_point Number>
 bool Same(Number const& one, Number const& other)
 {
-    return one == other || (one != one && other != other);
+    return one == other || (std::isnan(one) && std::isnan(other));
 }
 
 template<std::floating_point Number>

@@ -234,8 +234,9 @@ InfoHolderPtr TakeHeldSchema(Node const& node)
     std::string unit = TakeTextIf(extra, "unit");
     if (name.empty() && description.empty() && unit.empty())
         return new InfoHolder(info);
-    return new ReadInfoHolder(info, name.empty() ? info->GetName() : std::move(name), std::move(description),
-                              std::move(unit));
+    if (name.empty())
+        name = info->GetName();
+    return new ReadInfoHolder(info, std::move(name), std::move(description), std::move(unit));
 }
 
 /// Makes objects of the parts of a document and hands them on.

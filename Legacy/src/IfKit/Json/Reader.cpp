@@ -16,7 +16,7 @@ namespace Legacy::IfKit::Detail {
 
 namespace {
 
-constexpr std::size_t k_chunkSize = 64 * 1024;
+constexpr std::size_t k_chunkSize = std::size_t{64} * 1024;
 
 /// Builds one value out of what the parser meets.
 class Builder

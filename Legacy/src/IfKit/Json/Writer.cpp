@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::size_t k_indent = 2;
 constexpr std::size_t k_maxOnOneLine = 4;
-constexpr std::size_t k_bufferSize = 64 * 1024;
+constexpr std::size_t k_bufferSize = std::size_t{64} * 1024;
 
 template<typename Number>
 void AppendInteger(std::string& text, Number number)
