@@ -13,6 +13,7 @@
 #endif
 
 // Entry points of the checkers of memory and threads, there when the program was built with one.
+// NOLINTBEGIN(bugprone-reserved-identifier)
 #if defined(__ELF__)
 extern "C" {
 [[gnu::weak]] void __asan_init();
@@ -21,6 +22,7 @@ extern "C" {
 [[gnu::weak]] void __tsan_init();
 }
 #endif
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace Legacy::If::Detail {
 

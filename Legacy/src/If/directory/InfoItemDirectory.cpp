@@ -229,7 +229,9 @@ int InfoItemDirectory::UpdateFromDelta(std::shared_ptr<InfoItemDirectoryDelta> c
 {
     if (!delta)
         return IfErrNullArgument;
-    auto const held = delta; // the caller's own pointer may be one that a hook changes
+    // The caller's own pointer may be one that a hook changes.
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
+    auto const held = delta;
     for (auto const& [id, section] : held->GetSectionIdMap_addMod())
         if (int const code = m_sectionMap->AddSection(section))
             return code;

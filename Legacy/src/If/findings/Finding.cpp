@@ -9,7 +9,6 @@
 #include <Legacy/If/String.h>
 
 #include <string>
-#include <utility>
 
 namespace Legacy::If::Detail {
 
@@ -39,7 +38,7 @@ void FindingAccess::Tell(FindingScope& scope, char const* key, InfoPtr const& in
     AddText(message, info ? std::string_view(info->GetName()) : "Unknown");
     for (std::string_view const text : texts)
         AddText(message, text);
-    scope.m_message = std::move(message);
+    scope.m_message = message;
 }
 
 std::string ArgumentText(InfoPtr const& info, FindingScope const&)
