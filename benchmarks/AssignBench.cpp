@@ -8,6 +8,7 @@
 #include <Legacy/If/Numeric.h>
 #include <Legacy/If/NumericArray.h>
 #include <Legacy/If/RectArray.h>
+#include <Legacy/If/String.h>
 #include <Legacy/If/StringArray.h>
 
 #include <algorithm>
