@@ -12,8 +12,9 @@ packages() {
     ./tests/package/run.sh build/packages
 }
 
-# The tests with the other byte order and with narrow pointers.
+# All tests under the thread checks, with the other byte order, and with narrow pointers.
 machines() {
+    ./scripts/test.sh tsan
     ./scripts/cross-test.sh s390x
     ./scripts/cross-test.sh i386
 }
