@@ -18,6 +18,12 @@ void* operator new(std::size_t size, std::align_val_t alignment)
     return block ? block : throw std::bad_alloc();
 }
 
+// A checker has this form of its own, which would not call the one above.
+void* operator new(std::size_t size, std::nothrow_t const&) noexcept
+{
+    return Failing::Refuses() ? nullptr : Failing::Taken(std::malloc(size != 0 ? size : 1));
+}
+
 void operator delete(void* block) noexcept
 {
     Failing::Given(block);
@@ -25,5 +31,6 @@ void operator delete(void* block) noexcept
 }
 
 void operator delete(void* block, std::size_t) noexcept { operator delete(block); }
+void operator delete(void* block, std::nothrow_t const&) noexcept { operator delete(block); }
 void operator delete(void* block, std::align_val_t) noexcept { operator delete(block); }
 void operator delete(void* block, std::size_t, std::align_val_t) noexcept { operator delete(block); }
