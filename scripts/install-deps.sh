@@ -8,7 +8,7 @@ packages=(
     g++ clang cmake ninja-build pkg-config git ccache python3
     libboost-log1.81-dev libboost-url1.81-dev libboost-json1.81-dev libcli11-dev
     libprotobuf-dev protobuf-compiler
-    libgtest-dev libgmock-dev libbenchmark-dev valgrind
+    libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev valgrind
     gettext gdb
     mosquitto libmosquitto-dev
     libclang-rt-14-dev clang-format clang-tidy

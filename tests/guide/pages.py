@@ -14,6 +14,8 @@ once, or nothing if there is none. In such a text `…` stands for anything with
 
 `#include` lines move to the top of the source; all but whole programs may use `Legacy/If.h` and its namespace as it is.
 Before the program runs, in a directory of its own, `po` blocks are written there as fr.po and `sh` blocks are run there.
+What follows `$ ` in a `console` block is a command for the shell, run there after the program; the lines below it are
+what it prints, on the error output, too.
 If a page has blocks fenced as `gdb`, the program runs under gdb and stops where each of them stands for its commands,
 and theirs are the texts that are compared. Without gdb the result is 77.
 """
@@ -90,18 +92,30 @@ def check(page, program, *gdb_options):
         prepare(page, place)
         command = program if kind == "cpp" else gdb_command(page, program, place, gdb_options)
         run = subprocess.run(command, cwd=place, stdout=subprocess.PIPE, encoding="utf-8", errors="replace", check=False)
+        commands = list(run_commands(page, place))
     printed = run.stdout.split(MARK)
     if kind == "gdb":
         printed = printed[1::2]
     failed = run.returncode != 0 or len(printed) < len(expected)
     if failed:
         print(f"{program[0]} ended with {run.returncode}; it printed\n{run.stdout}")
-    for (_, line, _, shown), real in zip(expected, printed):
+    compared = [(line, shown, real) for (_, line, _, shown), real in zip(expected, printed)] + commands
+    for line, shown, real in compared:
         lines = [".*".join(map(re.escape, text.split("…"))) for text in shown.splitlines()]
         if not re.fullmatch("\n".join(lines), real.removesuffix("\n")):
-            print(f"{page}:{line}: the page shows\n{shown}but the program prints\n{real}")
+            print(f"{page}:{line}: the page shows\n{shown}but this is printed:\n{real}")
             failed = True
     sys.exit(failed)
+
+
+def run_commands(page, place):
+    """Of each command in the page's `console` blocks the line, what the page shows below it, and what it prints."""
+    text = pathlib.Path(page).read_text(encoding="utf-8")
+    for block in re.finditer(r"^```console\n(.*?)^```$", text, re.M | re.S):
+        for match in re.finditer(r"^\$ (.*\n)((?:(?!\$ ).*\n)*)", block[1], re.M):
+            run = subprocess.run(["sh", "-c", match[1]], cwd=place, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                                 encoding="utf-8", errors="replace", check=False)
+            yield text.count("\n", 0, block.start(1) + match.start()) + 1, match[2], run.stdout
 
 
 def gdb_command(page, program, place, options):
