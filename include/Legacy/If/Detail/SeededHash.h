@@ -9,7 +9,7 @@ namespace Legacy::If::Detail {
 /// names or ids can know which of them would meet in one place.
 struct HashSeed
 {
-    std::uint64_t text[2];
+    std::uint64_t text[3];
     std::uint64_t factor;
     std::uint64_t summand;
 
@@ -36,7 +36,9 @@ inline std::uint32_t SeededHash(std::uint32_t number) noexcept
     return static_cast<std::uint32_t>(SeededMix(number) >> 32);
 }
 
-/// SipHash with one round for each block and three at the end.
+/// A polynomial over pairs of words, taken where only the seed knows: two texts of whoever does not know it share a hash
+/// with a chance of about one in 2^31. It is short on purpose. A processor fetches for the next look-up while one still
+/// waits for memory only as far as its window reaches, and a longer hash fills that.
 std::uint32_t SeededHash(std::string_view text) noexcept;
 
 } // namespace Legacy::If::Detail
