@@ -23,17 +23,20 @@ private:
     static HashSeed Draw() noexcept;
 };
 
-/// The upper bits are good ones. In this process only, as all hashes here.
+/// The upper bits are good ones, and numbers in even steps do not end up in even steps. In this process only, as all
+/// hashes here.
 inline std::uint64_t SeededMix(std::uint32_t number) noexcept
 {
     HashSeed const& seed = HashSeed::OfProcess();
     std::uint64_t const mixed = number * seed.factor + seed.summand;
-    return (mixed ^ mixed >> 32) * 0x9E3779B97F4A7C15U; // numbers in even steps must not end up in even steps
+    return (mixed ^ mixed >> 32) * 0x9E3779B97F4A7C15U;
 }
 
+/// For tables that chain what meets in one place, where the distance of two places means nothing.
 inline std::uint32_t SeededHash(std::uint32_t number) noexcept
 {
-    return static_cast<std::uint32_t>(SeededMix(number) >> 32);
+    HashSeed const& seed = HashSeed::OfProcess();
+    return static_cast<std::uint32_t>((number * seed.factor + seed.summand) >> 32);
 }
 
 /// A polynomial over pairs of words, taken where only the seed knows: two texts of whoever does not know it share a hash
