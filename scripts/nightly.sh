@@ -12,9 +12,10 @@ packages() {
     ./tests/package/run.sh build/packages
 }
 
-# All tests under the thread checks, with the other byte order, and with narrow pointers.
+# All tests under the thread checks, with the checks of the standard library, with the other byte order, and with narrow pointers.
 machines() {
     ./scripts/test.sh tsan
+    ./scripts/test.sh debugstl
     ./scripts/cross-test.sh s390x
     ./scripts/cross-test.sh i386
 }

@@ -23,7 +23,6 @@
 #include <Legacy/If/StringArray.h>
 #include <Legacy/If/StringSparse.h>
 
-#include <algorithm>
 #include <array>
 
 namespace Legacy::If {
@@ -72,8 +71,12 @@ template<std::size_t... Sizes>
 constexpr auto Join(std::array<Row, Sizes> const&... parts)
 {
     std::array<Row, (Sizes + ...)> rows{};
-    auto end = rows.begin();
-    ((end = std::copy(parts.begin(), parts.end(), end)), ...);
+    std::size_t end = 0;
+    auto const add = [&](auto const& part) {
+        for (Row const& row : part)
+            rows[end++] = row;
+    };
+    (add(parts), ...);
     return rows;
 }
 

@@ -89,6 +89,13 @@ void AppendString(std::string& out, std::string_view text)
     out += '"';
     char const* const end = text.data() + text.size();
     for (char const* next = text.data(); next != end;) {
+        // Nearly always all of it.
+        char const* const special =
+            std::find_if(next, end, [](char c) { return c < ' ' || c > '~' || c == '"' || c == '\\'; });
+        out.append(next, special);
+        if (special == end)
+            break;
+        next = special;
         char const* const start = next;
         code_point const c = Utf8::decode(next, end);
         if (IsEscaped(c))
