@@ -82,6 +82,7 @@ std::size_t CopyFile(std::string const& from, std::string const& to)
     return copied;
 }
 
+/// By the clock, since much of it is waiting for the disk.
 void AddFiles(std::size_t count)
 {
     std::string const subject = std::to_string(count);
@@ -90,18 +91,18 @@ void AddFiles(std::size_t count)
         bool right = true;
         Measure(state, [&] { right &= WriteValues(path, count); });
         Check(state, right);
-    });
+    })->UseRealTime();
     AddRow("read-file", subject, k_ours, [=](benchmark::State& state) {
         bool right = WriteValues(path, count);
         Measure(state, [&] { right &= ReadValues(path) == count; });
         Check(state, right);
-    });
+    })->UseRealTime();
     for (char const* const operation : {"write-file", "read-file"})
         AddRow(operation, subject, "file-copy", [=](benchmark::State& state) {
             bool right = WriteValues(path, count);
             Measure(state, [&] { right &= CopyFile(path, path + ".copy") == std::filesystem::file_size(path); });
             Check(state, right);
-        });
+        })->UseRealTime();
 }
 
 template<typename Directory>

@@ -9,8 +9,8 @@
 
 Rows are named operation/subject/library; a library that begins with legacyif is ours. For every operation and subject
 that both we and a peer have, the table tells how many times as long as ours the peer's median takes: above 1 we are
-faster. Processor time is compared, which a busy machine distorts least; rows of several threads are compared by the
-clock, and rows of memory by their bytes.
+faster. Processor time is compared, which a busy machine distorts least; rows of several threads and rows that wait for
+the disk are compared by the clock, and rows of memory by their bytes.
 """
 
 import json
@@ -32,9 +32,10 @@ def read_medians(paths):
                     continue
                 name = re.sub(r"/(real_time|threads:\d+|iterations:\d+)", "", row["run_name"])
                 operation, subject, library = name.split("/")
-                clock = "real_time" if row.get("threads", 1) > 1 else "cpu_time"
+                by_clock = row.get("threads", 1) > 1 or "/real_time" in row["run_name"]
                 rows = medians.setdefault((operation, subject), {})
-                rows[library] = row.get("bytes/object", row[clock])
+                memory = row.get("bytes/object", row.get("resident-KiB"))
+                rows[library] = memory or row["real_time" if by_clock else "cpu_time"]
     return medians
 
 
