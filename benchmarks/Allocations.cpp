@@ -1,7 +1,10 @@
 #include "Allocations.h"
 
+#include <condition_variable>
 #include <cstdlib>
+#include <mutex>
 #include <new>
+#include <thread>
 
 #if defined(__GLIBC__) && (__GLIBC__ > 2 || __GLIBC_MINOR__ >= 33)
 #include <malloc.h>
@@ -24,6 +27,14 @@ void* Allocate(std::size_t size, std::size_t alignment = 0)
         throw std::bad_alloc();
     return memory;
 }
+
+// A second thread that only waits, as every program has that talks to a network: without one, counted pointers of the
+// standard library count without atomic operations.
+std::jthread const s_waiting([](std::stop_token const& stop) {
+    std::mutex mutex;
+    std::unique_lock lock(mutex);
+    std::condition_variable_any().wait(lock, stop, [] { return false; });
+});
 
 } // namespace
 

@@ -1,10 +1,12 @@
-// What values made of values cost: one with a hundred members, and ones nested deep, whose cost per level must not grow
-// with the depth.
+// What values made of values cost: one with a hundred members of several types in turn, one with a hundred numbers, and
+// ones nested deep, whose cost per level must not grow with the depth.
 #include "Records.h"
 
+#include <Legacy/If/Bool.h>
 #include <Legacy/If/Composite.h>
 #include <Legacy/If/Numeric.h>
 #include <Legacy/If/ResultElem.h>
+#include <Legacy/If/String.h>
 
 #include <Hundred.pb.h>
 #include <Peers.pb.h>
@@ -58,6 +60,62 @@ Bench::Members MakeMembers()
     return message;
 }
 
+/// A number, a signed one, a boolean, a wide number and a text in turn, as schemas of devices have them.
+CompositePtr MakeMixed()
+{
+    CompositePtr const composite(new CompositeItem(k_id));
+    for (unsigned int i = 0; i < k_members; i += 5) {
+        composite->AddItem(NumericItem<U32Traits>::Create(k_id + i, i));
+        composite->AddItem(NumericItem<S32Traits>::Create(k_id + i + 1, -static_cast<int>(i)));
+        composite->AddItem(BoolItem::Create(k_id + i + 2, i % 2 == 0));
+        composite->AddItem(NumericItem<U64Traits>::Create(k_id + i + 3, std::uint64_t{i} << 32));
+        composite->AddItem(StringItem::Create(k_id + i + 4, "alias-" + std::to_string(i)));
+    }
+    return composite;
+}
+
+Bench::MixedMembers MakeMixedMembers()
+{
+    Bench::MixedMembers message;
+    unsigned int id = k_id;
+    auto const add = [&message, &id]() -> Bench::MixedMember& {
+        auto& member = *message.add_member();
+        member.set_id(id++);
+        return member;
+    };
+    for (unsigned int i = 0; i < k_members; i += 5) {
+        add().set_u32(i);
+        add().set_s32(-static_cast<int>(i));
+        add().set_truth(i % 2 == 0);
+        add().set_u64(std::uint64_t{i} << 32);
+        add().set_text("alias-" + std::to_string(i));
+    }
+    return message;
+}
+
+/// Duplicates a value again and again, and compares the last one.
+void Copy(benchmark::State& state, ItemPtr const& item)
+{
+    ItemPtr copy;
+    Measure(state, [&] { copy = item->DeepCopy(); });
+    Check(state, copy->IsEqualValue(item));
+}
+
+void Print(benchmark::State& state, ItemPtr const& item)
+{
+    bool right = true;
+    Measure(state, [&] { right &= item->GetValAsString().starts_with('('); });
+    Check(state, right);
+}
+
+template<typename Message>
+void PrintMessage(benchmark::State& state, Message const& message)
+{
+    bool right = true;
+    Measure(state, [&] { right &= !message.ShortDebugString().empty(); });
+    Check(state, right);
+}
+
 /// Copies onto the heap, again and again.
 template<typename Message>
 void CopyMessage(benchmark::State& state, Message const& message)
@@ -65,6 +123,21 @@ void CopyMessage(benchmark::State& state, Message const& message)
     std::unique_ptr<Message> copy;
     Measure(state, [&] { copy = std::make_unique<Message>(message); });
     Check(state, copy->SerializeAsString() == message.SerializeAsString());
+}
+
+/// The main rows: what a composite of a device looks like, beside a list of members that know their ids.
+void AddMixed()
+{
+    std::string const subject = "mixed";
+    AddRow("serialize", subject, k_ours, [](benchmark::State& state) { Serialize(state, MakeMixed()); });
+    AddRow("serialize", subject, "protobuf",
+           [](benchmark::State& state) { SerializeMessage(state, MakeMixedMembers()); });
+    AddRow("rebuild", subject, k_ours, [](benchmark::State& state) { Rebuild(state, MakeMixed()); });
+    AddRow("rebuild", subject, "protobuf", [](benchmark::State& state) { ParseMessage(state, MakeMixedMembers()); });
+    AddRow("copy", subject, k_ours, [](benchmark::State& state) { Copy(state, MakeMixed()); });
+    AddRow("copy", subject, "protobuf", [](benchmark::State& state) { CopyMessage(state, MakeMixedMembers()); });
+    AddRow("to-text", subject, k_ours, [](benchmark::State& state) { Print(state, MakeMixed()); });
+    AddRow("to-text", subject, "protobuf", [](benchmark::State& state) { PrintMessage(state, MakeMixedMembers()); });
 }
 
 /// Beside a list of members that know their ids, as ours do, and beside a message whose hundred fields the compiler
@@ -79,12 +152,7 @@ void AddWide()
     AddRow("rebuild", subject, k_ours, [](benchmark::State& state) { Rebuild(state, MakeWide()); });
     AddRow("rebuild", subject, "protobuf", [](benchmark::State& state) { ParseMessage(state, MakeMembers()); });
     AddRow("rebuild", subject, "protobuf-fields", [](benchmark::State& state) { ParseMessage(state, MakeHundred()); });
-    AddRow("copy", subject, k_ours, [](benchmark::State& state) {
-        CompositePtr const composite = MakeWide();
-        ItemPtr copy;
-        Measure(state, [&] { copy = composite->DeepCopy(); });
-        Check(state, copy->IsEqualValue(composite));
-    });
+    AddRow("copy", subject, k_ours, [](benchmark::State& state) { Copy(state, MakeWide()); });
     AddRow("copy", subject, "protobuf", [](benchmark::State& state) { CopyMessage(state, MakeMembers()); });
     AddRow("copy", subject, "protobuf-fields", [](benchmark::State& state) { CopyMessage(state, MakeHundred()); });
     AddRow("create-from-schema", subject, k_ours, [](benchmark::State& state) {
@@ -121,18 +189,8 @@ void AddWide()
         Measure(state, [&] { right &= !!composite->Validate(schema); });
         Check(state, right);
     });
-    AddRow("to-text", subject, k_ours, [](benchmark::State& state) {
-        CompositePtr const composite = MakeWide();
-        bool right = true;
-        Measure(state, [&] { right &= composite->GetValAsString().starts_with('('); });
-        Check(state, right);
-    });
-    AddRow("to-text", subject, "protobuf", [](benchmark::State& state) {
-        auto const message = MakeMembers();
-        bool right = true;
-        Measure(state, [&] { right &= !message.ShortDebugString().empty(); });
-        Check(state, right);
-    });
+    AddRow("to-text", subject, k_ours, [](benchmark::State& state) { Print(state, MakeWide()); });
+    AddRow("to-text", subject, "protobuf", [](benchmark::State& state) { PrintMessage(state, MakeMembers()); });
 }
 
 /// Each level holds a number and the next level.
@@ -188,10 +246,11 @@ void AddDeep(int depth)
         ReportLevels(state, depth);
     });
     AddRow("copy", subject, k_ours, [depth](benchmark::State& state) {
-        CompositePtr const composite = MakeDeep(depth);
-        ItemPtr copy;
-        Measure(state, [&] { copy = composite->DeepCopy(); });
-        Check(state, copy->IsEqualValue(composite));
+        Copy(state, MakeDeep(depth));
+        ReportLevels(state, depth);
+    });
+    AddRow("to-text", subject, k_ours, [depth](benchmark::State& state) {
+        Print(state, MakeDeep(depth));
         ReportLevels(state, depth);
     });
     // Protobuf recurses: a hundred thousand levels end the stack.
@@ -215,12 +274,17 @@ void AddDeep(int depth)
         CopyMessage(state, MakeDeepMessage(depth));
         ReportLevels(state, depth);
     });
+    AddRow("to-text", subject, "protobuf", [depth](benchmark::State& state) {
+        PrintMessage(state, MakeDeepMessage(depth));
+        ReportLevels(state, depth);
+    });
 }
 
 struct Rows
 {
     Rows()
     {
+        AddMixed();
         AddWide();
         for (int const depth : {10, 32, 1000, 100'000})
             AddDeep(depth);

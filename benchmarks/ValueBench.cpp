@@ -424,6 +424,66 @@ void AddFromText(std::string const& subject, boost::intrusive_ptr<Item> const& i
 #endif
 }
 
+/// A list as text and back, beside the stream's own operators and beside the conversions without a stream.
+template<typename Traits>
+void AddListText()
+{
+    using Element = typename Traits::T;
+    std::string const subject = ListName<Traits>();
+    auto const list = MakeList<Element>();
+    boost::intrusive_ptr<NumericArrayItem<Traits>> const item(new NumericArrayItem<Traits>(k_id));
+    item->SetVal(list);
+
+    auto const print = [list](std::ostream& os) {
+        for (Element const element : list)
+            os << element << ' ';
+    };
+    AddRow("to-text", subject, k_ours, [item](benchmark::State& state) {
+        bool right = true;
+        Measure(state, [&] { right &= item->GetValAsString().starts_with("(1, 38, "); });
+        Check(state, right);
+    });
+    AddRow("to-text", subject, "std-stream", [print](benchmark::State& state) {
+        bool right = true;
+        Measure(state, [&] {
+            std::ostringstream os;
+            print(os);
+            right &= os.str().starts_with("1 38 ");
+        });
+        Check(state, right);
+    });
+    AddRow("to-text", subject, "std-charconv", [list](benchmark::State& state) {
+        std::vector<char> text(list.size() * 32);
+        Measure(state, [&] {
+            char* end = text.data();
+            for (Element const element : list) {
+                end = std::to_chars(end, end + 32, element).ptr;
+                *end++ = ' ';
+            }
+            benchmark::DoNotOptimize(text.data());
+            benchmark::ClobberMemory();
+        });
+    });
+
+    std::ostringstream words;
+    print(words);
+    AddRow("from-text", subject, k_ours,
+           [item, text = std::to_string(list.size()) + ' ' + words.str()](benchmark::State& state) {
+               std::ostringstream out;
+               InfoPtr const none;
+               FromText(state, text, [&](std::istream& in) { return item->SetValFromStream(in, out, none); });
+               Check(state, item->GetSize() == k_listSize && item->Val()[1] == 38);
+           });
+    AddRow("from-text", subject, "std-stream", [text = words.str()](benchmark::State& state) {
+        FromText(state, text, [](std::istream& in) {
+            Element element{};
+            for (std::size_t i = 0; i < k_listSize; ++i)
+                in >> element;
+            return !in.fail();
+        });
+    });
+}
+
 struct Rows
 {
     Rows()
@@ -451,6 +511,7 @@ struct Rows
         AddFromText("double", real, "3.14159", 3.14159);
         AddFromText("text", boost::intrusive_ptr<StringItem>(new StringItem(k_id)), "first-floor-east-wing1",
                     std::string("first-floor-east-wing1"));
+        ForElements<U16Traits, FloatTraits, DoubleTraits>([]<typename Traits>(Traits) { AddListText<Traits>(); });
     }
 } const k_rows;
 
