@@ -160,36 +160,53 @@ bool Open() noexcept
     return true;
 }
 
+// The ways to the allocator stand apart, so that those through the cache need no registers kept for them: what they
+// cost is most of what a small object costs.
+[[gnu::noinline]] void* Allocate(std::size_t size)
+{
+    // A checker is told the true size.
+    return ::operator new(size > k_largest || BypassCache() ? size : BlockSize(BinOf(size)));
+}
+
+void Keep(Bin& bin, void* object) noexcept
+{
+    bin.first = ::new (object) Block{bin.first};
+    --bin.room;
+}
+
+[[gnu::noinline]] void Free(void* object, std::size_t size) noexcept
+{
+    if (size <= k_largest && Open())
+        Keep(t_cache.bins[BinOf(size)], object);
+    else
+        ::operator delete(object);
+}
+
 } // namespace
 
 void* CachedObject::operator new(std::size_t size)
 {
-    if (size > k_largest)
-        return ::operator new(size);
-    std::size_t const i = BinOf(size);
-    Bin& bin = t_cache.bins[i];
-    if (Block* const block = bin.first) {
-        bin.first = block->next;
-        ++bin.room;
-        return block;
+    if (size <= k_largest) {
+        Bin& bin = t_cache.bins[BinOf(size)];
+        if (Block* const block = bin.first) {
+            bin.first = block->next;
+            ++bin.room;
+            return block;
+        }
     }
-    return ::operator new(BypassCache() ? size : BlockSize(i)); // a checker is told the true size
+    return Allocate(size);
 }
 
 void CachedObject::operator delete(void* object, std::size_t size) noexcept
 {
-    if (size > k_largest) {
-        ::operator delete(object);
-        return;
+    if (size <= k_largest) {
+        Bin& bin = t_cache.bins[BinOf(size)];
+        if (bin.room != 0) {
+            Keep(bin, object);
+            return;
+        }
     }
-    std::size_t const i = BinOf(size);
-    Bin& bin = t_cache.bins[i];
-    if (bin.room == 0 && !Open()) {
-        ::operator delete(object);
-        return;
-    }
-    bin.first = ::new (object) Block{bin.first};
-    --bin.room;
+    Free(object, size);
 }
 
 void* CachedObject::operator new(std::size_t size, std::nothrow_t const&) noexcept
