@@ -15,6 +15,14 @@ struct FirstReference
         if (!made || made->m_refCount.Get() != 0)
             return boost::intrusive_ptr<Root>(made);
         made->m_refCount.Set(1);
+        return OfNew(made);
+    }
+
+    /// The same for what the caller has made with `new` itself, which has the count 0 for certain.
+    template<typename Root>
+    static boost::intrusive_ptr<Root> OfNew(Root* made) noexcept
+    {
+        made->m_refCount.Set(1);
         return boost::intrusive_ptr<Root>(made, false);
     }
 };

@@ -16,17 +16,16 @@ CompositeInfo* CompositeInfo::DeepCopy(unsigned int id, std::string const& name,
 
 ItemBase* CompositeInfo::CreateItem() const
 {
-    using Branch = Detail::Branch<InfoBase, ItemBase>;
     auto item = std::make_unique<CompositeItem>(GetId());
     Detail::BuildMembers(
         m_members, Detail::MemberAccess::Of(*item),
-        [](InfoBase const& member) {
+        [](InfoBase const& member, auto& descend) {
             if (!Detail::IsExactly<CompositeInfo>(member))
-                return Branch{};
-            auto made = Detail::FirstReference::Of(new CompositeItem(member.GetId()));
+                return false;
+            auto made = Detail::FirstReference::OfNew(new CompositeItem(member.GetId()));
             Detail::MemberList<ItemBase>& items = Detail::MemberAccess::Of(*made);
             auto const& schemas = Detail::MemberAccess::Of(static_cast<CompositeInfo const&>(member));
-            return Branch{std::move(made), &schemas, &items};
+            return descend(std::move(made), schemas, items);
         },
         [](InfoBase const& member) { return member.CreateItem(); });
     return item.release();

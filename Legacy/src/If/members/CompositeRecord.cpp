@@ -1,11 +1,15 @@
-#include "convert/Visit.h"
 #include "members/MemberWalk.h"
 #include "record/SerialRecord.h"
 
+#include <Legacy/If/Bool.h>
+#include <Legacy/If/Enum.h>
 #include <Legacy/If/Numeric.h>
+#include <Legacy/If/String.h>
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <new>
 
@@ -25,8 +29,10 @@ std::uint64_t Measure(Detail::MemberList<ItemBase> const& members)
     {
         Detail::Remaining<ItemBase> left;
         std::uint64_t size = k_countSize; // so far
+
+        explicit Step(Detail::MemberList<ItemBase> const& list) noexcept : left(list) {}
     };
-    Detail::Path<Step> path(Step{Detail::Remaining(members)});
+    Detail::Path<Step> path(members);
     for (;;) {
         Step& here = path.Here();
         if (here.size >= k_tooLarge)
@@ -41,7 +47,7 @@ std::uint64_t Measure(Detail::MemberList<ItemBase> const& members)
         here.size += k_headerSize;
         ItemBase const& member = *here.left.Take();
         if (Detail::IsExactly<CompositeItem>(member))
-            path.Descend(Step{Detail::Remaining(Detail::MemberAccess::Of(static_cast<CompositeItem const&>(member)))});
+            path.Descend(Detail::MemberAccess::Of(static_cast<CompositeItem const&>(member)));
         else
             here.size += member.GetSerialDataSize();
     }
@@ -51,15 +57,27 @@ std::uint64_t Measure(Detail::MemberList<ItemBase> const& members)
 class Payload
 {
 public:
-    std::size_t Size() const noexcept { return m_size; }
+    std::size_t Size() const noexcept { return static_cast<std::size_t>(m_next - m_bytes); }
+    /// How much can be written before it has to grow.
+    std::size_t Room() const noexcept { return static_cast<std::size_t>(m_end - m_next); }
+    /// Where the next byte goes.
+    unsigned char* Next() const noexcept { return m_next; }
+    /// Counts in what was written up to there.
+    void Advance(unsigned char* next) noexcept { m_next = next; }
 
-    /// Room for so many bytes more, to be written by the caller.
+    /// Makes room for so many bytes more.
+    void EnsureRoom(std::size_t size)
+    {
+        if (size > Room())
+            Grow_(size);
+    }
+
+    /// So many bytes more, to be written by the caller.
     unsigned char* Extend(std::size_t size)
     {
-        if (size > m_room - m_size)
-            Grow_(size);
-        unsigned char* const place = m_bytes + m_size;
-        m_size += size;
+        EnsureRoom(size);
+        unsigned char* const place = m_next;
+        m_next += size;
         return place;
     }
 
@@ -69,29 +87,11 @@ public:
             std::memcpy(Extend(size), bytes, size);
     }
 
-    /// Field by field: read as a whole, a header that was just filled makes processors wait for its parts.
-    void PutHeader(ItemBase::SerialStruct_t const& header)
-    {
-        std::uint32_t const words[] = {header.id, header.size};
-        unsigned char* const place = Extend(k_headerSize);
-        std::memcpy(place, &words[0], sizeof(words[0]));
-        std::memcpy(place + sizeof(words[0]), &words[1], sizeof(words[1]));
-        place[sizeof(words)] = header.type;
-        place[sizeof(words) + 1] = header.numericType;
-    }
-
-    /// Contract: the count wraps at 16 bits while all members are written; a reader takes those that the count tells.
-    void PutCount(std::size_t count)
-    {
-        auto const word = boost::endian::native_to_big(static_cast<std::uint16_t>(count));
-        Put(&word, sizeof(word));
-    }
-
     /// Fills up with zeros.
     void PadTo(std::size_t size)
     {
-        if (size > m_size) {
-            std::size_t const gap = size - m_size;
+        if (size > Size()) {
+            std::size_t const gap = size - Size();
             std::memset(Extend(gap), 0, gap);
         }
     }
@@ -99,115 +99,198 @@ public:
     /// Sets the size word of a header that ends at `end` to all that was written since.
     void CloseHeader(std::size_t end) noexcept
     {
-        auto const word = boost::endian::native_to_big(static_cast<std::uint32_t>(m_size - end));
+        auto const word = boost::endian::native_to_big(static_cast<std::uint32_t>(Size() - end));
         std::memcpy(m_bytes + end - k_headerSize + offsetof(ItemBase::SerialStruct_t, size), &word, sizeof(word));
     }
 
     /// The payload in storage of its own size.
     std::unique_ptr<unsigned char[]> Take() const
     {
-        std::unique_ptr<unsigned char[]> bytes(new unsigned char[m_size]);
-        std::memcpy(bytes.get(), m_bytes, m_size);
+        std::unique_ptr<unsigned char[]> bytes(new unsigned char[Size()]);
+        std::memcpy(bytes.get(), m_bytes, Size());
         return bytes;
     }
 
     /// Makes room for a payload of so many bytes in all.
     void Reserve(std::size_t room)
     {
-        if (room <= m_room)
+        std::size_t const size = Size();
+        if (room <= size + Room())
             return;
         std::unique_ptr<unsigned char[]> grown(new unsigned char[room]);
-        std::memcpy(grown.get(), m_bytes, m_size);
+        std::memcpy(grown.get(), m_bytes, size);
         m_grown = std::move(grown);
         m_bytes = m_grown.get();
-        m_room = room;
+        m_next = m_bytes + size;
+        m_end = m_bytes + room;
     }
 
 private:
     void Grow_(std::size_t size)
     {
-        if (size > std::numeric_limits<std::size_t>::max() / 2 - m_size)
+        if (size > std::numeric_limits<std::size_t>::max() / 2 - Size())
             throw std::bad_alloc();
-        Reserve((m_size + size) * 2);
+        Reserve((Size() + size) * 2);
     }
 
-    unsigned char m_small[2048];
+    unsigned char m_small[4096];
     std::unique_ptr<unsigned char[]> m_grown;
     unsigned char* m_bytes = m_small;
-    std::size_t m_room = sizeof(m_small);
-    std::size_t m_size = 0;
+    unsigned char* m_next = m_small;
+    unsigned char* m_end = m_small + sizeof(m_small);
 };
 
-/// Writes the records of one or more members from the front of `left`, takes them from there, and returns the sum of
-/// the payload sizes that they predict, with a header for each.
-using Writer = std::uint64_t (*)(Payload& payload, Detail::Remaining<ItemBase>& left);
-
-/// Any member: header and payload as it writes them itself, whatever code it returns.
-std::uint64_t PutMember(Payload& payload, Detail::Remaining<ItemBase>& left)
+/// The header of a record whose payload is written next.
+void PutHeader(Detail::PayloadWriter& to, std::uint32_t id, std::uint32_t size, IfType_t type,
+               NumericType_t numericType) noexcept
 {
-    ItemBase const& member = *left.Take();
+    to.Put(id);
+    to.Put(size);
+    to.Put(static_cast<unsigned char>(type));
+    to.Put(static_cast<unsigned char>(numericType));
+}
+
+/// Any member: header and payload as it writes them itself, whatever code it returns. Gives the payload size that it
+/// predicts, with a header.
+std::uint64_t PutMember(Payload& payload, ItemBase const& member)
+{
     ItemBase::SerialStruct_t record;
     member.Serialize(&record);
     std::size_t const size = boost::endian::big_to_native(std::uint32_t{record.size});
     if (size != 0 && !record.data)
         record.Clear();
-    payload.PutHeader(record);
+    // Field by field: read as a whole, a header that was just filled makes processors wait for its parts.
+    Detail::PayloadWriter writer(payload.Extend(k_headerSize));
+    PutHeader(writer, boost::endian::big_to_native(std::uint32_t{record.id}),
+              boost::endian::big_to_native(std::uint32_t{record.size}), static_cast<IfType_t>(record.type),
+              static_cast<NumericType_t>(record.numericType));
     if (record.data)
         payload.Put(record.data, size);
     return k_headerSize + std::uint64_t{member.GetSerialDataSize()};
 }
 
-/// Numbers of one class, which is what most members are: the same bytes for a run of them, without an allocation or a
-/// look at the room in between.
-template<typename Traits>
-std::uint64_t PutNumbers(Payload& payload, Detail::Remaining<ItemBase>& left)
+/// Where writing stands: in the payload, and among the members.
+struct Place
 {
-    using Number = NumericItem<Traits>;
-    constexpr std::size_t k_recordSize = k_headerSize + sizeof(typename Traits::T);
-    constexpr std::size_t k_longestRun = 64;
-    auto run = left.View().first(std::min(left.View().size(), k_longestRun));
-    run = run.first(static_cast<std::size_t>(
-        std::ranges::find_if_not(run, [](auto const& member) { return Detail::IsExactly<Number>(*member); }) -
-        run.begin()));
-    Detail::PayloadWriter writer(payload.Extend(run.size() * k_recordSize));
-    for (auto const& member : run) {
-        writer.Put(static_cast<std::uint32_t>(member->GetId()));
-        writer.Put(static_cast<std::uint32_t>(sizeof(typename Traits::T)));
-        writer.Put(static_cast<unsigned char>(IfType_t::Numeric));
-        writer.Put(static_cast<unsigned char>(Traits::k_numericType));
-        writer.Put(static_cast<Number const&>(*member).GetVal());
-    }
-    left.Skip(run.size());
-    return run.size() * k_recordSize;
+    unsigned char* to;
+    boost::intrusive_ptr<ItemBase> const* from;
+};
+
+/// Writes the records of one or more members of one class straight into the payload, where there is room for
+/// #k_mostAtOnce bytes, and moves past them: the same bytes as the members write themselves, without an allocation for
+/// each. A writer that stays where it is leaves a member to #PutMember.
+using Writer = Place (*)(Place place, boost::intrusive_ptr<ItemBase> const* end);
+
+constexpr std::size_t k_longestRun = 32;
+constexpr std::size_t k_mostAtOnce = k_longestRun * (k_headerSize + sizeof(std::uint64_t));
+
+/// Single values, stored as a `Stored`: a run of them, since most neighbours are of one class.
+template<typename Item, typename Stored>
+Place PutRun(Place place, boost::intrusive_ptr<ItemBase> const* end)
+{
+    constexpr std::size_t k_recordSize = k_headerSize + sizeof(Stored);
+    static_assert(k_recordSize * k_longestRun <= k_mostAtOnce);
+    if (static_cast<std::size_t>(end - place.from) > k_longestRun)
+        end = place.from + k_longestRun;
+    do {
+        auto const& item = static_cast<Item const&>(**place.from);
+        Detail::PayloadWriter writer(place.to);
+        PutHeader(writer, item.GetId(), sizeof(Stored), Item::GetTypeStatic(), Item::GetNumericTypeStatic());
+        writer.Put(static_cast<Stored>(item.GetVal()));
+        place.to += k_recordSize;
+        ++place.from;
+    } while (place.from != end && Detail::IsExactly<Item>(**place.from));
+    return place;
 }
 
-/// Finds the writer for a member by its exact class. Neighbours are mostly of one class, so the last answer is kept.
+Place PutText(Place place, boost::intrusive_ptr<ItemBase> const*)
+{
+    auto const& item = static_cast<StringItem const&>(**place.from);
+    std::string const& text = item.Val();
+    std::size_t const size = text.size() + 1;
+    if (size > k_mostAtOnce - k_headerSize)
+        return place;
+    Detail::PayloadWriter writer(place.to);
+    PutHeader(writer, item.GetId(), static_cast<std::uint32_t>(size), IfType_t::String, NumericType_t::Undefined);
+    writer.PutText(text);
+    return {place.to + k_headerSize + size, place.from + 1};
+}
+
+/// The writers by the exact class of a member, which the address of its identity tells: neighbours of several classes
+/// cost one look each, not a comparison with every class.
 class Writers
 {
 public:
-    Writer For(ItemBase const& member) noexcept
+    Writers() noexcept
     {
-        std::type_info const* const type = &typeid(member);
-        if (type != m_type) {
-            m_type = type;
-            m_writer = Find_<U8Traits, S8Traits, U16Traits, S16Traits, U32Traits, S32Traits, U64Traits, S64Traits,
-                             FloatTraits, DoubleTraits>(member);
-        }
-        return m_writer;
+        Enter_<NumericItem, U8Traits, S8Traits, U16Traits, S16Traits, U32Traits, S32Traits, U64Traits, S64Traits,
+               FloatTraits, DoubleTraits>();
+        Enter_(typeid(BoolItem), &PutRun<BoolItem, unsigned char>);
+        Enter_(typeid(EnumItem), &PutRun<EnumItem, int>);
+        Enter_(typeid(StringItem), &PutText);
+    }
+
+    /// Null for a class that has none.
+    Writer For(ItemBase const& member) const noexcept
+    {
+        std::type_info const& type = typeid(member);
+        std::size_t i = SlotOf_(type);
+        while (m_slots[i].type != &type && m_slots[i].type)
+            i = (i + 1) % k_slots;
+        return m_slots[i].writer;
     }
 
 private:
-    template<typename... Traits>
-    static Writer Find_(ItemBase const& member) noexcept
+    struct Slot
     {
-        Writer writer = &PutMember;
-        ((Detail::IsExactly<NumericItem<Traits>>(member) ? void(writer = &PutNumbers<Traits>) : void()), ...);
-        return writer;
+        std::type_info const* type = nullptr;
+        Writer writer = nullptr;
+    };
+
+    static constexpr std::size_t k_slots = 64;
+
+    static std::size_t SlotOf_(std::type_info const& type) noexcept
+    {
+        auto const address = reinterpret_cast<std::uintptr_t>(&type) / alignof(std::type_info);
+        return static_cast<std::uint32_t>(address) * 0x9E3779B1U >> 26U;
     }
 
-    std::type_info const* m_type = nullptr;
-    Writer m_writer = nullptr;
+    template<template<typename> typename Item, typename... Traits>
+    void Enter_() noexcept
+    {
+        (Enter_(typeid(Item<Traits>), &PutRun<Item<Traits>, typename Traits::T>), ...);
+    }
+
+    void Enter_(std::type_info const& type, Writer writer) noexcept
+    {
+        std::size_t i = SlotOf_(type);
+        while (m_slots[i].type)
+            i = (i + 1) % k_slots;
+        m_slots[i] = {&type, writer};
+    }
+
+    std::array<Slot, k_slots> m_slots;
 };
+
+/// Writes as many members as have writers and as there is room for, and gives the number of bytes.
+std::size_t PutStraight(Payload& payload, Detail::Remaining<ItemBase>& left, Writers const& writers)
+{
+    auto const members = left.View();
+    auto const* const end = members.data() + members.size();
+    Place place{payload.Next(), members.data()};
+    auto const* const full = payload.Next() + payload.Room();
+    while (place.from != end && static_cast<std::size_t>(full - place.to) >= k_mostAtOnce) {
+        Writer const writer = writers.For(**place.from);
+        Place const next = writer ? writer(place, end) : place;
+        if (next.from == place.from)
+            break;
+        place = next;
+    }
+    auto const size = static_cast<std::size_t>(place.to - payload.Next());
+    payload.Advance(place.to);
+    left.Skip(static_cast<std::size_t>(place.from - members.data()));
+    return size;
+}
 
 /// Writes the payload of a composite with those of the composites within. False for more than a record can hold, which
 /// a few objects that stand in many lists can reach: so a large payload is measured before the bulk of it is written.
@@ -218,22 +301,26 @@ bool PutMembers(Payload& payload, Detail::MemberList<ItemBase> const& members)
         Detail::Remaining<ItemBase> left;
         std::size_t begin;
         std::uint64_t predicted = k_countSize; // the payload size, as far as the members were seen
+
+        Step(Detail::MemberList<ItemBase> const& list, std::size_t at) noexcept : left(list), begin(at) {}
     };
-    auto const enter = [&payload](Detail::MemberList<ItemBase> const& list) {
-        std::size_t const begin = payload.Size();
-        payload.PutCount(list.Size());
-        return Step{Detail::Remaining(list), begin};
+    // Contract: the count wraps at 16 bits while all members are written; a reader takes those that the count tells.
+    auto const countOf = [](Detail::MemberList<ItemBase> const& list) {
+        return static_cast<std::uint16_t>(list.Size());
     };
-    Writers writers;
+    static Writers const writers;
     std::uint64_t limit = k_large;
-    Detail::Path<Step> path(enter(members));
+    Detail::PayloadWriter(payload.Extend(k_countSize)).Put(countOf(members));
+    Detail::Path<Step> path(members, std::size_t{0});
     for (;;) {
         Step& here = path.Here();
+        payload.EnsureRoom(k_mostAtOnce);
+        here.predicted += PutStraight(payload, here.left, writers);
         if (std::max<std::uint64_t>(payload.Size(), here.begin + here.predicted) >= limit) {
             std::uint64_t const size = Measure(members);
             if (limit == k_tooLarge || size >= k_tooLarge)
                 return false;
-            payload.Reserve(static_cast<std::size_t>(size));
+            payload.Reserve(static_cast<std::size_t>(size + k_mostAtOnce));
             limit = k_tooLarge;
             continue;
         }
@@ -251,94 +338,183 @@ bool PutMembers(Payload& payload, Detail::MemberList<ItemBase> const& members)
         if (Detail::IsExactly<CompositeItem>(member)) {
             here.left.Skip(1);
             here.predicted += k_headerSize;
-            ItemBase::SerialStruct_t header;
-            Detail::WriteHeader(member, 0, header);
-            payload.PutHeader(header);
-            path.Descend(enter(Detail::MemberAccess::Of(static_cast<CompositeItem const&>(member))));
-        } else {
-            here.predicted += writers.For(member)(payload, here.left);
+            auto const& nested = Detail::MemberAccess::Of(static_cast<CompositeItem const&>(member));
+            Detail::PayloadWriter writer(payload.Extend(k_headerSize + k_countSize));
+            PutHeader(writer, member.GetId(), 0, IfType_t::Composite, NumericType_t::Undefined);
+            writer.Put(countOf(nested));
+            path.Descend(nested, payload.Size() - k_countSize);
+        } else if (payload.Room() >= k_mostAtOnce) { // and so not left for want of room
+            here.left.Skip(1);
+            here.predicted += PutMember(payload, member);
         }
     }
 }
 
+/// The record of a member, in place among the bytes that its composite is rebuilt from.
+struct MemberRecord
+{
+    unsigned char const* header;
+    std::uint32_t id;
+    std::uint32_t size;
+    IfType_t type;
+    NumericType_t numericType;
+
+    unsigned char const* Payload() const noexcept { return header + k_headerSize; }
+};
+
 /// A composite in the making: the bytes that it is rebuilt from, and where in them the next member starts.
 struct Rebuilding
 {
+    // What changes with each member stands between what does not: compilers read neighbours as one wide word, and then
+    // processors wait for the half that was just written.
+    std::uint64_t next = k_countSize;
     boost::intrusive_ptr<CompositeItem> item; // null for the outermost, which belongs to the caller
+    unsigned int left;                        // members still to come
     Detail::MemberList<ItemBase>* members;
     unsigned char const* payload;
     std::uint64_t size;
-    std::uint64_t next = k_countSize;
-    std::size_t left = 0; // members still to come
 
     Rebuilding(boost::intrusive_ptr<CompositeItem> made, Detail::MemberList<ItemBase>& list, unsigned char const* bytes,
                std::size_t byteCount)
-        : item(std::move(made)), members(&list), payload(bytes), size(byteCount)
-    {
-        left = Detail::PayloadReader(payload, byteCount).Get<std::uint16_t>();
-    }
+        : item(std::move(made)), left(Detail::PayloadReader(bytes, byteCount).Get<std::uint16_t>()), members(&list),
+          payload(bytes), size(byteCount)
+    {}
 
-    /// Opens the record of the next member; false if it is not there in full.
-    bool Open(ItemBase::ConstSerialStruct_t& record)
+    /// Whether the record of the next member is there in full; its header is read into `record`.
+    bool Open(MemberRecord& record) const noexcept
     {
         if (next > size || size - next < k_headerSize)
             return false;
-        std::memcpy(static_cast<void*>(&record), payload + next, k_headerSize);
-        next += k_headerSize;
-        record.data = payload + next;
-        --left;
-        return boost::endian::big_to_native(std::uint32_t{record.size}) <= size - next;
+        record.header = payload + next;
+        Detail::PayloadReader reader(record.header, k_headerSize);
+        record.id = reader.Get<std::uint32_t>();
+        record.size = reader.Get<std::uint32_t>();
+        record.type = static_cast<IfType_t>(reader.Get<unsigned char>());
+        record.numericType = static_cast<NumericType_t>(reader.Get<unsigned char>());
+        return record.size <= size - next - k_headerSize;
     }
 
     /// The same for a record that has the size and the tags of the one before; false, and nothing is opened, for all
     /// others, be they faulty or of another class.
-    bool OpenLike(ItemBase::ConstSerialStruct_t& record)
+    bool OpenLike(MemberRecord& record) const noexcept
     {
         constexpr std::size_t alike = offsetof(ItemBase::ConstSerialStruct_t, size);
-        std::size_t const recordSize = k_headerSize + boost::endian::big_to_native(std::uint32_t{record.size});
         unsigned char const* const header = payload + next;
-        if (left == 0 || size - next < recordSize ||
-            std::memcmp(header + alike, reinterpret_cast<unsigned char const*>(&record) + alike,
-                        k_headerSize - alike) != 0)
+        if (left == 0 || size - next < k_headerSize + std::uint64_t{record.size} ||
+            std::memcmp(header + alike, record.header + alike, k_headerSize - alike) != 0)
             return false;
-        std::uint32_t id = 0;
-        std::memcpy(&id, header, sizeof(id));
-        record.id = id;
-        record.data = header + k_headerSize;
-        next += k_headerSize;
-        --left;
+        record.header = header;
+        record.id = Detail::PayloadReader(header, sizeof(record.id)).Get<std::uint32_t>();
         return true;
     }
 
-    /// Takes a rebuilt member of the given payload size.
+    /// Takes the member that was rebuilt from the open record, with its payload size.
     void Close(boost::intrusive_ptr<ItemBase> member, std::uint64_t memberSize)
     {
-        members->Add(std::move(member));
-        next += memberSize;
+        Detail::MemberAccess::Append(*members, std::move(member));
+        next += k_headerSize + memberSize;
+        --left;
     }
 };
 
-/// Numbers of one class, which is what most members are, out of their records and without a detour through the table of
-/// classes: the one that was opened, and those behind it that are like it. False for a member of another class and for
-/// a record that does not fit.
-bool RebuildNumbers(Rebuilding& composite, ItemBase::ConstSerialStruct_t record)
+/// Rebuilds the member that was opened, and maybe some like it behind it. False for a record that does not fit.
+using Rebuilder = bool (*)(Rebuilding& composite, MemberRecord& record);
+
+/// Single values of one class, which is what most members are, straight out of their records: the one that was opened,
+/// and those behind it that are like it.
+template<typename Item, typename Stored>
+bool RebuildRun(Rebuilding& composite, MemberRecord& record)
 {
-    if (record.type != static_cast<unsigned char>(IfType_t::Numeric))
+    if (record.size != sizeof(Stored))
         return false;
-    auto const rebuild = [&composite, &record]<typename Traits>(Traits) {
-        using Element = typename Traits::T;
-        if (boost::endian::big_to_native(std::uint32_t{record.size}) != sizeof(Element))
-            return IfErrInvalidArgument;
-        do {
-            auto* const number = new NumericItem<Traits>(boost::endian::big_to_native(std::uint32_t{record.id}));
-            auto member = Detail::FirstReference::Of<ItemBase>(number);
-            number->SetVal(Detail::PayloadReader(record.data, sizeof(Element)).Get<Element>());
-            composite.Close(std::move(member), sizeof(Element));
-        } while (composite.OpenLike(record));
-        return 0;
-    };
-    return Detail::VisitElement(static_cast<NumericType_t>(record.numericType), rebuild) == 0;
+    do {
+        auto* const item = new Item(record.id);
+        auto member = Detail::FirstReference::OfNew<ItemBase>(item);
+        auto const stored = Detail::PayloadReader(record.Payload(), sizeof(Stored)).template Get<Stored>();
+        if constexpr (std::is_same_v<Item, BoolItem>)
+            item->Val() = stored != 0;
+        else
+            item->Val() = stored;
+        composite.Close(std::move(member), sizeof(Stored));
+    } while (composite.OpenLike(record));
+    return true;
 }
+
+bool RebuildText(Rebuilding& composite, MemberRecord& record)
+{
+    Detail::PayloadReader payload(record.Payload(), record.size);
+    if (!payload.EndsInZero())
+        return false;
+    auto* const item = new StringItem(record.id);
+    auto member = Detail::FirstReference::OfNew<ItemBase>(item);
+    item->Val() = payload.GetText();
+    // The next record stands where the text ends, be there more bytes or not. Where there are none, its place is known
+    // before the end is found.
+    composite.Close(std::move(member), payload.Left() == 0 ? record.size : item->Val().size() + 1);
+    return true;
+}
+
+/// Any other member, and what fits none, through the table of classes.
+bool RebuildAny(Rebuilding& composite, MemberRecord& record)
+{
+    ItemBase::ConstSerialStruct_t header;
+    std::memcpy(static_cast<void*>(&header), record.header, k_headerSize);
+    header.data = record.Payload();
+    boost::intrusive_ptr<ItemBase> member;
+    if (ItemBase::Deserialize(&header, member) < 0 || !member)
+        return false;
+    unsigned int const size = member->GetSerialDataSize();
+    composite.Close(std::move(member), size);
+    return true;
+}
+
+/// Which of them a member takes, by its two tags.
+class Rebuilders
+{
+public:
+    constexpr Rebuilders() noexcept
+    {
+        for (Rebuilder& rebuilder : m_table)
+            rebuilder = &RebuildAny;
+        EnterNumbers_<U8Traits, S8Traits, U16Traits, S16Traits, U32Traits, S32Traits, U64Traits, S64Traits, FloatTraits,
+                      DoubleTraits>();
+        Enter_<BoolItem>(&RebuildRun<BoolItem, unsigned char>);
+        Enter_<EnumItem>(&RebuildRun<EnumItem, int>);
+        Enter_<StringItem>(&RebuildText);
+    }
+
+    Rebuilder For(IfType_t type, NumericType_t numericType) const noexcept
+    {
+        bool const known =
+            static_cast<std::size_t>(type) < k_types && static_cast<std::size_t>(numericType) < k_elements;
+        return known ? m_table[IndexOf_(type, numericType)] : &RebuildAny;
+    }
+
+private:
+    static constexpr std::size_t k_types = static_cast<std::size_t>(IfType_t::String) + 1;
+    static constexpr std::size_t k_elements = static_cast<std::size_t>(NumericType_t::Double) + 1;
+
+    static constexpr std::size_t IndexOf_(IfType_t type, NumericType_t numericType) noexcept
+    {
+        return static_cast<std::size_t>(type) * k_elements + static_cast<std::size_t>(numericType);
+    }
+
+    template<typename Item>
+    constexpr void Enter_(Rebuilder rebuilder) noexcept
+    {
+        m_table[IndexOf_(Item::GetTypeStatic(), Item::GetNumericTypeStatic())] = rebuilder;
+    }
+
+    template<typename... Traits>
+    constexpr void EnterNumbers_() noexcept
+    {
+        (Enter_<NumericItem<Traits>>(&RebuildRun<NumericItem<Traits>, typename Traits::T>), ...);
+    }
+
+    std::array<Rebuilder, k_types * k_elements> m_table{};
+};
+
+constexpr Rebuilders k_rebuilders;
 
 /// Rebuilds members into a list, at all depths, up to the first that fails. A composite joins the list above it only
 /// once it stands as a whole.
@@ -348,12 +524,12 @@ int RebuildMembers(Detail::MemberList<ItemBase>& members, Detail::PayloadReader 
     // more than the whole record could: else each level could claim the same bytes again.
     std::size_t room = payload.Left() / k_headerSize;
     auto const makeRoom = [&room](Rebuilding const& composite) {
-        std::size_t const count = std::min(composite.left, room);
+        std::size_t const count = std::min<std::size_t>(composite.left, room);
         room -= count;
         if (composite.members->Size() == 0)
             composite.members->Reserve(count);
     };
-    Detail::Path<Rebuilding> path(Rebuilding(nullptr, members, payload.Next(), payload.Left()));
+    Detail::Path<Rebuilding> path(nullptr, members, payload.Next(), payload.Left());
     makeRoom(path.Here());
     for (;;) {
         Rebuilding& here = path.Here();
@@ -365,26 +541,19 @@ int RebuildMembers(Detail::MemberList<ItemBase>& members, Detail::PayloadReader 
             path.Here().Close(std::move(done), size);
             continue;
         }
-        ItemBase::ConstSerialStruct_t record;
+        MemberRecord record;
         if (!here.Open(record))
             return IfErrNotSerializable;
-        if (record.type != static_cast<unsigned char>(IfType_t::Composite)) {
-            if (RebuildNumbers(here, record))
-                continue;
-            boost::intrusive_ptr<ItemBase> member;
-            if (ItemBase::Deserialize(&record, member) < 0 || !member)
+        if (record.type != IfType_t::Composite) {
+            if (!k_rebuilders.For(record.type, record.numericType)(here, record))
                 return IfErrNotSerializable;
-            unsigned int const size = member->GetSerialDataSize();
-            here.Close(std::move(member), size);
             continue;
         }
-        auto item =
-            Detail::FirstReference::Of(new CompositeItem(boost::endian::big_to_native(std::uint32_t{record.id})));
-        Detail::PayloadReader nested;
-        if (Detail::OpenRecord(*item, &record, nested) != 0 || nested.Left() < k_countSize)
+        if (record.numericType != NumericType_t::Undefined || record.size < k_countSize)
             return IfErrNotSerializable;
+        auto item = Detail::FirstReference::OfNew(new CompositeItem(record.id));
         Detail::MemberList<ItemBase>& list = Detail::MemberAccess::Of(*item);
-        path.Descend(Rebuilding(std::move(item), list, nested.Next(), nested.Left()));
+        path.Descend(std::move(item), list, record.Payload(), record.size);
         makeRoom(path.Here());
     }
 }

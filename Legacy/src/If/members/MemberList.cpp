@@ -1,20 +1,10 @@
 #include "members/MemberWalk.h"
 #include "text/Text.h"
 
-#include <boost/container/small_vector.hpp>
-
 #include <set>
 #include <utility>
 
 namespace Legacy::If::Detail {
-
-/// Outlives the list that it belonged to for as long as its members wait to be released.
-template<typename Root>
-struct MemberList<Root>::Node : CachedObject
-{
-    boost::container::small_vector<Pointer, 2> members; // a list of one or two needs no further block
-    Node* next = nullptr;
-};
 
 template<typename Root>
 MemberList<Root>::MemberList(MemberList const& other)
@@ -49,8 +39,7 @@ void MemberList<Root>::Drop_(Node* node) noexcept
     if (within)
         return;
     while (Node* const current = first) {
-        for (Pointer& member : current->members)
-            member.reset();
+        current->members.clear(); // from front to back
         first = current->next;
         delete current;
     }
@@ -61,9 +50,7 @@ bool MemberList<Root>::Add(Pointer member)
 {
     if (!member)
         return false;
-    if (!m_node)
-        m_node = new Node;
-    m_node->members.push_back(std::move(member));
+    MemberAccess::Append(*this, std::move(member));
     return true;
 }
 
@@ -147,12 +134,14 @@ bool EqualMembers(MemberList<Root> const& a, MemberList<Root> const& b)
     {
         Remaining<Root> a;
         Remaining<Root> b;
+
+        Step(MemberList<Root> const& left, MemberList<Root> const& right) noexcept : a(left), b(right) {}
     };
     if (a.Size() != b.Size())
         return false;
     // Lists that stand in several places come together again. Once is enough, since the first difference ends it all.
     std::set<std::pair<void const*, void const*>> seen;
-    Path<Step> path(Step{Remaining(a), Remaining(b)});
+    Path<Step> path(a, b);
     do {
         while (!path.Here().a.Empty()) {
             auto const& left = path.Here().a.Take();
@@ -169,7 +158,7 @@ bool EqualMembers(MemberList<Root> const& a, MemberList<Root> const& b)
             bool const areShared = left->GetRefCount() > 1 && right->GetRefCount() > 1;
             if (areShared && !seen.emplace(nested, counterpart).second)
                 continue;
-            path.Descend(Step{Remaining(*nested), Remaining(*counterpart)});
+            path.Descend(*nested, *counterpart);
         }
     } while (path.Ascend());
     return true;
@@ -181,17 +170,19 @@ std::ostream& PrintMembers(std::ostream& os, MemberList<Root> const& members)
     struct Step
     {
         Remaining<Root> left;
-        char const* separator;
+        char const* separator = "";
+
+        explicit Step(MemberList<Root> const& list) noexcept : left(list) {}
     };
     os << "(";
-    Path<Step> path(Step{Remaining(members), ""});
+    Path<Step> path(members);
     do {
         while (!path.Here().left.Empty()) {
             os << std::exchange(path.Here().separator, k_separator);
             Root const& member = *path.Here().left.Take();
             if (MemberList<Root> const* const nested = MembersOf(member)) {
                 os << "(";
-                path.Descend(Step{Remaining(*nested), ""});
+                path.Descend(*nested);
             } else {
                 member.operator<<(os);
             }

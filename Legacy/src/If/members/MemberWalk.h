@@ -7,15 +7,33 @@
 #include <Legacy/If/Composite.h>
 #include <Legacy/If/Detail/Cast.h>
 
+#include <boost/container/small_vector.hpp>
+
 #include <span>
 #include <utility>
-#include <vector>
 
 namespace Legacy::If::Detail {
+
+/// Outlives the list that it belonged to for as long as its members wait to be released.
+template<typename Root>
+struct MemberList<Root>::Node : CachedObject
+{
+    boost::container::small_vector<Pointer, 2> members; // a list of one or two needs no further block
+    Node* next = nullptr;
+};
 
 /// Opens the lists of the two families to the walks below.
 struct MemberAccess
 {
+    /// Adds a member that is not null, without the call that #MemberList::Add is.
+    template<typename Root>
+    static void Append(MemberList<Root>& list, boost::intrusive_ptr<Root> member)
+    {
+        if (!list.m_node)
+            list.m_node = new typename MemberList<Root>::Node;
+        list.m_node->members.push_back(std::move(member));
+    }
+
     template<typename Family>
     static auto& Of(Family& object) noexcept
     {
@@ -71,39 +89,46 @@ MemberList<Root> const* MembersOf(Root const& object) noexcept
     return nullptr;
 }
 
-/// The way down to where a walk through a tree stands. It lies on the heap, so the depth of the tree is no matter to
-/// the stack; a list without lists in it allocates nothing.
+/// The way down to where a walk through a tree stands. All but its begin lies on the heap, so the depth of the tree is
+/// no matter to the stack. Steps are built where they stay: one that is moved right after it was filled piece by piece
+/// makes processors wait for the pieces.
 template<typename Step>
 class Path
 {
 public:
-    explicit Path(Step first) : m_step(std::move(first)) {}
+    /// The first step, made of the arguments.
+    template<typename... Arguments>
+    explicit Path(Arguments&&... arguments) : m_here(&m_steps.emplace_back(std::forward<Arguments>(arguments)...))
+    {}
+    Path(Path const&) = delete;
+    Path& operator=(Path const&) = delete;
 
-    Step& Here() noexcept { return m_step; }
+    Step& Here() noexcept { return *m_here; }
 
-    void Descend(Step next)
+    /// One step down, made of the arguments.
+    template<typename... Arguments>
+    void Descend(Arguments&&... arguments)
     {
-        if (m_above.capacity() == 0)
-            m_above.reserve(k_usualDepth);
-        m_above.push_back(std::move(m_step));
-        m_step = std::move(next);
+        if (m_steps.size() == m_steps.capacity())
+            m_steps.reserve(m_steps.capacity() * 2);
+        m_here = &m_steps.emplace_back(std::forward<Arguments>(arguments)...);
     }
 
     /// False at the top.
     bool Ascend() noexcept
     {
-        if (m_above.empty())
+        if (m_steps.size() == 1)
             return false;
-        m_step = std::move(m_above.back());
-        m_above.pop_back();
+        m_steps.pop_back();
+        m_here = &m_steps.back();
         return true;
     }
 
 private:
     static constexpr std::size_t k_usualDepth = 16;
 
-    Step m_step;
-    std::vector<Step> m_above;
+    boost::container::small_vector<Step, k_usualDepth> m_steps;
+    Step* m_here;
 };
 
 /// What is left of a list that a walk passes through.
@@ -130,38 +155,41 @@ private:
     std::span<boost::intrusive_ptr<Root> const> m_members;
 };
 
-/// A member that is built together with members of its own, and where those come from and go to. A leaf has none.
-template<typename From, typename To>
-struct Branch
-{
-    boost::intrusive_ptr<To> object;
-    MemberList<From> const* from = nullptr;
-    MemberList<To>* to = nullptr;
-};
-
-/// Builds one member of `to` from each of `from`, at all depths: `branch` tells whether a member has members to descend
-/// into, `leaf` makes a raw object, or null, of one that has not.
-template<typename From, typename To, typename MakeBranch, typename MakeLeaf>
-void BuildMembers(MemberList<From> const& from, MemberList<To>& to, MakeBranch&& branch, MakeLeaf&& leaf)
+/// Builds one member of `to` from each of `from`, at all depths. `branch` is given a member and what to call for one
+/// that is built with members of its own: it takes the object, where its members come from and where they go to. For
+/// all others `branch` returns false, and `leaf` makes a raw object, or null.
+template<typename From, typename To, typename Branch, typename MakeLeaf>
+void BuildMembers(MemberList<From> const& from, MemberList<To>& to, Branch&& branch, MakeLeaf&& leaf)
 {
     struct Step
     {
         Remaining<From> left;
         MemberList<To>* to;
+
+        Step(MemberList<From> const& list, MemberList<To>& made) noexcept : left(list), to(&made) {}
     };
     to.Reserve(from.Size());
-    Path<Step> path(Step{Remaining(from), &to});
+    Path<Step> path(from, to);
     do {
-        while (!path.Here().left.Empty()) {
-            From const& member = *path.Here().left.Take();
-            Branch<From, To> next = branch(member);
-            if (!next.object) {
-                path.Here().to->Add(FirstReference::Of<To>(leaf(member)));
+        // By hand, since the compiler cannot know that nothing else sees the step.
+        Remaining<From> left = path.Here().left;
+        MemberList<To>* target = path.Here().to;
+        auto const descend = [&](boost::intrusive_ptr<To> object, MemberList<From> const& source,
+                                 MemberList<To>& members) {
+            MemberAccess::Append(*target, std::move(object));
+            members.Reserve(source.Size());
+            path.Here().left = left;
+            path.Descend(source, members);
+            left = path.Here().left;
+            target = &members;
+            return true;
+        };
+        while (!left.Empty()) {
+            From const& member = *left.Take();
+            if (branch(member, descend))
                 continue;
-            }
-            path.Here().to->Add(std::move(next.object));
-            next.to->Reserve(next.from->Size());
-            path.Descend(Step{Remaining(*next.from), next.to});
+            if (auto made = FirstReference::Of<To>(leaf(member)))
+                MemberAccess::Append(*target, std::move(made));
         }
     } while (path.Ascend());
 }
@@ -170,21 +198,21 @@ void BuildMembers(MemberList<From> const& from, MemberList<To>& to, MakeBranch&&
 template<typename Root>
 void CopyMembers(MemberList<Root> const& from, MemberList<Root>& to)
 {
-    auto const like = []<typename Family>(Family const& object) {
-        auto made = FirstReference::Of(Nesting<Root>::template MakeLike<Family>(object));
+    auto const copy = []<typename Family>(Family const& object, auto& descend) {
+        auto made = FirstReference::OfNew(Nesting<Root>::template MakeLike<Family>(object));
         MemberList<Root>& members = MemberAccess::Of(*made);
-        return Branch<Root, Root>{std::move(made), &MemberAccess::Of(object), &members};
+        return descend(std::move(made), MemberAccess::Of(object), members);
     };
     BuildMembers(
         from, to,
-        [&](Root const& member) {
+        [&copy](Root const& member, auto& descend) {
             using Composite = typename Nesting<Root>::Composite;
             using Collection = typename Nesting<Root>::Collection;
             if (IsExactly<Composite>(member))
-                return like(static_cast<Composite const&>(member));
+                return copy(static_cast<Composite const&>(member), descend);
             if (IsExactly<Collection>(member))
-                return like(static_cast<Collection const&>(member));
-            return Branch<Root, Root>{};
+                return copy(static_cast<Collection const&>(member), descend);
+            return false;
         },
         [](Root const& member) { return member.DeepCopy(); });
 }

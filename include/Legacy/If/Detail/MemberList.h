@@ -46,6 +46,8 @@ public:
     Pointer At(unsigned int index) const;
 
 private:
+    friend struct MemberAccess;
+
     struct Node;
 
     static void Drop_(Node* node) noexcept;

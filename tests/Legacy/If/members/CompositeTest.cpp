@@ -307,14 +307,18 @@ TEST(CompositeRecord, IsWhatItsMembersAreAloneWhateverTheBytes)
     auto const below = [&random](std::size_t end) { return static_cast<unsigned int>(random() % end); };
     std::vector<Item> leaves{Text("two words"), Make<CollectionItem>(4U), Hold(StringSparseItem::Create(5, "abcd"))};
     leaves.insert(leaves.end(), {new Scripted(9, 1, false), new Scripted(30, 1, true), new Scripted(0, 40, true)});
-    ForAllTraits([&]<typename T>(T) { // more of each class than are written at once
+    leaves.insert(leaves.end(), {BoolItem::Create(6, true), new BoolItem(7), EnumItem::Create(8, -3), Text("")});
+    for (std::size_t const size : {1, 15, 16, 565, 566, 700, 5000}) // longer than what is written straight
+        leaves.push_back(Text(std::string(size, 'x')));
+    leaves.push_back(Text({"a\0b", 3})); // read back, it ends early
+    ForAllTraits([&]<typename T>(T) {    // more of each class than are written at once
         for (unsigned char i = 0; i < 100; ++i)
             leaves.push_back(Hold(NumericItem<T>::Create(i, typename T::T(i))));
     });
     auto const grow = [&](auto const& self, unsigned int depth) -> boost::intrusive_ptr<CompositeItem> {
         auto const composite = Make<CompositeItem>(below(1000));
         for (unsigned int i = below(5); i > 0; --i) {
-            auto const rest = std::span(leaves).subspan(below(below(2) == 0 ? 10 : leaves.size()));
+            auto const rest = std::span(leaves).subspan(below(below(2) == 0 ? 18 : leaves.size()));
             for (Item const& leaf : rest.first(std::min<std::size_t>(rest.size(), below(20) == 0 ? 200 : 1)))
                 composite->AddItem(leaf);
             if (depth > 0 && below(2) == 0)
