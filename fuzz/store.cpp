@@ -1,9 +1,10 @@
-// Runs a list of operations on a directory, a container and a map of holders, beside a plain map of what must be there.
+// Runs a list of operations on a directory, deltas among them, a container and a map of holders, beside a plain map of what must be there.
 
 #include "Parts.h"
 
 #include <Legacy/If/InfoItemContainer.h>
 #include <Legacy/If/InfoItemDirectory.h>
+#include <Legacy/If/InfoItemDirectoryDelta.h>
 #include <Legacy/If/InfoItemHolderMap.h>
 
 #include <list>
@@ -87,6 +88,31 @@ struct Store
             Require(directory.FindInfo(holder->GetInfo()->GetId()) == holder);
     }
 
+    /// A delta of sections, text schemas and text values, applied as far as `what` says.
+    void Update(unsigned int what, Input& input)
+    {
+        auto const delta = std::make_shared<If::InfoItemDirectoryDelta>();
+        for (unsigned int left = input.Byte() % k_fewElements; left > 0; --left) {
+            unsigned int const kind = input.Byte() % 3;
+            std::string const path = kind == 0 ? input.Text() : "";
+            unsigned int const id = input.Word();
+            if (kind == 0)
+                delta->AddSection(If::SectionId(path, id));
+            else if (kind == 1)
+                delta->AddInfo(new If::InfoHolder(InfoPtr(new If::StringInfo(id, input.Text(), {}))));
+            else
+                delta->AddItem(new If::ItemHolder(ItemPtr(If::StringItem::Create(id, input.Text()))));
+        }
+        bool const infos = what & 2;
+        bool const items = what & 4;
+        if (directory.UpdateFromDelta(delta, infos, items) != 0)
+            return;
+        // A second time nothing is new, and all of it passes again.
+        Require(directory.UpdateFromDelta(delta, infos, items) == 0);
+        for (auto const& [id, holder] : delta->GetItemHolderPtrMap_addMod())
+            Require(!items || directory.FindItem(id) == holder);
+    }
+
     void Check(Input& input)
     {
         std::vector<InfoPtr> all;
@@ -134,7 +160,9 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
             store.Check(input);
             break;
         default:
-            if (input.Byte() == 0)
+            if (unsigned int const what = input.Byte(); what != 0)
+                store.Update(what, input);
+            else
                 store.directory.Clear();
         }
     }

@@ -5,7 +5,7 @@
 namespace Orlek {
 
 /// A colour as four floats, each meant to lie between 0 and 1; nothing enforces that. All 0 by default.
-struct Colour_t
+struct ORLEK_API Colour_t
 {
     float a = 0.0F; ///< alpha
     float r = 0.0F; ///< red

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <Legacy/If/Detail/Family.h>
+#include <Legacy/If/Detail/ValueItem.h>
 #include <Legacy/If/Export.h>
+#include <Legacy/If/NumericTraits.h>
 #include <Orlek/Colour.h>
 
 #include <cstdint>
@@ -64,13 +66,16 @@ private:
     Orlek::Colour_t m_default;
 };
 
+using SameColour = SameParts<&Orlek::Colour_t::a, &Orlek::Colour_t::r, &Orlek::Colour_t::g, &Orlek::Colour_t::b>;
+
 /// Value of a colour parameter. Two values are equal if each component differs by no more than `k_floatTolerance`.
-class LEGACY_IF_API ColourItem : public Detail::ItemFamily<ColourItem, IfType_t::Colour>
+class LEGACY_IF_API ColourItem
+    : public Detail::ValueItem<ColourItem, IfType_t::Colour, Orlek::Colour_t, NumericType_t::Undefined, SameColour>
 {
 public:
     explicit ColourItem(unsigned int id); ///< all components 0
 
-    using ItemFamily::DeepCopy;
+    using ValueItem::DeepCopy;
     [[nodiscard]] ColourItem* DeepCopy(unsigned int id) const override;
 
     float GetA() const noexcept { return m_value.a; }
@@ -84,11 +89,7 @@ public:
     /// Contract: alpha becomes 0, fully transparent, and not 1; callers that draw set it afterwards.
     void Set(float r, float g, float b) noexcept { m_value = {0.0F, r, g, b}; }
     void Set(Orlek::Colour_t const& colour) noexcept { m_value = colour; }
-    void SetVal(Orlek::Colour_t const& colour) noexcept { m_value = colour; }
-    Orlek::Colour_t& Val() noexcept { return m_value; }
-    Orlek::Colour_t const& Val() const noexcept { return m_value; }
 
-    bool IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const override;
     /// From a colour. One that is equal within the tolerance is not taken over and counts as no change.
     int AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index,
                          bool* changed) override;
@@ -106,11 +107,6 @@ public:
                           boost::intrusive_ptr<InfoBase const> const& info) override;
     void DumpVal(std::ostream& os) const override;
     std::ostream& operator<<(std::ostream& os) const override;
-
-private:
-    bool IsEqualVal_(Orlek::Colour_t const& colour) const noexcept;
-
-    Orlek::Colour_t m_value;
 };
 
 } // namespace Legacy::If

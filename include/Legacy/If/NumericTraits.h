@@ -105,6 +105,16 @@ struct LEGACY_IF_API NumericEqual
     }
 };
 
+/// Equality of what is a few floats, part by part, within their tolerance.
+template<auto... parts>
+struct LEGACY_IF_API SameParts
+{
+    bool operator()(auto const& a, auto const& b) const noexcept
+    {
+        return (FloatTraits::Equal(a.*parts, b.*parts) && ...);
+    }
+};
+
 static_assert(std::numeric_limits<float>::is_iec559 && std::numeric_limits<double>::is_iec559,
               "values and records rest on IEEE 754");
 static_assert(sizeof(short) == 2 && sizeof(int) == 4, "element widths are those of the record format");

@@ -1,14 +1,15 @@
 #pragma once
 
-#include <Legacy/If/Detail/Family.h>
+#include <Legacy/If/Detail/ValueItem.h>
 #include <Legacy/If/Export.h>
+#include <Legacy/If/NumericTraits.h>
 
 #include <memory>
 
 namespace Legacy::If {
 
 /// Three angles. Their unit and range are the callers' own.
-struct Orientation_t
+struct LEGACY_IF_API Orientation_t
 {
     float bearing = 0.0F;
     float inclination = 0.0F;
@@ -18,24 +19,24 @@ struct Orientation_t
     friend constexpr bool operator==(Orientation_t const&, Orientation_t const&) = default;
 };
 
+using SameOrientation = SameParts<&Orientation_t::bearing, &Orientation_t::inclination, &Orientation_t::roll>;
+
 /// Value of an orientation. There is no schema for it. Two values are equal if each angle differs by no more than
 /// `k_floatTolerance`.
-class LEGACY_IF_API OrientationItem : public Detail::ItemFamily<OrientationItem, IfType_t::Orientation>
+class LEGACY_IF_API OrientationItem : public Detail::ValueItem<OrientationItem, IfType_t::Orientation, Orientation_t,
+                                                               NumericType_t::Undefined, SameOrientation>
 {
 public:
     explicit OrientationItem(unsigned int id); ///< all angles 0
 
-    using ItemFamily::DeepCopy;
+    using ValueItem::DeepCopy;
     [[nodiscard]] OrientationItem* DeepCopy(unsigned int id) const override;
 
     float GetBearing() const noexcept { return m_value.bearing; }
     float GetInclination() const noexcept { return m_value.inclination; }
     float GetRoll() const noexcept { return m_value.roll; }
     void Set(Orientation_t const& orientation) noexcept { m_value = orientation; }
-    Orientation_t& Val() noexcept { return m_value; }
-    Orientation_t const& Val() const noexcept { return m_value; }
 
-    bool IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const override;
     /// From an orientation. One that is equal within the tolerance is not taken over and counts as no change.
     int AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int index,
                          bool* changed) override;
@@ -53,11 +54,6 @@ public:
     void DumpVal(std::ostream& os) const override;
     /// Prints the name of the class and not the value.
     std::ostream& operator<<(std::ostream& os) const override;
-
-private:
-    bool IsEqualVal_(Orientation_t const& orientation) const noexcept;
-
-    Orientation_t m_value;
 };
 
 } // namespace Legacy::If

@@ -7,6 +7,7 @@
 #include <Legacy/If/ReturnCodes.h>
 
 #include <cstdint>
+#include <functional>
 
 namespace Legacy::If::Detail {
 
@@ -17,10 +18,10 @@ public:
     void Note(bool changed = true) noexcept { m_changed = m_changed || changed; }
 
     /// Stores `source` in `target` if they differ, and notes that.
-    template<typename Value, typename Source = Value>
-    void Assign(Value& target, Source const& source)
+    template<typename Value, typename Source = Value, typename Same = std::equal_to<>>
+    void Assign(Value& target, Source const& source, Same const& same = {})
     {
-        if (target == source)
+        if (same(target, source))
             return;
         target = source;
         m_changed = true;

@@ -3,7 +3,6 @@
 #include "text/Text.h"
 
 #include <Legacy/If/Colour.h>
-#include <Legacy/If/Detail/Cast.h>
 
 #include <array>
 #include <utility>
@@ -89,7 +88,7 @@ std::ostream& ColourInfo::operator<<(std::ostream& os) const
     return os;
 }
 
-ColourItem::ColourItem(unsigned int id) : ItemFamily(id) {}
+ColourItem::ColourItem(unsigned int id) : ValueItem(id) {}
 
 ColourItem* ColourItem::DeepCopy(unsigned int id) const { return CopyAs_(id); }
 
@@ -99,24 +98,10 @@ std::uint32_t ColourItem::GetARGB() const noexcept
     return PackARGB({floor(m_value.a), floor(m_value.r), floor(m_value.g), floor(m_value.b)});
 }
 
-bool ColourItem::IsEqualVal_(Orlek::Colour_t const& colour) const noexcept
-{
-    return Detail::Equal<FloatTraits>(PartsOf(m_value), PartsOf(colour));
-}
-
-bool ColourItem::IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const
-{
-    auto const* const item = Detail::CastTo<ColourItem>(other);
-    return item && IsEqualType(other) && IsEqualVal_(item->m_value);
-}
-
 int ColourItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int, bool* changed)
 {
     return Detail::AssignFrom<ColourItem>(source, changed, [this](auto& change, auto const& item) {
-        if (!IsEqualVal_(item.m_value)) {
-            m_value = item.m_value;
-            change.Note();
-        }
+        change.Assign(m_value, item.m_value, SameColour());
     });
 }
 

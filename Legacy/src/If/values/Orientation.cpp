@@ -2,7 +2,6 @@
 #include "record/NumberTuple.h"
 #include "text/Text.h"
 
-#include <Legacy/If/Detail/Cast.h>
 #include <Legacy/If/Orientation.h>
 
 #include <array>
@@ -17,28 +16,14 @@ constexpr Parts PartsOf(Orientation_t const& value) noexcept { return {value.bea
 
 } // namespace
 
-OrientationItem::OrientationItem(unsigned int id) : ItemFamily(id) {}
+OrientationItem::OrientationItem(unsigned int id) : ValueItem(id) {}
 
 OrientationItem* OrientationItem::DeepCopy(unsigned int id) const { return CopyAs_(id); }
-
-bool OrientationItem::IsEqualVal_(Orientation_t const& orientation) const noexcept
-{
-    return Detail::Equal<FloatTraits>(PartsOf(m_value), PartsOf(orientation));
-}
-
-bool OrientationItem::IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const
-{
-    auto const* const item = Detail::CastTo<OrientationItem>(other);
-    return item && IsEqualType(other) && IsEqualVal_(item->m_value);
-}
 
 int OrientationItem::AssignArrayValue(boost::intrusive_ptr<ItemBase const> const& source, unsigned int, bool* changed)
 {
     return Detail::AssignFrom<OrientationItem>(source, changed, [this](auto& change, auto const& item) {
-        if (!IsEqualVal_(item.m_value)) {
-            m_value = item.m_value;
-            change.Note();
-        }
+        change.Assign(m_value, item.m_value, SameOrientation());
     });
 }
 
