@@ -1,4 +1,5 @@
-// Runs a list of operations on a directory, deltas among them, a container and a map of holders, beside a plain map of what must be there.
+// Runs a list of operations on a directory, deltas among them, a container and a map of holders, beside a plain map of
+// what must be there.
 
 #include "Parts.h"
 
@@ -68,7 +69,7 @@ struct Store
         Require((holders.Erase(id) == 0) == found);
     }
 
-    void LookUp(Input& input) const
+    void LookUp(Input& input)
     {
         std::string const path = input.Text();
         std::string const name = input.Text();
@@ -88,9 +89,12 @@ struct Store
             Require(directory.FindInfo(holder->GetInfo()->GetId()) == holder);
     }
 
-    /// A delta of sections, text schemas and text values, applied as far as `what` says.
-    void Update(unsigned int what, Input& input)
+    /// A delta of sections, text schemas and text values, applied as far as the first byte says; with 0 all goes.
+    void Update(Input& input)
     {
+        unsigned int const what = input.Byte();
+        if (what == 0)
+            return directory.Clear();
         auto const delta = std::make_shared<If::InfoItemDirectoryDelta>();
         for (unsigned int left = input.Byte() % k_fewElements; left > 0; --left) {
             unsigned int const kind = input.Byte() % 3;
@@ -138,33 +142,10 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
 {
     Input input(data, size);
     Store store;
-    while (!input.Empty()) {
-        switch (input.Byte() % 8) {
-        case 0:
-            store.AddSection(input);
-            break;
-        case 1:
-        case 2:
-            store.AddSchema(input);
-            break;
-        case 3:
-            store.SetValue(input);
-            break;
-        case 4:
-            store.Remove(input);
-            break;
-        case 5:
-            store.LookUp(input);
-            break;
-        case 6:
-            store.Check(input);
-            break;
-        default:
-            if (unsigned int const what = input.Byte(); what != 0)
-                store.Update(what, input);
-            else
-                store.directory.Clear();
-        }
-    }
+    constexpr void (Store::*operations[])(Input&) = {&Store::AddSection, &Store::AddSchema, &Store::AddSchema,
+                                                     &Store::SetValue,   &Store::Remove,    &Store::LookUp,
+                                                     &Store::Check,      &Store::Update};
+    while (!input.Empty())
+        (store.*operations[input.Byte() % std::size(operations)])(input);
     return 0;
 }
