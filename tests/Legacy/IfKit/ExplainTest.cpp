@@ -1,24 +1,7 @@
-#include <Legacy/If/Bool.h>
-#include <Legacy/If/Composite.h>
-#include <Legacy/If/Coordinate.h>
-#include <Legacy/If/FindingScope.h>
-#include <Legacy/If/NumericArray.h>
-#include <Legacy/If/ResultElem.h>
-#include <Legacy/If/String.h>
-#include <Legacy/IfKit/Explain.h>
-
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
+#include "KitSupport.h"
 
 namespace Legacy::IfKit::Test {
 namespace {
-
-using namespace If;
-using Texts = std::vector<std::string>;
-using ItemPtr = boost::intrusive_ptr<ItemBase>;
-using InfoPtr = boost::intrusive_ptr<InfoBase>;
 
 Texts TextsOf(LocalizedString const& message)
 {
@@ -26,12 +9,6 @@ Texts TextsOf(LocalizedString const& message)
     for (auto const& argument : message.GetArguments())
         texts.push_back(argument->GetValAsString());
     return texts;
-}
-
-template<typename Info>
-boost::intrusive_ptr<Info> Named(std::string const& name)
-{
-    return new Info(1, name, Permission_t{});
 }
 
 template<typename Info>
@@ -84,7 +61,7 @@ TEST(Explain, GoesIntoComposites)
     inner->SetInfos({AtMost<NumericInfo<U8Traits>>("low", 9), AtMost<NumericInfo<U8Traits>>("high", 9)});
     auto const outer = Named<CompositeInfo>("outer");
     outer->SetInfos({Named<BoolInfo>("flag"), inner, AtMost<NumericInfo<U8Traits>>("last", 9)});
-    boost::intrusive_ptr<ItemBase> const made(outer->CreateItem());
+    ItemPtr const made(outer->CreateItem());
     auto& item = dynamic_cast<CompositeItem&>(*made);
     EXPECT_FALSE(Explain(item, outer).IsValid());
 
@@ -115,7 +92,7 @@ TEST(Explain, StandsAnyDepth)
         auto const around = Named<CompositeInfo>("around");
         around->AddInfo(info);
         info = around;
-        boost::intrusive_ptr<CompositeItem> const whole(new CompositeItem(1));
+        auto const whole = Make<CompositeItem>(1U);
         whole->AddItem(item);
         item = whole;
     }

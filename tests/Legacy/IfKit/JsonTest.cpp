@@ -15,38 +15,40 @@ std::string Text(auto const& object, auto... how)
     return os.str();
 }
 
+/// What reading says is wrong with a text; nothing if it was taken.
+std::string FaultOf(std::string const& text, auto&& target)
+{
+    std::istringstream is(text);
+    auto const fault = ReadJson(is, target);
+    return fault ? fault->ToString() : "";
+}
+
 template<typename Root>
 boost::intrusive_ptr<Root> FromText(std::string const& text)
 {
-    std::istringstream is(text);
     boost::intrusive_ptr<Root> object;
-    auto const fault = ReadJson(is, object);
-    EXPECT_FALSE(fault) << fault->ToString() << " in " << text;
+    EXPECT_EQ(FaultOf(text, object), "") << text;
     return object;
 }
 
-TEST(Json, CarriesEveryValueExactly)
+template<typename Root>
+void ExpectCarried(std::vector<boost::intrusive_ptr<Root>> const& samples)
 {
-    for (auto const& item : SampleItems()) {
+    for (auto const& sample : samples) {
         for (auto const layout : {JsonLayout_t::Compact, JsonLayout_t::Indented}) {
-            std::string const text = Text(*item, layout);
-            auto const copy = FromText<ItemBase>(text);
+            std::string const text = Text(*sample, layout);
+            auto const copy = FromText<Root>(text);
             ASSERT_TRUE(copy);
-            EXPECT_EQ(Print::Of(*copy), Print::Of(*item)) << text;
+            EXPECT_EQ(Print::Of(*copy), Print::Of(*sample)) << text;
             EXPECT_EQ(Text(*copy, layout), text);
         }
     }
 }
 
-TEST(Json, CarriesEverySchemaExactly)
+TEST(Json, CarriesEveryValueAndSchemaExactly)
 {
-    for (auto const& info : SampleInfos()) {
-        std::string const text = Text(*info, JsonLayout_t::Indented);
-        auto const copy = FromText<InfoBase>(text);
-        ASSERT_TRUE(copy);
-        EXPECT_EQ(Print::Of(*copy), Print::Of(*info)) << text;
-        EXPECT_EQ(Text(*copy, JsonLayout_t::Indented), text);
-    }
+    ExpectCarried(SampleItems());
+    ExpectCarried(SampleInfos());
 }
 
 class Parameter : public InfoHolder
@@ -179,8 +181,7 @@ TEST(Json, ShowsDirectoriesAsTrees)
               R"("parameters":[{"name":"timer","id":1073741824,"type":"Composite","members":)"
               R"([{"id":9,"type":"Numeric","elementType":"Float"}],"value":[0.1]}]}]}]})");
     InfoItemDirectory bare;
-    std::istringstream schemas(Text(directory, JsonContent_t::Schemas));
-    EXPECT_FALSE(ReadJson(schemas, bare));
+    EXPECT_EQ(FaultOf(Text(directory, JsonContent_t::Schemas), bare), "");
     EXPECT_EQ(
         Text(bare, JsonContent_t::Values),
         R"({"format":1,"sections":[{"path":"port","id":16777215,"sections":[{"path":"port/stp","id":1074003967}]}]})");
@@ -189,9 +190,7 @@ TEST(Json, ShowsDirectoriesAsTrees)
 TEST(Json, RebuildsDirectoriesAndDeltas)
 {
     InfoItemDirectory copy;
-    std::istringstream is(k_sample);
-    auto fault = ReadJson(is, copy);
-    ASSERT_FALSE(fault) << fault->ToString();
+    ASSERT_EQ(FaultOf(k_sample, copy), "");
     EXPECT_EQ(Text(copy, JsonContent_t::Everything, JsonLayout_t::Indented), k_sample);
     boost::intrusive_ptr<InfoHolder const> const twin(copy.FindInfo("port", "mtu")->DeepCopy());
     EXPECT_EQ(twin->GetDisplayName() + '|' + twin->GetDescription() + '|' + twin->GetUnit(),
@@ -199,12 +198,9 @@ TEST(Json, RebuildsDirectoriesAndDeltas)
 
     // A document of a directory is one of a delta too, which has the same content in another order.
     InfoItemDirectoryDelta delta;
-    std::istringstream again(k_sample);
-    ASSERT_FALSE(ReadJson(again, delta));
-    std::istringstream flat(Text(delta, JsonLayout_t::Indented));
+    ASSERT_EQ(FaultOf(k_sample, delta), "");
     auto const second = std::make_shared<InfoItemDirectoryDelta>();
-    fault = ReadJson(flat, *second);
-    ASSERT_FALSE(fault) << fault->ToString();
+    ASSERT_EQ(FaultOf(Text(delta, JsonLayout_t::Indented), *second), "");
     EXPECT_EQ(Text(*second), Text(delta));
     InfoItemDirectory other;
     EXPECT_EQ(other.UpdateFromDelta(second, true, true), 0);
@@ -213,13 +209,10 @@ TEST(Json, RebuildsDirectoriesAndDeltas)
     // Values alone get schemas that are as new.
     std::string const values = Text(copy, JsonContent_t::Values);
     InfoItemDirectory bare;
-    std::istringstream alone(values);
-    ASSERT_FALSE(ReadJson(alone, bare));
+    ASSERT_EQ(FaultOf(values, bare), "");
     EXPECT_EQ(Text(bare, JsonContent_t::Values), values);
 
-    // A directory is filled once.
-    std::istringstream third(k_sample);
-    EXPECT_EQ(ReadJson(third, other)->reason, "the directory is not empty");
+    EXPECT_TRUE(FaultOf(k_sample, other).ends_with("the directory is not empty")); // it is filled once
 }
 
 TEST(Json, HandsOutWhatStandsBeforeAFault)
@@ -237,8 +230,7 @@ TEST(Json, HandsOutWhatStandsBeforeAFault)
                                 seen += item->GetItem()->GetValAsString() + ' ';
                                 return std::string();
                             }};
-    std::istringstream is(k_sample);
-    EXPECT_EQ(ReadJson(is, parts)->ToString(), "byte 1129, line 48, column 27, at /sections/0/sections/0: enough");
+    EXPECT_EQ(FaultOf(k_sample, parts), "byte 1129, line 48, column 27, at /sections/0/sections/0: enough");
     EXPECT_EQ(seen, "port mtu 65535 mode port/stp ");
 }
 
@@ -256,24 +248,27 @@ TEST(Json, CarriesBareValuesUnderTheirSchema)
     EXPECT_EQ(os.str(), "[-9223372036854775808,[true]]");
 }
 
-struct Refused_t
+/// A text that `target` cannot be read from, and the end of what is said of it; the target stays as it was.
+void ExpectRefused(std::string const& text, std::string const& fault, auto& target)
 {
-    char const* text;
-    char const* fault; // its end
-};
-
-std::string FaultOf(std::string const& text, auto&& target)
-{
-    std::istringstream is(text);
-    auto const fault = ReadJson(is, target);
-    return fault ? fault->ToString() : "";
+    auto const shown = [&] {
+        if constexpr (requires { target.get(); })
+            return target.get();
+        else
+            return Text(target);
+    };
+    auto const before = shown();
+    std::string const found = FaultOf(text, target);
+    EXPECT_TRUE(found.ends_with(fault)) << text << "\n" << found;
+    EXPECT_EQ(shown(), before);
 }
+
+using Refused = std::pair<std::string, char const*>;
 
 TEST(Json, RefusesValuesThatAreNone)
 {
     ItemPtr item(BoolItem::Create(1, true));
-    auto* const before = item.get();
-    Refused_t const cases[] = {
+    Refused const cases[] = {
         {"", "line 1, column 1: incomplete JSON"},
         {"{\n\"id\": 1,,", "line 2, column 9: syntax error"},
         {R"({"id":1,"type":"Bool","value":true} x)", "column 37: extra data"},
@@ -315,19 +310,15 @@ TEST(Json, RefusesValuesThatAreNone)
         {R"({"id":1,"type":"LocalizedString","value":{"key":"","arguments":[{"id":1,"type":"Bool","value":7}]}})",
          "at /value/arguments/0/value: true or false is expected"},
     };
-    for (auto const& [text, fault] : cases) {
-        std::string const found = FaultOf(text, item);
-        EXPECT_TRUE(found.ends_with(fault)) << text << "\n" << found;
-        EXPECT_EQ(item.get(), before);
-    }
+    for (auto const& [text, fault] : cases)
+        ExpectRefused(text, fault, item);
 }
 
 TEST(Json, RefusesSchemasThatCannotBeHeld)
 {
     InfoPtr info = FreshInfo<BoolInfo>();
-    auto* const before = info.get();
     std::string const number = R"("x-legacyif":{"id":1,"type":"Numeric","elementType":"U8"}})";
-    Refused_t const cases[] = {
+    Refused const cases[] = {
         {R"({"type":"integer"})", "there is no 'x-legacyif'"},
         {R"({"multipleOf":2,)", "at /multipleOf: a schema cannot hold this"},
         {R"({"type":"string",)", "at /type: a schema cannot hold this; it would hold \"integer\""},
@@ -344,14 +335,8 @@ TEST(Json, RefusesSchemasThatCannotBeHeld)
                  "x-legacyif":{"id":1,"type":"Composite"}})",
          "at /prefixItems/1/const: true or false is expected"},
     };
-    for (auto const& [text, fault] : cases) {
-        std::string whole = text;
-        if (whole.back() == ',')
-            whole += number;
-        std::string const found = FaultOf(whole, info);
-        EXPECT_TRUE(found.ends_with(fault)) << whole << "\n" << found;
-        EXPECT_EQ(info.get(), before);
-    }
+    for (auto const& [text, fault] : cases)
+        ExpectRefused(text.back() == ',' ? text + number : text, fault, info);
     // What is not said binds nothing, and annotations do no harm.
     auto const loose = FromText<InfoBase>(R"({"$comment":"x","examples":[1],"type":"number",
         "x-legacyif":{"id":1,"type":"Numeric","elementType":"Float"}})");
@@ -364,7 +349,7 @@ TEST(Json, RefusesDirectoriesThatAreNone)
 {
     std::string const mtu = R"({"title":"mtu","x-legacyif":{"id":0,"type":"Bool"}})";
     std::string const port = R"({"sections":[{"path":"port","id":16777215)";
-    std::pair<std::string, char const*> const cases[] = {
+    Refused const cases[] = {
         {"[]", "an object is expected"},
         {"7", "an object is expected"},
         {R"({"format":2})", "at /format: this format is not known, only 1"},
@@ -392,9 +377,7 @@ TEST(Json, RefusesDirectoriesThatAreNone)
     };
     for (auto const& [text, fault] : cases) {
         InfoItemDirectory directory;
-        std::string const found = FaultOf(text, directory);
-        EXPECT_TRUE(found.ends_with(fault)) << text << "\n" << found;
-        EXPECT_EQ(Text(directory), R"({"format":1,"sections":[]})");
+        ExpectRefused(text, fault, directory);
     }
 }
 

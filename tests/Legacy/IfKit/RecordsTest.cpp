@@ -1,22 +1,13 @@
-#include <Legacy/If/Composite.h>
-#include <Legacy/If/Extended.h>
-#include <Legacy/If/Numeric.h>
-#include <Legacy/If/String.h>
-#include <Legacy/IfKit/Records.h>
-
-#include <gtest/gtest.h>
+#include "KitSupport.h"
 
 namespace Legacy::IfKit::Test {
 namespace {
 
-using namespace If;
-using Bytes = std::vector<unsigned char>;
-
 Bytes TwoRecords()
 {
     Bytes bytes;
-    EXPECT_EQ(AppendRecord(*boost::intrusive_ptr<ItemBase>(StringItem::Create(0x01020304, "on")), bytes), 0);
-    EXPECT_EQ(AppendRecord(*boost::intrusive_ptr<ItemBase>(NumericItem<U16Traits>::Create(2, 258)), bytes), 0);
+    EXPECT_EQ(AppendRecord(*ItemPtr(StringItem::Create(0x01020304, "on")), bytes), 0);
+    EXPECT_EQ(AppendRecord(*ItemPtr(NumericItem<U16Traits>::Create(2, 258)), bytes), 0);
     return bytes;
 }
 
@@ -24,8 +15,7 @@ TEST(Records, StandOneBehindTheOther)
 {
     Bytes bytes = TwoRecords();
     EXPECT_EQ(bytes, (Bytes{1, 2, 3, 4, 0, 0, 0, 3, 6, 0, 'o', 'n', 0, 0, 0, 0, 2, 0, 0, 0, 2, 2, 3, 1, 2}));
-    boost::intrusive_ptr<ItemBase> const silent(new ExtendedItem(1));
-    EXPECT_EQ(AppendRecord(*silent, bytes), IfErrNotSerializable);
+    EXPECT_EQ(AppendRecord(*Make<ExtendedItem>(1U), bytes), IfErrNotSerializable);
     EXPECT_EQ(bytes, TwoRecords());
 
     RecordReader reader(bytes);
@@ -34,7 +24,7 @@ TEST(Records, StandOneBehindTheOther)
     EXPECT_EQ(text->id, 0x01020304U);
     EXPECT_EQ(text->type, IfType_t::String);
     EXPECT_EQ(text->payload.data(), bytes.data() + 10); // not a copy
-    boost::intrusive_ptr<ItemBase> item;
+    ItemPtr item;
     EXPECT_EQ(text->Rebuild(item), 0);
     EXPECT_EQ(item->GetValAsString(), "on");
     EXPECT_EQ(reader.GetOffset(), 13U);
@@ -55,7 +45,7 @@ TEST(Records, StopWhereOneIsNotWhole)
         EXPECT_EQ(reader.GetOffset(), size < 13 ? 0U : 13U);
         EXPECT_EQ(reader.IsAtEnd(), size == 0 || size == 13);
     }
-    boost::intrusive_ptr<ItemBase> item(new CompositeItem(1));
+    ItemPtr item(new CompositeItem(1));
     auto* const before = item.get();
     EXPECT_EQ(ReadRecord(bytes, item), IfErrInvalidArgument);                               // two of them
     EXPECT_EQ(ReadRecord(Bytes{0, 0, 0, 1, 0, 0, 0, 0, 6, 0}, item), IfErrInvalidArgument); // does not fit

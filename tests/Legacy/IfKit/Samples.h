@@ -59,33 +59,20 @@ inline std::vector<AppEndpoint<Net::Endpoint<Net::AddrStr>>> SampleAppEndpoints(
     return samples;
 }
 
+template<typename Item, typename Held>
+constexpr bool k_holds = std::is_same_v<decltype(std::declval<Item&>().Val()), Held&>;
+
 /// What a value of the class can hold, some of each kind.
 template<typename Item>
 auto SampleValues()
 {
-    if constexpr (requires(Item & item) {
-                      {
-                          item.Val()
-                          } -> std::same_as<bool&>;
-                  })
+    if constexpr (k_holds<Item, bool>)
         return std::vector<bool>{false, true};
-    else if constexpr (requires(Item & item) {
-                           {
-                               item.Val()
-                               } -> std::same_as<std::vector<bool>&>;
-                       })
+    else if constexpr (k_holds<Item, std::vector<bool>>)
         return std::vector<std::vector<bool>>{{}, {true, false, true}};
-    else if constexpr (requires(Item & item) {
-                           {
-                               item.Val()
-                               } -> std::same_as<std::string&>;
-                       })
+    else if constexpr (k_holds<Item, std::string>)
         return SampleTexts();
-    else if constexpr (requires(Item & item) {
-                           {
-                               item.Val()
-                               } -> std::same_as<std::vector<std::string>&>;
-                       })
+    else if constexpr (k_holds<Item, std::vector<std::string>>)
         return std::vector<std::vector<std::string>>{{}, SampleTexts()};
     else if constexpr (std::same_as<Item, EnumItem>)
         return SampleNumbers<int>();
@@ -309,8 +296,7 @@ inline std::vector<InfoPtr> SampleInfos()
 class Print
 {
 public:
-    template<typename Root>
-    static std::string Of(Root const& object)
+    static std::string Of(auto const& object)
     {
         Print print;
         print.Add(object);
@@ -318,25 +304,32 @@ public:
     }
 
 private:
+    void Add(auto const& first, auto const& second, auto const&... more)
+    {
+        Add(first);
+        Add(second);
+        (Add(more), ...);
+    }
+
     template<typename N>
-        requires std::is_arithmetic_v<N>
+        requires std::is_arithmetic_v<N> || std::is_enum_v<N>
     void Add(N number)
     {
         if constexpr (std::same_as<N, float>)
-            m_out << std::hex << std::bit_cast<std::uint32_t>(number) << std::dec;
+            Add(std::bit_cast<std::uint32_t>(number));
         else if constexpr (std::same_as<N, double>)
-            m_out << std::hex << std::bit_cast<std::uint64_t>(number) << std::dec;
+            Add(std::bit_cast<std::uint64_t>(number));
+        else if constexpr (std::is_enum_v<N>)
+            Add(static_cast<int>(number));
         else
-            m_out << +number;
-        m_out << ' ';
+            m_out << +number << ' ';
     }
 
     void Add(std::string const& text) { m_out << text.size() << ':' << text << ' '; }
     template<typename A, typename B>
     void Add(std::pair<A, B> const& pair)
     {
-        Add(pair.first);
-        Add(pair.second);
+        Add(pair.first, pair.second);
     }
     template<typename Element>
     void Add(std::vector<Element> const& list)
@@ -346,28 +339,16 @@ private:
             Add(element);
         m_out << ']';
     }
-    void Add(Orlek::Colour_t const& c) { Add(std::vector<float>{c.a, c.r, c.g, c.b}); }
-    void Add(Orientation_t const& o) { Add(std::vector<float>{o.bearing, o.inclination, o.roll}); }
+    void Add(Orlek::Colour_t const& c) { Add(c.a, c.r, c.g, c.b); }
+    void Add(Orientation_t const& o) { Add(o.bearing, o.inclination, o.roll); }
     void Add(Net::AddrStr const& addr) { Add(addr.ToString()); }
-    void Add(Net::Endpoint<Net::AddrStr> const& endpoint)
-    {
-        Add(endpoint.GetAddr());
-        Add(endpoint.GetPort());
-    }
+    void Add(Net::Endpoint<Net::AddrStr> const& endpoint) { Add(endpoint.GetAddr(), endpoint.GetPort()); }
     void Add(AppEndpoint<Net::Endpoint<Net::AddrStr>> const& endpoint)
     {
-        Add(static_cast<int>(endpoint.GetAppProtocolType()));
-        Add(endpoint.GetAppProtocolVersion());
-        Add(endpoint.GetAppProtocolCompatVersion());
-        Add(endpoint.GetAddrGroupPrefix());
-        Add(endpoint.GetEndpoint());
+        Add(endpoint.GetAppProtocolType(), endpoint.GetAppProtocolVersion(), endpoint.GetAppProtocolCompatVersion(),
+            endpoint.GetAddrGroupPrefix(), endpoint.GetEndpoint());
     }
-    void Add(ElemType<int> const& element)
-    {
-        Add(element.name);
-        Add(element.value);
-        Add(element.disabled);
-    }
+    void Add(ElemType<int> const& element) { Add(element.name, element.value, element.disabled); }
     void Add(LocalizedString const& message)
     {
         Add(message.GetKey());
@@ -381,20 +362,18 @@ private:
     template<typename T>
     void Add(CoordinateItem<T> const& point)
     {
-        Add(point.GetPair()[0]);
-        Add(point.GetPair()[1]);
+        Add(point.GetPair()[0], point.GetPair()[1]);
     }
     template<typename T>
     void Add(RectItem<T> const& rect)
     {
-        Add(*rect.TopLeft());
-        Add(*rect.BottomRight());
+        Add(*rect.TopLeft(), *rect.BottomRight());
     }
 
     void Add(ItemBase const& item)
     {
-        m_out << '{' << item.GetId() << ' ' << static_cast<int>(item.GetType()) << ' '
-              << static_cast<int>(item.GetNumericType()) << ' ';
+        m_out << '{';
+        Add(item.GetId(), item.GetType(), item.GetNumericType());
         Visit(
             item,
             [&](auto const& own) {
@@ -414,8 +393,8 @@ private:
 
     void Add(InfoBase const& info)
     {
-        m_out << '{' << info.GetId() << ' ' << info.GetName() << ' ' << info.GetPermission().bits << ' '
-              << static_cast<int>(info.GetType()) << ' ' << static_cast<int>(info.GetNumericType()) << ' ';
+        m_out << '{';
+        Add(info.GetId(), info.GetName(), info.GetPermission().bits, info.GetType(), info.GetNumericType());
         Visit(
             info, [&](auto const& own) { AddBounds(own); }, [](Foreign<InfoBase const>) {});
         m_out << '}';
@@ -430,14 +409,10 @@ private:
         }
         if constexpr (requires { info.GetDefault(); })
             Add(info.GetDefault());
-        if constexpr (requires { info.GetMin(); }) {
-            Add(info.GetMin());
-            Add(info.GetMax());
-        }
-        if constexpr (requires { info.GetMinSize(); }) {
-            Add(info.GetMinSize());
-            Add(info.GetMaxSize());
-        }
+        if constexpr (requires { info.GetMin(); })
+            Add(info.GetMin(), info.GetMax());
+        if constexpr (requires { info.GetMinSize(); })
+            Add(info.GetMinSize(), info.GetMaxSize());
         if constexpr (requires { info.GetMaxLength(); })
             Add(info.GetMaxLength());
         if constexpr (requires { info.GetTable(); })
@@ -446,14 +421,10 @@ private:
             Add(info.GetFixed());
         if constexpr (requires { info.IsLocalized(); })
             Add(info.IsLocalized());
-        if constexpr (requires { info.TopLeft(); }) {
-            AddBounds(*info.TopLeft());
-            AddBounds(*info.BottomRight());
-        }
-        if constexpr (requires { info.X(); }) {
-            AddBounds(*info.X());
-            AddBounds(*info.Y());
-        }
+        if constexpr (requires { info.TopLeft(); })
+            Add(*info.TopLeft(), *info.BottomRight());
+        if constexpr (requires { info.X(); })
+            Add(*info.X(), *info.Y());
     }
 
     std::ostringstream m_out;

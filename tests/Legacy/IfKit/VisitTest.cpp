@@ -1,24 +1,10 @@
-#include <Legacy/IfKit/Visit.h>
-
-#include <gtest/gtest.h>
+#include "KitSupport.h"
 
 #include <concepts>
 #include <typeinfo>
-#include <utility>
 
 namespace Legacy::IfKit::Test {
 namespace {
-
-using namespace If;
-
-template<typename Class>
-boost::intrusive_ptr<Class> MakeInfo()
-{
-    if constexpr (std::is_same_v<Class, EnumInfo>)
-        return new Class(1, "name", Permission_t{}, false);
-    else
-        return new Class(1, "name", Permission_t{});
-}
 
 /// Tells the class as which an object was given. One visitor for all: each one is instantiated for every class.
 struct TypeOf
@@ -34,11 +20,11 @@ TEST(Visit, CallsTheCaseOfEachClass)
 {
     std::size_t classes = 0;
     AllFamilies::ForEach([&]<typename Info, typename Item>(Family<Info, Item>) {
-        boost::intrusive_ptr<ItemBase> const item(new Item(1));
+        ItemPtr const item = Make<Item>(1U);
         EXPECT_EQ(*Visit(*item, TypeOf()), typeid(Item));
         EXPECT_EQ(*Visit(std::as_const(*item), TypeOf()), typeid(Item));
         if constexpr (!std::is_void_v<Info>) {
-            boost::intrusive_ptr<InfoBase> const info(MakeInfo<Info>());
+            InfoPtr const info = Named<Info>("name");
             EXPECT_EQ(*Visit(*info, TypeOf()), typeid(Info));
             EXPECT_EQ(*Visit(std::as_const(*info), TypeOf()), typeid(Info));
         }
@@ -49,7 +35,7 @@ TEST(Visit, CallsTheCaseOfEachClass)
 
 TEST(Visit, ChangesWhatIsNotConst)
 {
-    boost::intrusive_ptr<ItemBase> const item(NumericItem<U8Traits>::Create(1, 7));
+    ItemPtr const item(NumericItem<U8Traits>::Create(1, 7));
     Visit(
         *item, []<typename T>(NumericItem<T>& number) { number.SetVal(8); }, [](ItemBase&) { FAIL(); });
     EXPECT_EQ(item->GetValAsString(), "8");
