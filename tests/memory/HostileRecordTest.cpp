@@ -1,8 +1,6 @@
-// How much memory a hostile record makes its reader take.
-#include "../Legacy/If/TestSupport.h"
+// How much memory a hostile record makes its reader take, and a hostile value its writer.
+#include "../Legacy/If/Families.h"
 #include "Failing.h"
-
-#include <Legacy/If/ItemBase.h>
 
 namespace Legacy::If::Test {
 namespace {
@@ -27,19 +25,28 @@ Bytes Flat()
     return bytes;
 }
 
-/// Composites within composites, each the only member of the one around it.
-Bytes Nested()
+/// Composites within composites, each the only member of the one around it, whatever count they claim.
+Bytes Nested(unsigned char claimed)
 {
     constexpr std::size_t level = 12; // a count and a header
     Bytes bytes;
     for (std::size_t left = k_size / level; left > 0; --left) {
         std::size_t const size = left * level - 10;
         auto const byte = [size](int shift) { return static_cast<unsigned char>(size >> shift); };
-        Bytes const parts{0, 1, 0, 0, 0, 1, byte(24), byte(16), byte(8), byte(0), 0xfd, 0};
+        Bytes const parts{claimed, 1, 0, 0, 0, 1, byte(24), byte(16), byte(8), byte(0), 0xfd, 0};
         bytes.insert(bytes.end(), parts.begin(), parts.end());
     }
-    bytes.insert(bytes.end(), {0, 0});
+    bytes.insert(bytes.end(), {claimed, 0});
     return bytes;
+}
+
+/// The most memory that is in use during a call, beyond what was before.
+std::int64_t PeakOf(auto&& call)
+{
+    std::int64_t const before = Failing::Bytes();
+    Failing::ResetPeak();
+    call();
+    return Failing::Peak() - before;
 }
 
 // The figures stand in the page on the record's form.
@@ -51,6 +58,7 @@ TEST(HostileRecord, TakesASmallMultipleOfItsBytes)
         NumericType_t numericType;
         Bytes payload;
         int most; // bytes of memory for each byte, at the worst moment
+        int code = 0;
     };
     using enum IfType_t;
     auto const none = NumericType_t::Undefined;
@@ -61,20 +69,33 @@ TEST(HostileRecord, TakesASmallMultipleOfItsBytes)
              {RectArray, NumericType_t::U16, Repeated({0, 1, 0, 1, 0, 1, 0, 1}), 27},
              {AppEndpointArray, none, Repeated({0, 0, 0, 0, 0, 0, 0}), 22},
              {Composite, none, Flat(), 8},
-             {Composite, none, Nested(), 15},
+             {Composite, none, Nested(0), 15},
+             {Composite, none, Nested(0xff), 15, -1},
          })
     {
         Record const record{1, static_cast<unsigned char>(hostile.type),
                             static_cast<unsigned char>(hostile.numericType), hostile.payload};
         record.With([&](auto const* whole) {
             boost::intrusive_ptr<ItemBase> item;
-            std::int64_t const before = Failing::Bytes();
-            Failing::ResetPeak();
-            EXPECT_EQ(ItemBase::Deserialize(whole, item), 0);
-            EXPECT_LE(Failing::Peak() - before, hostile.most * std::ssize(hostile.payload))
-                << static_cast<int>(hostile.type);
+            auto const peak = PeakOf([&] { EXPECT_EQ(ItemBase::Deserialize(whole, item), hostile.code); });
+            EXPECT_LE(peak, hostile.most * std::ssize(hostile.payload)) << static_cast<int>(hostile.type);
         });
     }
+}
+
+// One text in a thousand places is more than a record can tell the size of, and refused before it is written.
+TEST(HostileValue, IsRefusedBeyondItsSizeWord)
+{
+    boost::intrusive_ptr<ItemBase> many = Hold(StringItem::Create(1, std::string(16'000'000, 'x')));
+    for (int i = 0; i < 10; ++i) {
+        auto const twice = Make<CompositeItem>(1U);
+        twice->SetItems({many, many});
+        many = twice;
+    }
+    ItemBase::SerialStruct_t record;
+    EXPECT_LT(PeakOf([&] { EXPECT_EQ(many->Serialize(&record), IfErrInvalidArgument); }), 1'000'000'000);
+    EXPECT_EQ(record.data, nullptr);
+    EXPECT_EQ(many->GetSerialDataSize(), 0xFFFFFFFFU);
 }
 
 } // namespace

@@ -1,8 +1,6 @@
 #include "../Families.h"
 #include "record/SerialRecord.h"
 
-#include <sys/resource.h>
-
 #include <limits>
 #include <random>
 #include <span>
@@ -233,34 +231,6 @@ TEST(CompositeRecord, HasItsBytesAndCountsInSixteenBits)
     EXPECT_EQ(Printed(*Rebuild(record).second), "(5)");
 }
 
-/// Address space that the program may use while this lives; some checkers have their own idea of that.
-struct MemoryLimit
-{
-    explicit MemoryLimit([[maybe_unused]] rlim_t bytes)
-    {
-        getrlimit(RLIMIT_AS, &m_before);
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-        rlimit const limit{bytes, m_before.rlim_max};
-        setrlimit(RLIMIT_AS, &limit);
-#endif
-    }
-    ~MemoryLimit() { setrlimit(RLIMIT_AS, &m_before); }
-    rlimit m_before{};
-};
-
-TEST(CompositeRecord, IsRefusedBeyondItsSizeWord)
-{
-    // One text in a thousand places: more than can be written, and refused before it is.
-    Item many = Text(std::string(16'000'000, 'x'));
-    for (int i = 0; i < 10; ++i)
-        many = ListOf({many, many});
-    MemoryLimit const limit(1'000'000'000);
-    ItemBase::SerialStruct_t record;
-    EXPECT_EQ(many->Serialize(&record), IfErrInvalidArgument);
-    EXPECT_EQ(record.data, nullptr);
-    EXPECT_EQ(many->GetSerialDataSize(), 0xFFFFFFFFU);
-}
-
 /// What a composite should write, by what each of its members writes alone.
 Bytes PlainPayload(CompositeItem const& composite)
 {
@@ -404,21 +374,6 @@ TEST(DeepTree, OfAnyClassesEndsOnABoundedStack)
     EXPECT_EQ(half->GetRefCount(), 1);
     half.reset();
     EXPECT_EQ(log.size(), 1U);
-}
-
-TEST(DeepTree, ThatLiesAllocatesNoMoreThanItsRecord)
-{
-    // Each level claims all that could be there, so room made for each on its own word would be gigabytes.
-    constexpr unsigned int levels = k_deep / 3;
-    Record record{1, 0xfd, 0, {}};
-    for (unsigned int left = levels; left > 0; --left) {
-        Bytes header{0xff, 0xff, 0, 0, 0, 1, 0, 0, 0, 0, 0xfd, 0};
-        boost::endian::store_big_u32(header.data() + 6, left * 12 - 10);
-        record.payload.insert(record.payload.end(), header.begin(), header.end());
-    }
-    record.payload.insert(record.payload.end(), {0xff, 0xff});
-    MemoryLimit const limit(1'000'000'000);
-    EXPECT_EQ(Rebuild(record).first, -1);
 }
 
 } // namespace
