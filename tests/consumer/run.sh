@@ -3,7 +3,6 @@
 # usage: run.sh cmake|pkg-config|static|subdirectory SOURCE_DIR BUILD_DIR SCRATCH_DIR COMPILER
 set -euo pipefail
 way=$1 source=$2 build=$3 scratch=$4/$1 compiler=$5
-consumer=$source/tests/consumer
 export CXX=$compiler CXXFLAGS=${CXXFLAGS:-}
 if command -v ccache >/dev/null; then
     export CMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER-ccache}
@@ -11,6 +10,10 @@ fi
 
 rm -rf "$scratch"
 mkdir -p "$scratch/build"
+# The project, and in it the first program of the README.
+consumer=$scratch/consumer
+cp -r "$source/tests/consumer" "$consumer"
+awk '$0 == "```cpp" { on = 1; next } /^```/ && on { exit } on' "$source/README.md" >"$consumer/main.cpp"
 
 # configure_and_build SOURCE BUILD TARGETS OPTION …
 configure_and_build() {
@@ -57,7 +60,7 @@ expect() {
 }
 
 run_all() {
-    expect consumer "too long"
+    expect consumer upstairs
     expect consumer_kit 7
     expect consumer_logging "*Error*Consumer*logged*"
     expect consumer_messages 8080
