@@ -3,7 +3,6 @@
 #include "../Legacy/If/Families.h"
 #include "Failing.h"
 
-#include <Legacy/If/GenericContainerImpl.h>
 #include <Legacy/If/MessageConversions.h>
 #include <Legacy/If/SectionMap.h>
 #include <Net/AppEndpoint.h>
@@ -290,12 +289,6 @@ TEST(AllocationFailure, LeavesWhatIsSetAsItWas)
     SurviveSetter(Make<LocalizedStringItem>(7U), [&](auto& item) { item.SetVal(message); });
 }
 
-struct PlainSection : Section
-{
-    using Section::Section;
-    PlainSection* DeepCopy() const override { return new PlainSection(*this); }
-};
-
 std::string Name(unsigned int number) { return "the element with the number " + std::to_string(number); }
 
 template<typename Container>
@@ -347,8 +340,7 @@ TEST(AllocationFailure, LeavesContainersWhole)
 {
     SurviveContainer<InfoContainer>(
         [](unsigned int number) { return Make<StringInfo>(number, Name(number), Permission_t{}); });
-    SurviveContainer<
-        GenericContainerImpl<Section, boost::intrusive_ptr<Section>, boost::intrusive_ptr<Section const>, SectionId_t>>(
+    SurviveContainer<Sections>(
         [](unsigned int number) { return Make<PlainSection>(SectionId_t(1, Name(number)), Name(number), 0U); });
     PlainSection const section({1, k_long}, k_long, 0);
     EXPECT_EQ(Survive("compare", [&] { return std::string(section == section.GetId() ? "equal" : "not"); }), 0U);

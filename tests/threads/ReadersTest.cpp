@@ -1,6 +1,5 @@
 #include "../Legacy/If/Families.h"
 
-#include <Legacy/If/GenericContainerImpl.h>
 #include <Orlek/LogManager.h>
 #include <Orlek/LoggerFacade.h>
 
@@ -35,12 +34,6 @@ void OnEightThreads(Look const& look)
             look();
         });
 }
-
-struct PlainSection : Section
-{
-    using Section::Section;
-    PlainSection* DeepCopy() const override { return new PlainSection(*this); }
-};
 
 TEST(Readers, LookAtADirectory)
 {
@@ -119,8 +112,7 @@ TEST(Readers, LookAtContainers)
 {
     InfoContainer infos;
     InfoItemHolderContainer holders;
-    GenericContainerImpl<Section, boost::intrusive_ptr<Section>, boost::intrusive_ptr<Section const>, SectionId_t>
-        sections;
+    Sections sections;
     for (unsigned int id = 0; id < 50; ++id) {
         auto const info = Make<StringInfo>(id, "n", Permission_t{});
         infos.Add(info);

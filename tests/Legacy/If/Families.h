@@ -3,39 +3,16 @@
 #include "TestSupport.h"
 
 #include <Legacy/If.h>
+#include <Legacy/If/GenericContainerImpl.h>
+#include <Legacy/IfKit/Families.h>
 
 /// All families, for the tests of what they have in common.
 namespace Legacy::If::Test {
 
-/// A schema's class, `void` where there is none, and its value's.
-template<typename InfoClass, typename ItemClass>
-struct Family
-{
-    using Info = InfoClass;
-    using Item = ItemClass;
-};
+using IfKit::Family;
 
 /// Calls `call` with a `Family` of each pair of classes.
-void ForAllFamilies(auto&& call)
-{
-    ForAllTraits([&]<typename T>(T) {
-        call(Family<NumericInfo<T>, NumericItem<T>>());
-        call(Family<NumericArrayInfo<T>, NumericArrayItem<T>>());
-        call(Family<NumericSparseInfo<T>, NumericSparseItem<T>>());
-    });
-    TraitsList<U16Traits, S32Traits, FloatTraits>::ForEach([&]<typename T>(T) {
-        call(Family<CoordinateInfo<T>, CoordinateItem<T>>());
-        call(Family<RectInfo<T>, RectItem<T>>());
-    });
-    TraitsList<Family<RectArrayInfo<U16Traits>, RectArrayItem<U16Traits>>, Family<BoolInfo, BoolItem>,
-               Family<BoolArrayInfo, BoolArrayItem>, Family<EnumInfo, EnumItem>, Family<StringInfo, StringItem>,
-               Family<StringArrayInfo, StringArrayItem>, Family<StringSparseInfo, StringSparseItem>,
-               Family<ColourInfo, ColourItem>, Family<void, OrientationItem>, Family<AddrInfo, AddrItem>,
-               Family<EndpointInfo, EndpointItem>, Family<AppEndpointInfo, AppEndpointItem>,
-               Family<AppEndpointArrayInfo, AppEndpointArrayItem>, Family<ExtendedInfo, ExtendedItem>,
-               Family<LocalizedStringInfo, LocalizedStringItem>, Family<CompositeInfo, CompositeItem>,
-               Family<CollectionInfo, CollectionItem>>::ForEach(call);
-}
+void ForAllFamilies(auto&& call) { IfKit::AllFamilies::ForEach(call); }
 
 /// A new schema as its constructor makes it.
 template<typename Info>
@@ -46,6 +23,16 @@ boost::intrusive_ptr<Info> FreshInfo(unsigned int id, std::string const& name, P
     else
         return Make<Info>(id, name, permission);
 }
+
+/// A section as an application has it.
+struct PlainSection : Section
+{
+    using Section::Section;
+    PlainSection* DeepCopy() const override { return new PlainSection(*this); }
+};
+
+using Sections =
+    GenericContainerImpl<Section, boost::intrusive_ptr<Section>, boost::intrusive_ptr<Section const>, SectionId_t>;
 
 /// An application's class that has tags of its own.
 template<typename Base>
@@ -86,9 +73,7 @@ boost::intrusive_ptr<Info> FilledInfo()
     auto const item = Filled<Item>(1);
     if constexpr (requires { info->SetMaxSize(9); })
         info->SetMaxSize(9);
-    if constexpr (std::is_same_v<Info, ColourInfo>)
-        info->SetDefault(item->Val());
-    else if constexpr (requires { info->SetTable({item->GetVal()}); })
+    if constexpr (requires { info->SetTable({item->GetVal()}); })
         info->SetTable({item->GetVal()});
     else if constexpr (requires { info->SetDefault(item->GetVal()); })
         info->SetDefault(item->GetVal());

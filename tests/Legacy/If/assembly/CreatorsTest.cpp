@@ -2,43 +2,30 @@
 
 #include <Legacy/If/Creators.h>
 
-#include <memory>
-
 namespace Legacy::If::Test {
 namespace {
 
-template<typename T>
-class Creators : public testing::Test
-{};
-
 // One class of each shape; the instances themselves are pinned by the list of exported symbols.
-using Created = testing::Types<NumericItem<U16Traits>, NumericArrayItem<FloatTraits>, RectItem<U16Traits>,
-                               RectArrayItem<U16Traits>, BoolArrayItem, EndpointItem, CompositeItem>;
-TYPED_TEST_SUITE(Creators, Created);
-
-TYPED_TEST(Creators, MakeTheirClassInItsFirstState)
+TEST(Creators, MakeTheirClassInItsFirstStateUnderItsIdentity)
 {
-    ItemCreator<TypeParam> const creator;
-    std::unique_ptr<ItemCreatorBase const> const base(new ItemCreator<TypeParam>(creator));
-    ItemBase* const made = base->CreateItem(42);
-    EXPECT_EQ(made->GetRefCount(), 0);
-    auto const held = Hold(made);
-    auto const derived = Hold(creator.CreateDerivedItem(42));
-    EXPECT_EQ(typeid(*made), typeid(TypeParam));
-    EXPECT_EQ(held->GetId(), 42U);
-    EXPECT_TRUE(held->IsEqualValue(derived));
-}
+    auto const expect = []<typename Item>(ItemCreator<Item> const& creator) {
+        ItemCreatorBase const& base = creator;
+        ItemBase* const made = base.CreateItem(42);
+        EXPECT_EQ(made->GetRefCount(), 0);
+        auto const held = Hold(made);
+        EXPECT_EQ(typeid(*made), typeid(Item));
+        EXPECT_EQ(held->GetId(), 42U);
+        EXPECT_TRUE(held->IsEqualValue(Hold(creator.CreateDerivedItem(42))));
+    };
+    TraitsList<ItemCreator<NumericItem<U16Traits>>, ItemCreator<NumericArrayItem<FloatTraits>>,
+               ItemCreator<RectItem<U16Traits>>, ItemCreator<RectArrayItem<U16Traits>>, ItemCreator<BoolArrayItem>,
+               ItemCreator<EndpointItem>, ItemCreator<CompositeItem>>::ForEach(expect);
 
-TEST(InfoCreator, MakesASchemaUnderItsIdentity)
-{
     InfoCreator<NumericArrayInfo<U64Traits>> const creator;
     InfoCreatorBase const& base = creator;
     auto const made = Hold(base.CreateInfo(7, "rates", Permission_t{3}));
-    auto const* const info = dynamic_cast<NumericArrayInfo<U64Traits> const*>(made.get());
-    ASSERT_NE(info, nullptr);
-    EXPECT_EQ(info->GetId(), 7U);
-    EXPECT_EQ(info->GetName(), "rates");
-    EXPECT_EQ(info->GetPermission(), Permission_t{3});
+    EXPECT_NE(dynamic_cast<NumericArrayInfo<U64Traits> const*>(made.get()), nullptr);
+    EXPECT_TRUE(made->GetId() == 7 && made->GetName() == "rates" && made->GetPermission() == Permission_t{3});
 }
 
 } // namespace

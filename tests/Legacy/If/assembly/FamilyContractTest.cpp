@@ -63,23 +63,32 @@ void ExpectValidation(ItemBase& item, InfoPtr const& info)
         EXPECT_EQ(MessageOf(item, [&] { return (item.*half)(info); }), type == Numeric ? mismatch : illegal);
 }
 
-template<typename Item>
-void ExpectValue(Item& item)
+using Item = boost::intrusive_ptr<ItemBase>;
+using Info = boost::intrusive_ptr<InfoBase>;
+
+/// What the class of a value gives, as its roots: so that what is expected is compiled once.
+struct ValueCase
 {
+    ItemBase& item;
+    IfType_t staticType;
+    NumericType_t staticElement;
+    Item fresh;       // under the id 7
+    Item tagged;      // of a derived class with a tag of its own
+    Item assigned;    // under the id 8, by `operator=`
+    Item constructed; // from the value
+    Item copied;
+};
+
+void ExpectValue(ValueCase const& given)
+{
+    ItemBase& item = given.item;
     IfType_t const type = item.GetType();
-    EXPECT_EQ(Item::GetTypeStatic(), type);
-    EXPECT_EQ(Item::GetNumericTypeStatic(), item.GetNumericType());
+    EXPECT_EQ(given.staticType, type);
+    EXPECT_EQ(given.staticElement, item.GetNumericType());
     EXPECT_TRUE(Dumped(item).starts_with("id: 7\ntype: " + Word(type) + '\n'));
-    auto const expectCopy = [&](boost::intrusive_ptr<Item> const& copy, unsigned int id) {
-        EXPECT_EQ(copy->GetId(), id);
-        EXPECT_EQ(copy->GetRefCount(), 1);
-        EXPECT_TRUE(copy->IsEqualType(&item) && copy->IsEqualValue(&item));
-    };
-    auto const assigned = Make<Item>(8U);
-    EXPECT_FALSE(assigned->IsEqualValue(&item));
-    *assigned = item;
+    EXPECT_FALSE(given.fresh->IsEqualValue(&item));
     ItemPtr const other = type == Extended ? ItemPtr(Make<CollectionItem>(7U)) : Make<ExtendedItem>(7U);
-    for (ItemPtr const& foreign : {ItemPtr(), other, ItemPtr(Make<Tagged<Item>>(7U))}) {
+    for (ItemPtr const& foreign : {ItemPtr(), other, ItemPtr(given.tagged)}) {
         // Contract: a composite clears the flag before it looks at the source's type, and callers read it then.
         Outcome const refused{IfErrTypeNotAssignable, type == Composite ? 0 : -1};
         EXPECT_EQ(Assign(item, foreign), (foreign ? refused : Outcome{IfErrNullSource, -1}));
@@ -104,52 +113,63 @@ void ExpectValue(Item& item)
         record.numericType ^= part == 2;
         EXPECT_EQ(Read(*target, record), IfErrInvalidArgument);
         // Contract: a list of endpoints is emptied before the header is looked at, and callers count on the empty list.
-        EXPECT_TRUE(target->IsEqualValue(type == AppEndpointArray ? Make<Item>(7U) : &item));
+        EXPECT_TRUE(target->IsEqualValue(type == AppEndpointArray ? ItemPtr(given.fresh) : &item));
     }
-    expectCopy(assigned, 8);
-    expectCopy(Make<Item>(item), 7);
-    expectCopy(Hold(item.DeepCopy()), 7);
-    expectCopy(Hold(item.DeepCopy(9)), 9);
+    for (auto const& [copy, id] :
+         {std::pair(given.assigned, 8U), {given.constructed, 7}, {given.copied, 7}, {Hold(item.DeepCopy(9)), 9}})
+    {
+        EXPECT_EQ(copy->GetId(), id);
+        EXPECT_TRUE(copy->IsEqualType(&item) && copy->IsEqualValue(&item));
+    }
+    EXPECT_TRUE(given.constructed->GetRefCount() == 1 && given.copied->GetRefCount() == 1);
 }
 
-template<typename Info>
-void ExpectSchema(Info& info)
+/// The same of a schema.
+struct SchemaCase
 {
+    InfoBase& info;
+    IfType_t staticType;
+    NumericType_t staticElement;
+    Info tagged;
+    Info assigned; // under an identity of its own
+    Info constructed;
+    Info copied;
+    Info renamed;
+};
+
+void ExpectSchema(SchemaCase const& given)
+{
+    InfoBase& info = given.info;
     IfType_t const type = info.GetType();
     // Contract: a schema of lists of rectangles tells static callers that it is one of rectangles, and they rely on it.
-    EXPECT_EQ(Info::GetTypeStatic(), type == RectArray ? Rectangle : type);
-    EXPECT_EQ(Info::GetNumericTypeStatic(), info.GetNumericType());
+    EXPECT_EQ(given.staticType, type == RectArray ? Rectangle : type);
+    EXPECT_EQ(given.staticElement, info.GetNumericType());
     std::string const element = Word(info.GetNumericType());
     EXPECT_TRUE(Dumped(info).starts_with("id: 7\npermission: 4660\nname: speed\ntype: " + Word(type) + '\n' +
                                          (element == "Undefined" ? "" : "numericType: " + element + '\n')));
-    auto const expectCopy = [&](boost::intrusive_ptr<Info> const& copy, unsigned int id, std::string const& name,
-                                Permission_t permission) {
+    int const unmerged = k_withoutMerge.contains(type) ? IfErrTypeNotAssignable : IfErrBoundsTypeMismatch;
+    for (InfoPtr const& foreign : {InfoPtr(), ForeignInfo(type), InfoPtr(given.tagged)}) {
+        EXPECT_EQ(Assign(info, foreign), (Outcome{foreign ? IfErrTypeNotAssignable : IfErrNullSource, -1}));
+        EXPECT_EQ(info.MergeBounds(foreign), unmerged);
+        EXPECT_EQ(info.IsEqualBounds(foreign), type == Colour); // a colour has none to compare
+    }
+    EXPECT_EQ(info.IsEqualBounds(given.copied), !k_neverEqual.contains(type));
+    EXPECT_EQ(info.MergeBounds(given.copied), k_neverMerged.contains(type) ? IfErrTypeNotAssignable : 0);
+    auto const expectCopy = [&](Info const& copy, unsigned int id, std::string const& name, Permission_t permission) {
         EXPECT_EQ(copy->GetId(), id);
         EXPECT_EQ(copy->GetName(), name);
         EXPECT_EQ(copy->GetPermission(), permission);
-        EXPECT_EQ(copy->GetRefCount(), 1);
         EXPECT_EQ(Printed(*copy), Printed(info));
         auto const created = Hold(copy->CreateItem());
         EXPECT_EQ(created->GetId(), id);
         EXPECT_TRUE(copy->IsEqualType(created) && created->IsEqualValue(Hold(info.CreateItem())));
     };
-    auto const assigned = FreshInfo<Info>(8, "own", {5});
-    *assigned = info;
-    int const unmerged = k_withoutMerge.contains(type) ? IfErrTypeNotAssignable : IfErrBoundsTypeMismatch;
-    for (InfoPtr const& foreign :
-         {InfoPtr(), ForeignInfo(type), InfoPtr(FreshInfo<Tagged<Info>>(7, "speed", {0x1234}))}) {
-        EXPECT_EQ(Assign(info, foreign), (Outcome{foreign ? IfErrTypeNotAssignable : IfErrNullSource, -1}));
-        EXPECT_EQ(info.MergeBounds(foreign), unmerged);
-        EXPECT_EQ(info.IsEqualBounds(foreign), type == Colour); // a colour has none to compare
-    }
-    auto const twin = Hold(info.DeepCopy());
-    EXPECT_EQ(info.IsEqualBounds(twin), !k_neverEqual.contains(type));
-    EXPECT_EQ(info.MergeBounds(twin), k_neverMerged.contains(type) ? IfErrTypeNotAssignable : 0);
-    expectCopy(assigned, 8, "own", {5});
-    expectCopy(Make<Info>(info), 7, "speed", {0x1234});
-    expectCopy(Hold(info.DeepCopy()), 7, "speed", {0x1234});
-    expectCopy(Hold(info.DeepCopy(9, "other")), 9, "other", {0x1234});
+    expectCopy(given.assigned, 8, "own", {5});
+    expectCopy(given.constructed, 7, "speed", {0x1234});
+    expectCopy(given.copied, 7, "speed", {0x1234});
+    expectCopy(given.renamed, 9, "other", {0x1234});
     expectCopy(Hold(info.DeepCopy(9, "other", {6})), 9, "other", {6});
+    EXPECT_TRUE(given.constructed->GetRefCount() == 1 && given.copied->GetRefCount() == 1);
 }
 
 TEST(Families, HaveTheirWords)
@@ -162,12 +182,21 @@ TEST(Families, HaveTheirWords)
 
 TEST(Families, HoldToWhatTheyHaveInCommon)
 {
-    ForAllFamilies([]<typename Info, typename Item>(Family<Info, Item>) {
-        auto const item = Filled<Item>(7);
+    ForAllFamilies([]<typename InfoClass, typename ItemClass>(Family<InfoClass, ItemClass>) {
+        auto const item = Filled<ItemClass>(7);
         SCOPED_TRACE(Dumped(*item));
-        ExpectValue(*item);
-        if constexpr (!std::is_void_v<Info>)
-            ExpectSchema(*FilledInfo<Info, Item>());
+        auto const assigned = Make<ItemClass>(8U);
+        *assigned = *item;
+        ExpectValue({*item, ItemClass::GetTypeStatic(), ItemClass::GetNumericTypeStatic(), Make<ItemClass>(7U),
+                     Make<Tagged<ItemClass>>(7U), assigned, Make<ItemClass>(*item), Hold(item->DeepCopy())});
+        if constexpr (!std::is_void_v<InfoClass>) {
+            auto const info = FilledInfo<InfoClass, ItemClass>();
+            auto const assignedInfo = FreshInfo<InfoClass>(8, "own", {5});
+            *assignedInfo = *info;
+            ExpectSchema({*info, InfoClass::GetTypeStatic(), InfoClass::GetNumericTypeStatic(),
+                          FreshInfo<Tagged<InfoClass>>(7, "speed", {0x1234}), assignedInfo, Make<InfoClass>(*info),
+                          Hold(info->DeepCopy()), Hold(info->DeepCopy(9, "other"))});
+        }
     });
 }
 

@@ -107,18 +107,5 @@ concept IsChecked = requires(Item item, AppEndpointList list, AppEndpointArrayIn
 };
 static_assert(!IsMadeOf<AppEndpointArrayItem> && !IsChecked<AppEndpointArrayItem>);
 
-int (NumericSparseInfo<U8Traits>::*const s_setTable)(std::vector<unsigned char>&) =
-    &NumericSparseInfo<U8Traits>::SetTable;
-int (StringSparseInfo::*const s_setDefault)(std::string) = &StringSparseInfo::SetDefault;
-
-TEST(Lists, AreNamedByTheirMembers)
-{
-    auto const numbers = MakeInfo<NumericSparseInfo<U8Traits>>();
-    std::vector<unsigned char> table{7, 8};
-    EXPECT_EQ(((*numbers).*s_setTable)(table), 0);
-    EXPECT_EQ(numbers->GetDefault(), 7);
-    EXPECT_EQ((*MakeInfo<StringSparseInfo>().*s_setDefault)("x"), IfErrNotInSet);
-}
-
 } // namespace
 } // namespace Legacy::If::Test

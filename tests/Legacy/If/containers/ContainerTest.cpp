@@ -1,11 +1,5 @@
-#include "../TestSupport.h"
+#include "../Families.h"
 
-#include <Legacy/If/GenericContainerImpl.h>
-#include <Legacy/If/InfoItemContainer.h>
-#include <Legacy/If/InfoItemHolderContainer.h>
-#include <Legacy/If/Numeric.h>
-#include <Legacy/If/NumericArray.h>
-#include <Legacy/If/String.h>
 #include <Orlek/LogicError.h>
 
 #include <functional>
@@ -14,12 +8,6 @@
 
 namespace Legacy::If::Test {
 namespace {
-
-struct PlainSection : Section
-{
-    using Section::Section;
-    PlainSection* DeepCopy() const override { return new PlainSection(*this); }
-};
 
 template<typename Element>
 auto KeyOf(unsigned int id)

@@ -1,9 +1,4 @@
-#include "../TestSupport.h"
-
-#include <Legacy/If/InfoItemSectionId.h>
-#include <Legacy/If/Section.h>
-#include <Legacy/If/SectionId.h>
-#include <Legacy/If/String.h>
+#include "../Families.h"
 
 #include <boost/container_hash/hash.hpp>
 
@@ -161,12 +156,6 @@ TEST(SectionKey, OrdersAndHashesByItsParts)
     std::unordered_set<Id> const ids{Id(7), Id(8), Id(7)};
     EXPECT_EQ(ids.size(), 2U);
 }
-
-struct PlainSection : Section
-{
-    using Section::Section;
-    PlainSection* DeepCopy() const override { return new PlainSection(*this); }
-};
 
 TEST(Section, HasFlagsAndPrintsItself)
 {

@@ -187,11 +187,9 @@ TEST(ShapeRecords, HaveTheirBytesAndSizes)
     {
         Record record = RecordOf(*item);
         EXPECT_EQ(record.payload, payload);
-        for (std::size_t const size : {payload.size() + 4, payload.size() + 1, payload.size() - 1}) {
-            auto const target = Hold(item->DeepCopy());
+        for (std::size_t const size : {payload.size() + 1, payload.size() - 1}) {
             record.payload.resize(size);
-            EXPECT_EQ(Read(*target, record), takesMore && size > payload.size() ? 0 : IfErrInvalidArgument) << size;
-            EXPECT_EQ(Dumped(*target), Dumped(*item));
+            EXPECT_EQ(Rebuild(record).first, takesMore && size > payload.size() ? 0 : IfErrInvalidArgument) << size;
         }
     }
 }
