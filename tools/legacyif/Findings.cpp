@@ -1,9 +1,9 @@
 #include "Findings.h"
 
+#include <Legacy/If/Composite.h>
 #include <Legacy/IfKit/Difference.h>
 #include <Legacy/IfKit/Explain.h>
 #include <Legacy/IfKit/ValueText.h>
-#include <Legacy/IfKit/Visit.h>
 
 #include <utility>
 
@@ -33,30 +33,6 @@ std::pair<ItemBase const*, InfoPtr> MemberAt(ItemBase const& item, InfoPtr const
     return member;
 }
 
-/// Whether a value of a family without a validation is what its schema asks for.
-bool IsWithin(ItemBase const& item, InfoBase const& info)
-{
-    return Visit(
-        item,
-        [&]<typename T>(NumericSparseItem<T> const& value) {
-            auto const* const schema = dynamic_cast<NumericSparseInfo<T> const*>(&info);
-            return schema && schema->IsPresent(value.GetVal());
-        },
-        [&]<typename T>(CoordinateItem<T> const& value) {
-            auto const* const schema = dynamic_cast<CoordinateInfo<T> const*>(&info);
-            return schema && value.WithinBounds(*schema);
-        },
-        [&]<typename T>(RectItem<T> const& value) {
-            auto const* const schema = dynamic_cast<RectInfo<T> const*>(&info);
-            return schema && value.WithinBounds(*schema);
-        },
-        [&]<typename T>(RectArrayItem<T> const& value) {
-            auto const* const schema = dynamic_cast<RectArrayInfo<T> const*>(&info);
-            return schema && value.WithinBounds(*schema) && schema->Sizes().Contains(value.GetSize());
-        },
-        [](ItemBase const&) { return false; });
-}
-
 std::string OutsideText(std::string const& name, std::string const& language)
 {
     return name + (language == "de" ? ": Der Wert liegt außerhalb dessen, was sein Schema zulässt."
@@ -79,7 +55,7 @@ std::vector<Finding_t> FindingsOf(InfoItemDirectory const& directory, InfoItemHo
             finding.path += '[' + std::to_string(index) + ']';
         if (finding.key == k_notValidated) {
             auto const [member, schema] = MemberAt(item, info, place);
-            if (member && schema && IsWithin(*member, *schema))
+            if (member && schema && IsWithinBounds(*member, *schema))
                 return true;
             finding.key = k_outside;
             finding.message = OutsideText(schema ? schema->GetName() : "?", language);

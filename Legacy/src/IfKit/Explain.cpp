@@ -1,6 +1,7 @@
 #include <Legacy/If/Composite.h>
 #include <Legacy/If/FindingScope.h>
 #include <Legacy/IfKit/Explain.h>
+#include <Legacy/IfKit/Visit.h>
 
 #include <utility>
 #include <vector>
@@ -101,5 +102,29 @@ LocalizedString Explain(ItemBase const& item, InfoPtr const& info)
 }
 
 void ExplainEach(ItemBase& item, InfoPtr const& info, ExplainUse const& use) { Search(use).Run(item, info); }
+
+bool IsWithinBounds(ItemBase const& item, InfoBase const& info)
+{
+    using namespace If;
+    return Visit(
+        item,
+        [&]<typename T>(NumericSparseItem<T> const& value) {
+            auto const* const schema = dynamic_cast<NumericSparseInfo<T> const*>(&info);
+            return schema && schema->IsPresent(value.GetVal());
+        },
+        [&]<typename T>(CoordinateItem<T> const& value) {
+            auto const* const schema = dynamic_cast<CoordinateInfo<T> const*>(&info);
+            return schema && value.WithinBounds(*schema);
+        },
+        [&]<typename T>(RectItem<T> const& value) {
+            auto const* const schema = dynamic_cast<RectInfo<T> const*>(&info);
+            return schema && value.WithinBounds(*schema);
+        },
+        [&]<typename T>(RectArrayItem<T> const& value) {
+            auto const* const schema = dynamic_cast<RectArrayInfo<T> const*>(&info);
+            return schema && value.WithinBounds(*schema) && schema->Sizes().Contains(value.GetSize());
+        },
+        [](ItemBase const&) { return false; });
+}
 
 } // namespace Legacy::IfKit

@@ -1,3 +1,4 @@
+#include <Legacy/IfKit/Json.h>
 #include <Legacy/IfKit/ValueText.h>
 #include <Legacy/IfKit/Visit.h>
 #include <Orlek/Localization.h>
@@ -154,6 +155,34 @@ std::string ValueText(If::InfoHolder const& holder, ItemBase const& item, std::s
     std::string const text = ValueText(item, holder.GetInfo().get(), language);
     std::string const unit = holder.GetUnit();
     return unit.empty() ? text : text + ' ' + Printable(unit);
+}
+
+boost::intrusive_ptr<ItemBase> ParseValueText(InfoBase const& info, std::string const& text, std::string& fault)
+{
+    using namespace If;
+    using Result = boost::intrusive_ptr<ItemBase>;
+    unsigned int const id = info.GetId();
+    auto const fromJson = [&] {
+        std::istringstream is(text);
+        Result item;
+        if (auto const found = ReadBareJson(is, info, item))
+            fault = "'" + Printable(text) + "' is no value of this parameter: " + Printable(found->ToString());
+        return item;
+    };
+    return Visit(
+        info, [&](StringInfo const&) { return Result(StringItem::Create(id, text)); },
+        [&](StringSparseInfo const&) { return Result(StringSparseItem::Create(id, text)); },
+        [&](AddrInfo const&) { return Result(AddrItem::Create(id, Net::AddrStr(text))); },
+        [&](EndpointInfo const&) {
+            return text.starts_with('{')
+                       ? fromJson()
+                       : Result(EndpointItem::Create(id, Net::Endpoint<Net::AddrStr>::FromString(text)));
+        },
+        [&](EnumInfo const& own) {
+            int value = 0;
+            return own.GetElemVal(text, value) == 0 ? Result(EnumItem::Create(id, value)) : fromJson();
+        },
+        [&](InfoBase const&) { return fromJson(); });
 }
 
 } // namespace Legacy::IfKit

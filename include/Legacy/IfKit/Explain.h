@@ -50,4 +50,9 @@ using ExplainUse = std::function<bool(MemberPlace place, If::LocalizedString con
 LEGACY_IFKIT_API void ExplainEach(If::ItemBase& item, boost::intrusive_ptr<If::InfoBase const> const& info,
                                   ExplainUse const& use);
 
+/// Whether a value of a family whose `Validate` judges nothing is what its schema asks for: a number that is in the
+/// table, a point or a rectangle within the bounds, as many rectangles as may be. False for every other family and for
+/// a schema of another type.
+LEGACY_IFKIT_API bool IsWithinBounds(If::ItemBase const& item, If::InfoBase const& info);
+
 } // namespace Legacy::IfKit

@@ -5,6 +5,8 @@
 #include <Legacy/If/ItemBase.h>
 #include <Legacy/IfKit/Export.h>
 
+#include <boost/smart_ptr/intrusive_ptr.hpp>
+
 #include <string>
 #include <string_view>
 
@@ -35,5 +37,13 @@ LEGACY_IFKIT_API std::string ValueText(If::ItemBase const& item, If::InfoBase co
 /// The same with the unit that the holder of the schema tells: "50 km/h".
 LEGACY_IFKIT_API std::string ValueText(If::InfoHolder const& holder, If::ItemBase const& item,
                                        std::string const& language = {});
+
+/// A value of the schema's type from what a person writes: texts and addresses as they stand, an element of an
+/// enumeration by its name or number, an endpoint as host:port, and everything else in the bare form of `Json.h`, such
+/// as `true`, `1500` and `[1, 2]`. Bounds are not tested, but that of the type is.
+/// @param fault becomes why the text is no such value, in one printable line; untouched otherwise.
+/// @return null for a text that is no such value.
+LEGACY_IFKIT_API boost::intrusive_ptr<If::ItemBase> ParseValueText(If::InfoBase const& info, std::string const& text,
+                                                                   std::string& fault);
 
 } // namespace Legacy::IfKit

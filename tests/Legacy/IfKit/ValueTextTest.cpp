@@ -42,6 +42,43 @@ TEST(ValueText, NamesWhatANumberHides)
     EXPECT_EQ(ValueText(Speed(Named<NumericInfo<U8Traits>>("speed")), *speed), "50 km?/h");
 }
 
+TEST(ValueText, IsReadAsPeopleWriteIt)
+{
+    auto const mode = Named<EnumInfo>("mode");
+    mode->SetTable({{"off", 0, false}, {"auto", 2, false}});
+    boost::intrusive_ptr<InfoBase> const infos[] = {
+        Named<StringInfo>("text"),       mode,
+        Named<EndpointInfo>("peer"),     Named<NumericInfo<U8Traits>>("number"),
+        Named<StringArrayInfo>("texts"), Named<BoolInfo>("truth"),
+    };
+    auto const read = [&](std::size_t info, std::string const& text) {
+        std::string fault;
+        auto const item = ParseValueText(*infos[info], text, fault);
+        EXPECT_EQ(item == nullptr, !fault.empty());
+        return item ? ValueText(*item, infos[info].get()) : "refused: " + fault;
+    };
+    EXPECT_EQ(read(0, "two words"), "two words");
+    EXPECT_EQ(read(1, "auto"), "auto");
+    EXPECT_EQ(read(1, "2"), "auto");
+    EXPECT_EQ(read(2, "host:80"), "host:80");
+    EXPECT_EQ(read(3, "255"), "255");
+    EXPECT_EQ(read(4, R"(["a", "b c"])"), "(a, b c)");
+    struct
+    {
+        std::size_t info;
+        char const* text;
+        char const* why;
+    } const refused[] = {
+        {1, "fast", "is no value"},    {3, "-1", "whole number from 0 to 255"},
+        {3, "1.5", "whole number"},    {3, "256", "whole number from 0"},
+        {3, "", "is no value"},        {3, "1 2", "is no value"},
+        {4, "2 a b", "is no value"},   {4, "a", "is no value"},
+        {5, "perhaps", "is no value"}, {3, "\033[2J", "'?[2J' is no value"},
+    };
+    for (auto const& row : refused)
+        EXPECT_NE(read(row.info, row.text).find(row.why), std::string::npos) << read(row.info, row.text);
+}
+
 TEST(ValueText, IsPrintableWhateverTheBytes)
 {
     EXPECT_EQ(Printable("Grüße, 你好 \U0001F600"), "Grüße, 你好 \U0001F600");
