@@ -11,7 +11,7 @@ elif [ $# -eq 0 ]; then
     cd "$(dirname "$0")/.."
     echo "Building (the first time takes a few minutes) …"
     build_log=$(mktemp)
-    ./scripts/build.sh release legacyif_fleet_device legacyif_fleet_controller >"$build_log" 2>&1 ||
+    ./scripts/build.sh release legacyif-device legacyif-fleet >"$build_log" 2>&1 ||
         { tail -40 "$build_log"; rm -f "$build_log"; exit 1; }
     rm -f "$build_log"
     build_dir=build/release
@@ -19,8 +19,8 @@ else
     grep '^# usage' "$0" >&2
     exit 2
 fi
-programs=$build_dir/examples/fleet
-[ -x "$programs/fleet_controller" ] || { echo "there are no programs in $programs" >&2; exit 1; }
+programs=$build_dir/fleet
+[ -x "$programs/legacyif-fleet" ] || { echo "there are no programs in $programs" >&2; exit 1; }
 mosquitto=$(PATH=$PATH:/usr/sbin:/usr/local/sbin command -v mosquitto) || { echo "mosquitto is not installed" >&2; exit 1; }
 
 work=$(mktemp -d)
@@ -121,11 +121,11 @@ for _ in $(seq 20); do
     fi
 done
 [ -n "${pids[broker]:-}" ] || fail "no broker could be started"
-start camera-1 "$programs/fleet_device" --name camera-1 --broker "127.0.0.1:$port" --interval 0.5 </dev/null
-start hall "$programs/fleet_device" --name hall --kind climate --broker "127.0.0.1:$port" --interval 0.5 </dev/null
+start camera-1 "$programs/legacyif-device" --name camera-1 --broker "127.0.0.1:$port" --interval 0.5 </dev/null
+start hall "$programs/legacyif-device" --name hall --kind climate --broker "127.0.0.1:$port" --interval 0.5 </dev/null
 mkfifo "$work/commands"
 exec 9<>"$work/commands"
-start controller "$programs/fleet_controller" --broker "127.0.0.1:$port" --language de --name desk <"$work/commands"
+start controller "$programs/legacyif-fleet" --broker "127.0.0.1:$port" --language de --name desk <"$work/commands"
 expect camera-1 "connected to"
 expect hall "connected to"
 expect controller "camera-1: camera, online"
@@ -164,7 +164,7 @@ expect controller "hall climate/target is set"
 
 echo "A controller that comes late finds everything:"
 printf 'wait\nshow hall\n' >"$work/late"
-start late "$programs/fleet_controller" --broker "127.0.0.1:$port" --device hall --device camera-1 <"$work/late"
+start late "$programs/legacyif-fleet" --broker "127.0.0.1:$port" --device hall --device camera-1 <"$work/late"
 expect late "climate/target = 225 1/10 °C"
 expect late "network/gateway = 198.51.100.1"
 expect late "camera-1 video/frame-rate: 30 Hz"

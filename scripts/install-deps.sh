@@ -6,11 +6,11 @@ set -euo pipefail
 
 packages=(
     g++ clang cmake ninja-build pkg-config git ccache python3
-    libboost-log1.81-dev libboost-url1.81-dev libboost-json1.81-dev libcli11-dev
+    libboost1.81-dev libboost-log1.81-dev libboost-url1.81-dev libboost-json1.81-dev libcli11-dev
     libprotobuf-dev protobuf-compiler
     libgtest-dev libgmock-dev libbenchmark-dev nlohmann-json3-dev valgrind
     gettext gdb
-    mosquitto libmosquitto-dev
+    mosquitto libmosquitto-dev libssl-dev libedit-dev
     libclang-rt-14-dev clang-format clang-tidy
     "$@"
 )

@@ -1,4 +1,4 @@
-#include "Mqtt.h"
+#include "common/Mqtt.h"
 
 #include <mosquitto.h>
 #include <sys/eventfd.h>

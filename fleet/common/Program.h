@@ -85,6 +85,10 @@ std::vector<bool> WaitReadable(std::initializer_list<int> descriptors, std::chro
 /// Writes to the log, which goes to the standard error stream.
 void Log(Orlek::LogLevel_t level, std::string const& text);
 
+/// Takes the texts of the programs, beside those that the library brings along, from where they stand relative to the
+/// program's own file, `../share/legacyif-fleet/locale`.
+void UseCatalogues();
+
 /// A number that grows from call to call and from run to run: the clock, in microseconds, pushed on where it stands
 /// still. It fails across runs only for a clock that was set back behind the former run.
 std::uint64_t NextNumber();

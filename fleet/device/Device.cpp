@@ -1,11 +1,11 @@
 // A device of the fleet: it has parameters of its own, publishes them, and lets controllers set them.
 
-#include "Answers.h"
-#include "Model.h"
-#include "Mqtt.h"
-#include "Program.h"
-#include "Topics.h"
-#include "Wire.h"
+#include "common/Mqtt.h"
+#include "common/Program.h"
+#include "common/Topics.h"
+#include "common/Wire.h"
+#include "device/Answers.h"
+#include "device/Model.h"
 
 #include <Legacy/If/InfoItemDirectory.h>
 #include <Legacy/If/Numeric.h>
@@ -13,7 +13,6 @@
 #include <Legacy/IfKit/Difference.h>
 #include <Legacy/IfKit/Explain.h>
 #include <Legacy/IfKit/ValueText.h>
-#include <Orlek/Localization.h>
 
 #include <algorithm>
 #include <array>
@@ -38,7 +37,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::string_view k_help = R"(usage: fleet_device --name NAME [options]
+constexpr std::string_view k_help = R"(usage: legacyif-device --name NAME [options]
 
 A device whose parameters are mirrored through an MQTT broker. It runs until SIGINT or SIGTERM.
 
@@ -239,8 +238,7 @@ void Work(Options const& options)
 {
     auto const settings = SettingsOf(options);
     StopSignal const stop;
-    // The texts of this application, beside those that the library brings along.
-    Orlek::Localization::SetCatalogueDirectory(FLEET_LOCALE_DIR);
+    UseCatalogues();
     Device(settings).Run(stop);
 }
 

@@ -1,4 +1,4 @@
-#include "Answers.h"
+#include "device/Answers.h"
 
 #include <algorithm>
 

@@ -1,9 +1,9 @@
-#include "Wire.h"
+#include "common/Wire.h"
 
-#include "Answers.h"
-#include "Mirror.h"
-#include "Model.h"
-#include "Topics.h"
+#include "common/Topics.h"
+#include "controller/Mirror.h"
+#include "device/Answers.h"
+#include "device/Model.h"
 
 #include <Legacy/If/Addr.h>
 #include <Legacy/If/Numeric.h>

@@ -1,11 +1,11 @@
 // The controller of the fleet: it mirrors devices, tells what changes on them, and sets values on them.
 
-#include "Mirror.h"
-#include "Model.h"
-#include "Mqtt.h"
-#include "Program.h"
-#include "Topics.h"
-#include "Wire.h"
+#include "common/Mqtt.h"
+#include "common/Program.h"
+#include "common/Topics.h"
+#include "common/Wire.h"
+#include "controller/Mirror.h"
+#include "device/Model.h"
 
 #include <unistd.h>
 
@@ -31,7 +31,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::string_view k_help = R"(usage: fleet_controller [options]
+constexpr std::string_view k_help = R"(usage: legacyif-fleet [options]
 
 Mirrors the parameters of devices through an MQTT broker, tells what changes, and sets values.
 

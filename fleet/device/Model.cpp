@@ -1,6 +1,6 @@
-#include "Model.h"
+#include "device/Model.h"
 
-#include "Program.h"
+#include "common/Program.h"
 
 #include <Legacy/If/Addr.h>
 #include <Legacy/If/AppEndpoint.h>

@@ -1,4 +1,4 @@
-#include "Topics.h"
+#include "common/Topics.h"
 
 #include <algorithm>
 #include <array>

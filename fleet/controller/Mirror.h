@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Model.h"
-#include "Wire.h"
+#include "common/Wire.h"
+#include "device/Model.h"
 
 #include <Legacy/If/InfoItemDirectory.h>
 

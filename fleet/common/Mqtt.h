@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Wire.h"
+#include "common/Wire.h"
 
 #include <Net/AddrStr.h>
 #include <Net/Endpoint.h>

@@ -1,4 +1,4 @@
-#include "Mirror.h"
+#include "controller/Mirror.h"
 
 #include <Legacy/If/InfoItemHolderDefs.h>
 #include <Legacy/IfKit/Difference.h>

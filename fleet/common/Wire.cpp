@@ -1,4 +1,4 @@
-#include "Wire.h"
+#include "common/Wire.h"
 
 #include <Legacy/IfKit/Records.h>
 

@@ -1,7 +1,8 @@
-#include "Program.h"
+#include "common/Program.h"
 
-#include "Topics.h"
+#include "common/Topics.h"
 
+#include <Orlek/Localization.h>
 #include <Orlek/LogManager.h>
 #include <Orlek/LoggerFacade.h>
 
@@ -15,6 +16,7 @@
 #include <csignal>
 #include <cstddef>
 #include <exception>
+#include <filesystem>
 #include <iostream>
 #include <system_error>
 
@@ -122,9 +124,17 @@ std::vector<bool> WaitReadable(std::initializer_list<int> descriptors, std::chro
 
 void Log(Orlek::LogLevel_t level, std::string const& text)
 {
-    static auto const logger = Orlek::LogManager::Instance().GetLogger("Example.Fleet");
+    static auto const logger = Orlek::LogManager::Instance().GetLogger("Legacy.Fleet");
     if (logger->IsEnabled(level))
         BOOST_LOG_SEV(*logger->get(), level) << text;
+}
+
+void UseCatalogues()
+{
+    std::error_code error;
+    auto const program = std::filesystem::read_symlink("/proc/self/exe", error);
+    if (!error)
+        Orlek::Localization::SetCatalogueDirectory(program.parent_path().parent_path() / "share/legacyif-fleet/locale");
 }
 
 std::uint64_t NextNumber()
