@@ -122,7 +122,7 @@ for _ in $(seq 20); do
 done
 [ -n "${pids[broker]:-}" ] || fail "no broker could be started"
 start camera-1 "$programs/legacyif-device" --name camera-1 --broker "127.0.0.1:$port" --interval 0.5 </dev/null
-start hall "$programs/legacyif-device" --name hall --kind climate --broker "127.0.0.1:$port" --interval 0.5 </dev/null
+start hall "$programs/legacyif-device" --name hall --template climate --broker "127.0.0.1:$port" --interval 0.5 </dev/null
 mkfifo "$work/commands"
 exec 9<>"$work/commands"
 start controller "$programs/legacyif-fleet" --broker "127.0.0.1:$port" --language de --name desk <"$work/commands"

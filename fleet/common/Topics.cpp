@@ -21,10 +21,14 @@ struct Kind_t
     bool hasPath;
 };
 
-constexpr std::array<Kind_t, 4> k_kinds{{{TopicKind_t::About, "about", false, false},
+constexpr std::array<Kind_t, 8> k_kinds{{{TopicKind_t::About, "about", false, false},
+                                         {TopicKind_t::Schema, "schema", false, false},
                                          {TopicKind_t::Value, "value", false, true},
+                                         {TopicKind_t::Total, "total", false, false},
+                                         {TopicKind_t::Claim, "claim", false, false},
                                          {TopicKind_t::Set, "set", true, true},
-                                         {TopicKind_t::Answer, "answer", true, false}}};
+                                         {TopicKind_t::Answer, "answer", true, false},
+                                         {TopicKind_t::Echo, "echo", false, false}}};
 
 Kind_t const& Row(TopicKind_t kind)
 {
@@ -38,16 +42,6 @@ std::string_view TakeLevel(std::string_view& rest)
     auto const level = rest.substr(0, end);
     rest.remove_prefix(std::min(end + 1, rest.size()));
     return level;
-}
-
-/// A section path and a name: two levels at least, none of them empty, and nothing that a broker takes for a pattern.
-bool IsPath(std::string_view text)
-{
-    return text.size() <= k_maxPath && text.find('/') != std::string_view::npos && !text.starts_with('/') &&
-           !text.ends_with('/') && text.find("//") == std::string_view::npos &&
-           std::none_of(text.begin(), text.end(), [](char c) {
-               return static_cast<unsigned char>(c) < ' ' || c == '\x7f' || c == '+' || c == '#';
-           });
 }
 
 std::string Join(Kind_t const& row, std::string_view device, std::string_view controller, std::string_view path)
@@ -69,6 +63,15 @@ bool IsName(std::string_view text)
         return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_' ||
                c == '.';
     });
+}
+
+bool IsPath(std::string_view text)
+{
+    return text.size() <= k_maxPath && text.find('/') != std::string_view::npos && !text.starts_with('/') &&
+           !text.ends_with('/') && text.find("//") == std::string_view::npos &&
+           std::none_of(text.begin(), text.end(), [](char c) {
+               return static_cast<unsigned char>(c) < ' ' || c == '\x7f' || c == '+' || c == '#';
+           });
 }
 
 std::string ToText(Topic_t const& topic) { return Join(Row(topic.kind), topic.device, topic.controller, topic.path); }

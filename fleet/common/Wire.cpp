@@ -14,7 +14,8 @@ using Legacy::If::ItemBase;
 
 namespace {
 
-constexpr std::string_view k_mark = "FL\x01";
+constexpr std::size_t k_maxTitle = 256;
+constexpr std::string_view k_mark = "FL\x02";
 
 class Writer
 {
@@ -65,6 +66,7 @@ public:
     }
 
     bool Good() const { return m_good; }
+    bool GoodAtEnd() const { return m_good && m_rest.empty(); }
 
     template<typename Number>
     Number Get()
@@ -116,16 +118,33 @@ std::optional<Message> IfGood(Reader const& reader, Message&& message)
 
 Bytes Encode(AboutMessage const& message)
 {
-    return Writer('A').Put(static_cast<unsigned char>(message.online)).Text(message.kind).Take();
+    return Writer('A')
+        .Put(static_cast<unsigned char>(message.online))
+        .Put(message.instance)
+        .Put(message.lineage)
+        .Put(message.first)
+        .Text(message.title)
+        .Take();
 }
 
-Bytes Encode(ValueMessage const& message) { return Writer('V').Put(message.sequence).Record(*message.item).Take(); }
+Bytes Encode(ValueMessage const& message)
+{
+    return Writer('V').Put(message.lineage).Put(message.sequence).Record(*message.item).Take();
+}
+
+Bytes Encode(TotalMessage const& message)
+{
+    return Writer('T').Put(message.lineage).Put(message.last).Put(message.sum).Take();
+}
+
+Bytes Encode(ClaimMessage const& message) { return Writer('C').Put(message.instance).Take(); }
 
 Bytes Encode(SetMessage const& message)
 {
     if (message.language.size() > 0xff)
         throw std::invalid_argument("the name of the language is too long");
     return Writer('S')
+        .Put(message.session)
         .Put(message.request)
         .Put(static_cast<unsigned char>(message.language.size()))
         .Text(message.language)
@@ -135,8 +154,15 @@ Bytes Encode(SetMessage const& message)
 
 Bytes Encode(AnswerMessage const& message)
 {
-    return Writer('R').Put(message.request).Put(std::int32_t{message.code}).Text(message.text).Take();
+    return Writer('R')
+        .Put(message.session)
+        .Put(message.request)
+        .Put(std::int32_t{message.code})
+        .Text(message.text)
+        .Take();
 }
+
+Bytes Encode(EchoMessage const& message) { return Writer('E').Put(message.token).Take(); }
 
 std::optional<AboutMessage> DecodeAbout(std::span<unsigned char const> bytes)
 {
@@ -144,23 +170,45 @@ std::optional<AboutMessage> DecodeAbout(std::span<unsigned char const> bytes)
     AboutMessage message;
     auto const online = reader.Get<unsigned char>();
     message.online = online == 1;
-    message.kind = reader.TextToEnd();
-    return online <= 1 ? IfGood(reader, std::move(message)) : std::nullopt;
+    message.instance = reader.Get<std::uint64_t>();
+    message.lineage = reader.Get<std::uint64_t>();
+    message.first = reader.Get<std::uint64_t>();
+    message.title = reader.TextToEnd();
+    return online <= 1 && message.title.size() <= k_maxTitle ? IfGood(reader, std::move(message)) : std::nullopt;
 }
 
 std::optional<ValueMessage> DecodeValue(std::span<unsigned char const> bytes)
 {
     Reader reader(bytes, 'V');
     ValueMessage message;
+    message.lineage = reader.Get<std::uint64_t>();
     message.sequence = reader.Get<std::uint64_t>();
     message.item = reader.RecordToEnd();
     return IfGood(reader, std::move(message));
+}
+
+std::optional<TotalMessage> DecodeTotal(std::span<unsigned char const> bytes)
+{
+    Reader reader(bytes, 'T');
+    TotalMessage message;
+    message.lineage = reader.Get<std::uint64_t>();
+    message.last = reader.Get<std::uint64_t>();
+    message.sum = reader.Get<std::uint64_t>();
+    return reader.GoodAtEnd() ? std::optional(message) : std::nullopt;
+}
+
+std::optional<ClaimMessage> DecodeClaim(std::span<unsigned char const> bytes)
+{
+    Reader reader(bytes, 'C');
+    ClaimMessage const message{reader.Get<std::uint64_t>()};
+    return reader.GoodAtEnd() ? std::optional(message) : std::nullopt;
 }
 
 std::optional<SetMessage> DecodeSet(std::span<unsigned char const> bytes)
 {
     Reader reader(bytes, 'S');
     SetMessage message;
+    message.session = reader.Get<std::uint64_t>();
     message.request = reader.Get<std::uint64_t>();
     message.language = reader.Text(reader.Get<unsigned char>());
     message.item = reader.RecordToEnd();
@@ -171,10 +219,18 @@ std::optional<AnswerMessage> DecodeAnswer(std::span<unsigned char const> bytes)
 {
     Reader reader(bytes, 'R');
     AnswerMessage message;
+    message.session = reader.Get<std::uint64_t>();
     message.request = reader.Get<std::uint64_t>();
     message.code = reader.Get<std::int32_t>();
     message.text = reader.TextToEnd();
     return message.code <= 0 ? IfGood(reader, std::move(message)) : std::nullopt;
+}
+
+std::optional<EchoMessage> DecodeEcho(std::span<unsigned char const> bytes)
+{
+    Reader reader(bytes, 'E');
+    EchoMessage const message{reader.Get<std::uint64_t>()};
+    return reader.GoodAtEnd() ? std::optional(message) : std::nullopt;
 }
 
 } // namespace Fleet

@@ -1,420 +1,391 @@
-// The controller of the fleet: it mirrors devices, tells what changes on them, and sets values on them.
+#include "controller/Controller.h"
 
-#include "common/Mqtt.h"
 #include "common/Program.h"
 #include "common/Topics.h"
-#include "common/Wire.h"
-#include "controller/Mirror.h"
-#include "device/Model.h"
 
-#include <unistd.h>
+#include <Legacy/IfKit/Difference.h>
 
 #include <algorithm>
-#include <array>
-#include <chrono>
-#include <cstdlib>
-#include <deque>
-#include <iostream>
-#include <map>
-#include <memory>
-#include <optional>
-#include <random>
-#include <sstream>
-#include <string>
-#include <string_view>
 #include <utility>
-#include <vector>
 
 namespace Fleet {
 
+using namespace Legacy::If;
+using namespace std::chrono_literals;
+
 namespace {
 
-using Clock = std::chrono::steady_clock;
+constexpr auto k_tick = 200ms;
+constexpr auto k_repeatTime = 3s;
+constexpr auto k_confirmTime = 15s;
+constexpr std::chrono::milliseconds k_firstRepair = 2s;
+constexpr std::chrono::milliseconds k_maxRepair = 300s;
 
-constexpr std::string_view k_help = R"(usage: legacyif-fleet [options]
-
-Mirrors the parameters of devices through an MQTT broker, tells what changes, and sets values.
-
-  --broker HOST:PORT     where the broker listens (127.0.0.1:1883)
-  --device NAME          a device to mirror; may be repeated (all devices)
-  --language LANGUAGE    of the messages with which devices refuse a value, such as de (en)
-  --name NAME            what devices know this controller as; letters, digits, '-', '_' and '.'
-                         (a name of its own for each run)
-  --help                 this text
-
-It reads commands from the standard input, one to a line:
-
-)";
-
-constexpr std::string_view k_commands = R"(  list                   the devices
-  show DEVICE            all values of a device
-  set DEVICE PATH VALUE  asks the device for another value; a list is its length and its elements
-  wait                   until the devices are there with all values, and every request is answered
-  wait SECONDS           so long
-  quit                   ends the program
-
-At the end of the input it waits for the answers that are due and ends.
-)";
-
-constexpr std::size_t k_maxDevices = 1000;
-constexpr auto k_repeatTime = std::chrono::seconds(3);
-constexpr auto k_tick = std::chrono::milliseconds(200);
-
-struct Settings_t
+/// The same on every machine, so that controllers agree about who has which device.
+std::uint32_t HashOf(std::string_view name)
 {
-    std::string name;
-    std::string language;
-    std::vector<std::string> devices; ///< empty for all
-    Net::Endpoint<Net::AddrStr> broker;
-};
-
-class Controller
-{
-public:
-    explicit Controller(Settings_t settings)
-        : m_settings(std::move(settings)), m_mqtt("fleet-controller-" + m_settings.name, m_settings.broker, {})
-    {}
-
-    /// Works until the signal, the command or the end of the input.
-    void Run(StopSignal const& stop)
-    {
-        while (!m_quit) {
-            bool const reading = !m_atEnd && m_input.size() < k_maxInput && !IsWaiting_();
-            auto const readable =
-                WaitReadable({stop.Descriptor(), m_mqtt.Descriptor(), reading ? STDIN_FILENO : -1}, k_tick);
-            if (readable[0])
-                return;
-            for (auto const& event : m_mqtt.Take())
-                Handle_(event);
-            RepeatRequests_();
-            if (readable[2])
-                ReadInput_();
-            RunCommands_();
-        }
-    }
-
-private:
-    /// A value that a device was asked for and has not answered for yet.
-    struct Request_t
-    {
-        std::uint64_t number;
-        std::string path;
-        ItemPtr item;
-    };
-
-    struct Device_t
-    {
-        std::unique_ptr<Mirror> mirror;
-        bool online = false;
-        bool subscribed = false;        ///< within this connection
-        std::deque<Request_t> requests; ///< the first one is under way; the others follow in order
-        Clock::time_point sent;
-    };
-
-    static constexpr std::size_t k_maxInput = 64 * 1024;
-
-    void Handle_(Mqtt::Event_t const& event)
-    {
-        switch (event.kind) {
-        case Mqtt::EventKind_t::Connected:
-            std::cout << "connected to " << m_settings.broker.ToString() << std::endl;
-            Begin_();
-            break;
-        case Mqtt::EventKind_t::Disconnected:
-            std::cout << "no connection: " << event.text << std::endl;
-            break;
-        case Mqtt::EventKind_t::Message:
-            if (!HandleMessage_(event))
-                Log(Orlek::LogLevel_t::Warning, "dropped a damaged or foreign message: " + Printable(event.text));
-            break;
-        }
-    }
-
-    /// First what the devices are; the values of each follow once its schemas are known.
-    void Begin_()
-    {
-        m_mqtt.Subscribe(Filter(TopicKind_t::Answer, k_anyName, m_settings.name));
-        if (m_settings.devices.empty())
-            m_mqtt.Subscribe(Filter(TopicKind_t::About, k_anyName));
-        for (auto const& name : m_settings.devices)
-            m_mqtt.Subscribe(Filter(TopicKind_t::About, name));
-        for (auto& [name, device] : m_devices) {
-            device.subscribed = false;
-            Send_(name, device);
-        }
-    }
-
-    bool HandleMessage_(Mqtt::Event_t const& event)
-    {
-        auto const topic = ParseTopic(event.text);
-        if (!topic)
-            return false;
-        switch (topic->kind) {
-        case TopicKind_t::About:
-            return HandleAbout_(*topic, event.payload);
-        case TopicKind_t::Value:
-            return HandleValue_(*topic, event.payload);
-        case TopicKind_t::Answer:
-            return HandleAnswer_(*topic, event.payload);
-        case TopicKind_t::Set:
-            break;
-        }
-        return false;
-    }
-
-    bool HandleAbout_(Topic_t const& topic, Bytes const& payload)
-    {
-        auto const message = DecodeAbout(payload);
-        auto const kinds = Kinds();
-        if (!message || std::find(kinds.begin(), kinds.end(), message->kind) == kinds.end())
-            return false;
-        if (m_devices.size() >= k_maxDevices && !m_devices.contains(topic.device))
-            return false;
-        auto& device = m_devices[topic.device];
-        bool const news = !device.mirror || device.mirror->Kind() != message->kind;
-        if (news) {
-            device.mirror = std::make_unique<Mirror>(topic.device, message->kind);
-            device.subscribed = false;
-        }
-        if (news || device.online != message->online)
-            std::cout << topic.device << ": " << message->kind << ", " << (message->online ? "online" : "offline")
-                      << std::endl;
-        device.online = message->online;
-        // The retained values come with the subscription, and whatever is known already is passed over.
-        if (!std::exchange(device.subscribed, true))
-            m_mqtt.Subscribe(Filter(TopicKind_t::Value, topic.device));
-        Send_(topic.device, device);
-        return true;
-    }
-
-    bool HandleValue_(Topic_t const& topic, Bytes const& payload)
-    {
-        auto const device = m_devices.find(topic.device);
-        auto const message = DecodeValue(payload);
-        return device != m_devices.end() && message &&
-               device->second.mirror->Apply(topic.path, *message) != Mirror::Outcome_t::Foreign;
-    }
-
-    bool HandleAnswer_(Topic_t const& topic, Bytes const& payload)
-    {
-        auto const found = m_devices.find(topic.device);
-        auto const message = DecodeAnswer(payload);
-        if (found == m_devices.end() || topic.controller != m_settings.name || !message)
-            return false;
-        auto& device = found->second;
-        // The answer to a repeated request comes repeatedly.
-        if (device.requests.empty() || device.requests.front().number != message->request)
-            return true;
-        std::cout << topic.device << ' ' << device.requests.front().path;
-        if (message->code == 0)
-            std::cout << " is set" << std::endl;
-        else
-            std::cout << " is refused (" << message->code << "): " << Printable(message->text) << std::endl;
-        device.requests.pop_front();
-        Send_(topic.device, device);
-        return true;
-    }
-
-    /// Sends the request that is under way, for the first time or once more. The device executes a number once.
-    void Send_(std::string const& name, Device_t& device)
-    {
-        if (device.requests.empty() || !device.online)
-            return;
-        auto const& request = device.requests.front();
-        m_mqtt.Publish(ToText({TopicKind_t::Set, name, m_settings.name, request.path}),
-                       Encode(SetMessage{request.number, m_settings.language, request.item}), false);
-        device.sent = Clock::now();
-    }
-
-    void RepeatRequests_()
-    {
-        for (auto& [name, device] : m_devices) {
-            if (Clock::now() >= device.sent + k_repeatTime)
-                Send_(name, device);
-        }
-    }
-
-    /// Takes what is there of the standard input.
-    void ReadInput_()
-    {
-        std::array<char, 4096> buffer;
-        auto const count = read(STDIN_FILENO, buffer.data(), buffer.size());
-        if (count > 0)
-            m_input.append(buffer.data(), static_cast<std::size_t>(count));
-        else
-            m_atEnd = true;
-    }
-
-    void RunCommands_()
-    {
-        for (auto end = m_input.find('\n'); end != std::string::npos && !m_quit && !IsWaiting_();
-             end = m_input.find('\n')) {
-            std::istringstream line(m_input.substr(0, end));
-            m_input.erase(0, end + 1);
-            Command_(line);
-        }
-        if (m_input.size() >= k_maxInput && m_input.find('\n') == std::string::npos)
-            m_input.clear();
-        if (m_atEnd && !IsWaiting_()) {
-            // A last line may end with the input.
-            std::istringstream line(std::exchange(m_input, {}));
-            Command_(line);
-            m_quit = m_quit || !HasRequests_();
-        }
-    }
-
-    void Command_(std::istringstream& line)
-    {
-        std::string word;
-        if (!(line >> word))
-            return;
-        if (word == "list")
-            List_();
-        else if (word == "show")
-            Show_(line);
-        else if (word == "set")
-            Set_(line);
-        else if (word == "wait")
-            Wait_(line);
-        else if (word == "quit")
-            m_quit = true;
-        else
-            std::cout << "The commands are:\n" << k_commands << std::flush;
-    }
-
-    void List_() const
-    {
-        for (auto const& [name, device] : m_devices)
-            std::cout << "  " << name << ": " << device.mirror->Kind() << ", " << (device.online ? "online" : "offline")
-                      << '\n';
-        std::cout << m_devices.size() << " devices" << std::endl;
-    }
-
-    Device_t* Find_(std::string const& name)
-    {
-        auto const found = m_devices.find(name);
-        if (found == m_devices.end()) {
-            std::cout << "error: no such device: " << Printable(name) << std::endl;
-            return nullptr;
-        }
-        return &found->second;
-    }
-
-    void Show_(std::istringstream& line)
-    {
-        std::string name;
-        line >> name;
-        if (auto const* device = Find_(name)) {
-            std::cout << name << '\n';
-            device->mirror->Show(std::cout);
-            std::cout << std::flush;
-        }
-    }
-
-    void Set_(std::istringstream& line)
-    {
-        std::string name;
-        std::string path;
-        std::string text;
-        line >> name >> path;
-        std::getline(line >> std::ws, text);
-        auto* const device = Find_(name);
-        if (!device)
-            return;
-        auto const info = device->mirror->Find(path);
-        if (!info) {
-            std::cout << "error: no such parameter: " << Printable(path) << std::endl;
-            return;
-        }
-        std::string error;
-        auto const item = ReadValue(info->GetInfo(), text, error);
-        if (!item) {
-            std::cout << "error: " << path << ": " << error << std::endl;
-            return;
-        }
-        device->requests.push_back({NextNumber(), path, item});
-        if (device->requests.size() == 1)
-            Send_(name, *device);
-    }
-
-    void Wait_(std::istringstream& line)
-    {
-        std::string word;
-        if (!(line >> word)) {
-            m_waitsForAll = true;
-            return;
-        }
-        char* end = nullptr;
-        double const seconds = std::strtod(word.c_str(), &end);
-        if (*end == '\0' && seconds >= 0 && seconds <= 86400)
-            m_waitsUntil = Clock::now() + std::chrono::milliseconds(static_cast<long>(seconds * 1000));
-        else
-            std::cout << "error: not a number of seconds: " << Printable(word) << std::endl;
-    }
-
-    bool HasRequests_() const
-    {
-        return std::any_of(m_devices.begin(), m_devices.end(),
-                           [](auto const& entry) { return !entry.second.requests.empty(); });
-    }
-
-    /// Whether there is nothing to wait for: all devices are known, and those online with all their values.
-    bool IsSettled_() const
-    {
-        return m_mqtt.IsConnected() && !m_devices.empty() && !HasRequests_() &&
-               std::all_of(m_settings.devices.begin(), m_settings.devices.end(),
-                           [this](auto const& name) { return m_devices.contains(name); }) &&
-               std::all_of(m_devices.begin(), m_devices.end(),
-                           [](auto const& entry) { return !entry.second.online || entry.second.mirror->IsComplete(); });
-    }
-
-    bool IsWaiting_()
-    {
-        if (m_waitsForAll && IsSettled_())
-            m_waitsForAll = false;
-        if (m_waitsUntil && Clock::now() >= *m_waitsUntil)
-            m_waitsUntil.reset();
-        return m_waitsForAll || m_waitsUntil;
-    }
-
-    Settings_t const m_settings;
-    std::map<std::string, Device_t> m_devices;
-    std::string m_input;
-    bool m_atEnd = false;
-    bool m_quit = false;
-    bool m_waitsForAll = false;
-    std::optional<Clock::time_point> m_waitsUntil;
-    Mqtt m_mqtt;
-};
-
-Settings_t SettingsOf(Options const& options)
-{
-    Settings_t settings;
-    settings.name = options.Value("--name").value_or("controller-" + std::to_string(std::random_device()()));
-    RequireName("--name", settings.name);
-    settings.language = options.Value("--language").value_or("en");
-    if (settings.language.size() > 32)
-        throw UsageError("--language: not a language: " + Printable(settings.language));
-    settings.devices = options.Values("--device");
-    for (auto const& device : settings.devices)
-        RequireName("--device", device);
-    settings.broker = BrokerOf(options);
-    return settings;
+    std::uint32_t hash = 2166136261U;
+    for (char const c : name)
+        hash = (hash ^ static_cast<unsigned char>(c)) * 16777619U;
+    return hash ^ (hash >> 15);
 }
 
-void Work(Options const& options)
+std::vector<std::string> ValueFilters(std::string const& name)
 {
-    auto settings = SettingsOf(options);
-    StopSignal const stop;
-    Controller(std::move(settings)).Run(stop);
+    return {Filter(TopicKind_t::Value, name), Filter(TopicKind_t::Total, name)};
 }
 
 } // namespace
 
-} // namespace Fleet
-
-int main(int argc, char** argv)
+struct Controller::Device::Request_t
 {
-    static std::string const help = std::string(Fleet::k_help) + std::string(Fleet::k_commands);
-    return Fleet::RunProgram(argc, argv, help, {"--broker", "--device", "--language", "--name"}, Fleet::Work);
+    std::uint64_t number;
+    std::string path;
+    std::string language;
+    ItemPtr item;
+    Clock::time_point deadline;
+    Done done;
+};
+
+Controller::Device::Device(std::string name) : m_name(std::move(name)) {}
+
+Controller::Device::~Device() = default;
+
+Controller::Controller(boost::asio::io_context& context, Settings_t settings)
+    : m_settings(std::move(settings)), m_sessionId(RandomNumber()), m_timer(context),
+      m_session(context, m_settings.broker, "legacyif-fleet-" + m_settings.name + '-' + std::to_string(m_sessionId),
+                {.connected = [this] { Begin_(); },
+                 .disconnected = [this](std::string const& reason) { Lost_(reason); },
+                 .message = [this](Message_t const& message) { Handle_(message); },
+                 .acknowledged = {},
+                 .denied = [this] { Drop_("", "the broker refuses a subscription"); }})
+{}
+
+Controller::~Controller() = default;
+
+void Controller::Start()
+{
+    m_session.Start();
+    Tick_();
 }
+
+void Controller::Stop(std::function<void()> done)
+{
+    m_timer.cancel();
+    m_session.Stop(std::move(done));
+}
+
+Controller::Device const* Controller::Find(std::string const& name) const
+{
+    auto const found = m_devices.find(name);
+    return found == m_devices.end() ? nullptr : found->second.get();
+}
+
+Controller::Device* Controller::Find_(std::string const& name)
+{
+    auto const found = m_devices.find(name);
+    return found == m_devices.end() ? nullptr : found->second.get();
+}
+
+void Controller::ForEach(std::function<void(Device const& device)> const& use) const
+{
+    for (auto const& [name, device] : m_devices)
+        use(*device);
+}
+
+bool Controller::IsMine_(std::string_view name) const
+{
+    if (!m_settings.devices.empty())
+        return std::find(m_settings.devices.begin(), m_settings.devices.end(), name) != m_settings.devices.end();
+    return m_settings.shares <= 1 || HashOf(name) % m_settings.shares == m_settings.share;
+}
+
+/// First who there is; what each one has follows when it is known.
+void Controller::Begin_()
+{
+    m_isListed = false;
+    m_token = RandomNumber();
+    m_confirmBy = Clock::time_point::max();
+    for (auto& [name, device] : m_devices) {
+        device->m_isSubscribed = false;
+        device->m_isConfirmed = false;
+    }
+    std::vector<std::string> filters{Filter(TopicKind_t::Answer, k_anyName, m_settings.name),
+                                     Filter(TopicKind_t::Echo, m_settings.name)};
+    if (m_settings.devices.empty())
+        filters.push_back(Filter(TopicKind_t::About, k_anyName));
+    for (auto const& name : m_settings.devices)
+        filters.push_back(Filter(TopicKind_t::About, name));
+    m_session.Subscribe(filters);
+    // It comes back behind all that the broker has to say about devices.
+    m_session.Publish(ToText({TopicKind_t::Echo, m_settings.name, {}, {}}), Encode(EchoMessage{m_token}), false);
+    m_signals.link(true, {});
+}
+
+void Controller::Lost_(std::string const& reason)
+{
+    m_isListed = false;
+    m_confirmBy = Clock::time_point::max();
+    m_signals.link(false, reason);
+}
+
+void Controller::Handle_(Message_t const& message)
+{
+    auto const topic = ParseTopic(message.topic);
+    bool isGood = false;
+    if (topic) {
+        auto const& name = topic->device;
+        switch (topic->kind) {
+        case TopicKind_t::About:
+            isGood = HandleAbout_(name, message);
+            break;
+        case TopicKind_t::Schema:
+            isGood = HandleSchema_(name, message);
+            break;
+        case TopicKind_t::Value:
+            isGood = HandleValue_(name, topic->path, message);
+            break;
+        case TopicKind_t::Total:
+            isGood = HandleTotal_(name, message);
+            break;
+        case TopicKind_t::Answer:
+            isGood = topic->controller == m_settings.name && HandleAnswer_(name, message);
+            break;
+        case TopicKind_t::Echo:
+            isGood = name == m_settings.name && HandleEcho_(message);
+            break;
+        case TopicKind_t::Claim:
+        case TopicKind_t::Set:
+            break;
+        }
+    }
+    if (!isGood)
+        Drop_(message.topic, {});
+}
+
+bool Controller::HandleAbout_(std::string const& name, Message_t const& message)
+{
+    auto const about = DecodeAbout(message.payload);
+    if (!about)
+        return false;
+    if (!IsMine_(name))
+        return true;
+    auto& slot = m_devices[name];
+    bool const isNew = !slot;
+    if (isNew)
+        slot = std::make_unique<Device>(name);
+    auto& device = *slot;
+    if (device.m_about) {
+        // What a broker remembers may be older than what is known.
+        if (device.m_about->lineage == about->lineage && about->first < device.m_about->first)
+            return true;
+        // Of two processes of one name, the one that leaves is not the one that stays.
+        if (device.m_isOnline && !about->online && device.m_about->instance != about->instance)
+            return true;
+    }
+    bool const isChanged = isNew || device.m_isOnline != about->online || device.m_title != about->title;
+    device.m_about = about;
+    device.m_title = about->title;
+    device.m_isOnline = about->online;
+    device.m_isConfirmed = true;
+    if (device.m_mirror)
+        device.m_mirror->Begin(about->lineage, about->first);
+    if (isChanged)
+        m_signals.device(device);
+    if (!m_settings.isListOnly && !std::exchange(device.m_isSubscribed, true)) {
+        // The schema first: values that come before it would be for nothing.
+        auto filters = ValueFilters(name);
+        filters.insert(filters.begin(), Filter(TopicKind_t::Schema, name));
+        m_session.Subscribe(filters);
+    }
+    Send_(device);
+    return true;
+}
+
+bool Controller::HandleSchema_(std::string const& name, Message_t const& message)
+{
+    auto* const device = Find_(name);
+    if (!device || !device->m_about)
+        return !IsMine_(name);
+    std::string fault;
+    auto schemas =
+        m_schemas.Read({reinterpret_cast<char const*>(message.payload.data()), message.payload.size()}, fault);
+    if (!schemas) {
+        Drop_(message.topic, fault);
+        return true;
+    }
+    if (device->m_mirror && device->m_mirror->Schemas() == schemas)
+        return true;
+    bool const isFirst = !device->m_mirror;
+    device->m_mirror = std::make_unique<Mirror>(
+        std::move(schemas), [this, device](Mirror::ParameterPtr const& parameter, ItemPtr const& former) {
+            m_signals.change({*device, *parameter, former});
+        });
+    device->m_mirror->Begin(device->m_about->lineage, device->m_about->first);
+    // Values that came under the former schemas come again.
+    if (!isFirst)
+        m_session.Subscribe(ValueFilters(name));
+    m_signals.device(*device);
+    if (device->IsComplete())
+        m_signals.complete(*device);
+    return true;
+}
+
+bool Controller::HandleValue_(std::string const& name, std::string const& path, Message_t const& message)
+{
+    auto const value = message.payload.size() <= k_maxMessage ? DecodeValue(message.payload) : std::nullopt;
+    auto* const device = Find_(name);
+    if (!value || !device || !device->m_mirror)
+        return false;
+    ++m_values;
+    bool const wasComplete = device->IsComplete();
+    auto const outcome = device->m_mirror->Apply(path, *value);
+    if (!wasComplete && device->IsComplete())
+        m_signals.complete(*device);
+    return outcome != Mirror::Outcome_t::Foreign;
+}
+
+bool Controller::HandleTotal_(std::string const& name, Message_t const& message)
+{
+    auto const total = DecodeTotal(message.payload);
+    auto* const device = Find_(name);
+    if (!total || !device)
+        return false;
+    if (device->m_mirror && device->m_mirror->Agrees(*total)) {
+        Repaired_(*device);
+        return true;
+    }
+    if (!device->m_total) {
+        device->m_repairDelay = k_firstRepair;
+        device->m_repairAt = Clock::now() + k_firstRepair;
+    }
+    device->m_total = total;
+    m_suspected.insert(device);
+    return true;
+}
+
+bool Controller::HandleAnswer_(std::string const& name, Message_t const& message)
+{
+    auto const answer = DecodeAnswer(message.payload);
+    auto* const device = Find_(name);
+    if (!answer || !device)
+        return false;
+    // Another controller of this name may have asked, and the answer to a repeated request comes repeatedly.
+    if (answer->session != m_sessionId || device->m_requests.empty() ||
+        device->m_requests.front()->number != answer->request)
+        return true;
+    using enum Answer_t::Outcome_t;
+    Finish_(*device, {answer->code == 0 ? Set : Refused, answer->code, answer->text});
+    return true;
+}
+
+bool Controller::HandleEcho_(Message_t const& message)
+{
+    auto const echo = DecodeEcho(message.payload);
+    if (!echo)
+        return false;
+    if (echo->token != m_token || m_isListed)
+        return true;
+    m_isListed = true;
+    m_confirmBy = Clock::now() + k_confirmTime;
+    m_signals.listed();
+    return true;
+}
+
+void Controller::Set(std::string const& name, ItemPtr const& item, std::string const& language,
+                     std::chrono::milliseconds patience, Done done)
+{
+    using enum Answer_t::Outcome_t;
+    auto* const device = Find_(name);
+    if (!device)
+        return done({NoDevice, 0, {}});
+    auto const parameter = device->m_mirror ? device->m_mirror->Directory().FindInfo(item->GetId()) : nullptr;
+    if (!parameter)
+        return done({NoParameter, 0, {}});
+    auto path = Legacy::IfKit::PathOf(device->m_mirror->Directory(), *parameter->GetInfo());
+    device->m_requests.push_back(std::make_unique<Device::Request_t>(
+        Device::Request_t{++m_requests, std::move(path), language, item,
+                          patience == 0ms ? Clock::time_point::max() : Clock::now() + patience, std::move(done)}));
+    m_asking.insert(device);
+    if (device->m_requests.size() == 1)
+        Send_(*device);
+}
+
+/// Sends the request that is under way, for the first time or once more. The device executes a number once.
+void Controller::Send_(Device& device)
+{
+    if (device.m_requests.empty() || !device.m_isOnline)
+        return;
+    auto const& request = *device.m_requests.front();
+    m_session.Publish(ToText({TopicKind_t::Set, device.m_name, m_settings.name, request.path}),
+                      Encode(SetMessage{m_sessionId, request.number, request.language, request.item}), false);
+    device.m_sent = Clock::now();
+}
+
+void Controller::Finish_(Device& device, Answer_t const& answer)
+{
+    auto const request = std::move(device.m_requests.front());
+    device.m_requests.pop_front();
+    if (device.m_requests.empty())
+        m_asking.erase(&device);
+    Send_(device);
+    request->done(answer);
+}
+
+void Controller::Tick_()
+{
+    auto const now = Clock::now();
+    auto const asking = m_asking; // an answer may bring the next question
+    for (auto* const device : asking) {
+        while (!device->m_requests.empty() && device->m_requests.front()->deadline <= now)
+            Finish_(*device, {Answer_t::Outcome_t::NoAnswer, 0, {}});
+        if (!device->m_requests.empty() && now >= device->m_sent + k_repeatTime)
+            Send_(*device);
+    }
+    auto const suspected = m_suspected;
+    for (auto* const device : suspected)
+        if (now >= device->m_repairAt)
+            Repair_(*device);
+    // Who has not told that it is there since the broker came back is not.
+    if (now >= m_confirmBy) {
+        m_confirmBy = Clock::time_point::max();
+        for (auto& [name, device] : m_devices)
+            if (!device->m_isConfirmed && std::exchange(device->m_isOnline, false))
+                m_signals.device(*device);
+    }
+    m_timer.expires_after(k_tick);
+    m_timer.async_wait([this](boost::system::error_code const& error) {
+        if (!error)
+            Tick_();
+    });
+}
+
+/// Values were lost on the way, as a broker does that has too many for a slow client. It remembers the last of each.
+void Controller::Repair_(Device& device)
+{
+    if (device.m_mirror && (device.m_mirror->Agrees(*device.m_total) || device.m_mirror->IsAhead(*device.m_total)))
+        return Repaired_(device);
+    device.m_repairDelay = std::min(2 * device.m_repairDelay, k_maxRepair);
+    device.m_repairAt = Clock::now() + device.m_repairDelay;
+    if (!m_session.IsConnected() || !device.m_isSubscribed)
+        return;
+    Log(Orlek::LogLevel_t::Info, device.m_name + ": values are missing, and are asked for again");
+    auto filters = ValueFilters(device.m_name);
+    filters.insert(filters.begin(), Filter(TopicKind_t::Schema, device.m_name));
+    m_session.Subscribe(filters);
+}
+
+void Controller::Repaired_(Device& device)
+{
+    device.m_total.reset();
+    m_suspected.erase(&device);
+}
+
+void Controller::Drop_(std::string_view topic, std::string const& why)
+{
+    auto const what = "dropped a damaged or foreign message: " + Printable(topic) + (why.empty() ? "" : ": ") + why;
+    Log(Orlek::LogLevel_t::Warning, what);
+    m_signals.dropped(what);
+}
+
+} // namespace Fleet

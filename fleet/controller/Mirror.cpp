@@ -1,83 +1,83 @@
 #include "controller/Mirror.h"
 
 #include <Legacy/If/InfoItemHolderDefs.h>
-#include <Legacy/IfKit/Difference.h>
-#include <Legacy/IfKit/ValueText.h>
 
-#include <iostream>
-#include <memory>
+#include <algorithm>
 #include <stdexcept>
-#include <vector>
+#include <utility>
 
 namespace Fleet {
 
 using namespace Legacy::If;
-using Legacy::IfKit::PathOf;
-using Legacy::IfKit::ValueText;
 
-Mirror::Mirror(std::string const& device, std::string const& kind) : m_device(device), m_kind(kind)
+Mirror::Mirror(SchemasPtr schemas, Listener listener)
+    : m_schemas(std::move(schemas)), m_listener(std::move(listener)), m_sequences(m_schemas->ids.size())
 {
-    if (UpdateFromDelta(BuildModel(kind), true, false) != 0)
-        throw std::logic_error("the model of the kind " + kind + " does not fit together");
+    if (UpdateFromDelta(m_schemas->delta, true, false) != 0)
+        throw std::logic_error("schemas that were read do not fit together");
+}
+
+bool Mirror::Begin(std::uint64_t lineage, std::uint64_t first)
+{
+    if (lineage == m_lineage && first < m_first)
+        return false;
+    if (lineage == m_lineage && first == m_first)
+        return true;
+    if (lineage != m_lineage) {
+        std::fill(m_sequences.begin(), m_sequences.end(), 0);
+        m_last = 0;
+        m_sum = 0;
+    }
+    m_lineage = lineage;
+    m_first = first;
+    m_fresh = 0;
+    return true;
 }
 
 Mirror::Outcome_t Mirror::Apply(std::string const& path, ValueMessage const& message)
 {
+    if (message.lineage != m_lineage || message.sequence <= m_first)
+        return Outcome_t::Stale;
     auto const parameter = FindInfoItem(path);
     if (!parameter)
         return Outcome_t::Foreign;
     auto const& info = parameter->GetInfo()->GetInfo();
-    if (info->GetId() != message.item->GetId() || message.item->Validate(info))
+    auto const& ids = m_schemas->ids;
+    auto const place = std::lower_bound(ids.begin(), ids.end(), info->GetId());
+    if (info->GetId() != message.item->GetId() || place == ids.end() || *place != info->GetId())
         return Outcome_t::Foreign;
-    if (auto const known = m_sequences.find(info->GetId());
-        known != m_sequences.end() && message.sequence <= known->second)
+    auto& sequence = m_sequences[static_cast<std::size_t>(place - ids.begin())];
+    if (message.sequence <= sequence)
         return Outcome_t::Known;
-
-    auto const delta = std::make_shared<InfoItemDirectoryDelta>();
-    delta->AddItem(new ItemHolder(message.item));
-    if (UpdateFromDelta(delta, false, true) != 0)
+    // The bounds are for the device to judge: what it has is shown, with what is wrong about it.
+    if (info->GetType() != message.item->GetType() || info->GetNumericType() != message.item->GetNumericType())
         return Outcome_t::Foreign;
-    m_sequences[info->GetId()] = message.sequence;
+
+    // The number first, so that those who hear of the value see the whole.
+    auto const former = std::exchange(sequence, message.sequence);
+    m_fresh += former <= m_first;
+    m_sum += message.sequence - former;
+    m_last = std::max(m_last, message.sequence);
+    SetItem(new ItemHolder(message.item));
     return Outcome_t::Applied;
 }
 
-boost::intrusive_ptr<InfoHolder const> Mirror::Find(std::string const& path) const
+bool Mirror::Agrees(TotalMessage const& total) const noexcept
 {
-    auto const parameter = FindInfoItem(path);
-    return parameter ? parameter->GetInfo() : nullptr;
+    return total.lineage == m_lineage && total.sum == m_sum;
 }
 
-bool Mirror::IsComplete() const
+bool Mirror::IsAhead(TotalMessage const& total) const noexcept
 {
-    std::vector<boost::intrusive_ptr<InfoItemHolder const>> parameters;
-    GetAllInfoItems(parameters);
-    return m_sequences.size() == parameters.size();
+    return total.lineage != m_lineage || total.last <= m_first || m_last > total.last;
 }
 
-void Mirror::Show(std::ostream& out) const
+void Mirror::ItemChanged_(boost::intrusive_ptr<ItemHolder const> const& former, ParameterPtr const& parameter)
 {
-    std::vector<boost::intrusive_ptr<InfoItemHolder const>> parameters;
-    GetAllInfoItems(parameters);
-    for (auto const& parameter : parameters) {
-        auto const& info = *parameter->GetInfo();
-        out << "  " << PathOf(*this, *info.GetInfo()) << " = "
-            << (parameter->GetItem() ? ValueText(info, *parameter->GetItem()->GetItem()) : "(not known yet)")
-            << (IsWritable(*info.GetInfo()) ? "" : " (read-only)") << '\n';
-    }
-}
-
-void Mirror::ItemChanged_(boost::intrusive_ptr<ItemHolder const> const& former,
-                          boost::intrusive_ptr<InfoItemHolder const> const& parameter)
-{
-    auto const& item = parameter->GetItem()->GetItem();
     // A device that was started again tells everything anew, also what is as it was.
-    if (former && former->GetItem()->IsEqualValue(item))
-        return;
-    auto const& info = *parameter->GetInfo();
-    std::cout << m_device << ' ' << PathOf(*this, *info.GetInfo()) << ": ";
-    if (former)
-        std::cout << ValueText(info, *former->GetItem()) << " -> ";
-    std::cout << ValueText(info, *item) << std::endl;
+    auto const before = former ? former->GetItem() : ItemPtr();
+    if (m_listener && !(before && before->IsEqualValue(parameter->GetItem()->GetItem())))
+        m_listener(parameter, before);
 }
 
 } // namespace Fleet

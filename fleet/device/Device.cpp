@@ -1,252 +1,438 @@
-// A device of the fleet: it has parameters of its own, publishes them, and lets controllers set them.
+#include "device/Device.h"
 
-#include "common/Mqtt.h"
 #include "common/Program.h"
-#include "common/Topics.h"
-#include "common/Wire.h"
-#include "device/Answers.h"
-#include "device/Model.h"
 
-#include <Legacy/If/InfoItemDirectory.h>
-#include <Legacy/If/Numeric.h>
+#include <Legacy/If/InfoItemHolderDefs.h>
+#include <Legacy/If/LocalizedString.h>
 #include <Legacy/If/String.h>
 #include <Legacy/IfKit/Difference.h>
-#include <Legacy/IfKit/Explain.h>
 #include <Legacy/IfKit/ValueText.h>
 
 #include <algorithm>
-#include <array>
-#include <chrono>
-#include <cmath>
-#include <cstdint>
-#include <cstdlib>
 #include <iostream>
-#include <map>
-#include <span>
-#include <string>
-#include <string_view>
+#include <stdexcept>
 #include <utility>
-#include <vector>
 
 namespace Fleet {
 
 using namespace Legacy::If;
-using Legacy::IfKit::PathOf;
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+/// A session's numbers: so many changes, and as many sessions as there are numbers left.
+constexpr unsigned int k_epochShift = 40;
+/// How long the one that has the name has to say so.
+constexpr auto k_claimTime = 2s;
+constexpr auto k_totalTime = 10s;
+/// So many messages are on their way at once; what changes meanwhile waits, each value once.
+constexpr std::size_t k_window = 256;
 
-constexpr std::string_view k_help = R"(usage: legacyif-device --name NAME [options]
-
-A device whose parameters are mirrored through an MQTT broker. It runs until SIGINT or SIGTERM.
-
-  --name NAME            what the device is called; letters, digits, '-', '_' and '.'
-  --kind KIND            which parameters it has: camera (the default) or climate
-  --broker HOST:PORT     where the broker listens (127.0.0.1:1883)
-  --interval SECONDS     how often it measures, 0.1 to 3600 (5)
-  --help                 this text
-)";
-
-struct Settings_t
+/// The schemas with their defaults as values.
+std::string DocumentOf(Schemas_t const& schemas)
 {
-    std::string name;
-    std::string kind;
-    Net::Endpoint<Net::AddrStr> broker;
-    std::chrono::milliseconds interval{};
-};
-
-/// The device's directory. The hook publishes what changes, whoever changed it.
-class Device : private InfoItemDirectory
-{
-public:
-    explicit Device(Settings_t const& settings)
-        : m_settings(settings), m_mqtt("fleet-device-" + settings.name, settings.broker,
-                                       Mqtt::Retained_t{AboutTopic_(), Encode(AboutMessage{false, settings.kind})})
-    {
-        UpdateFromDelta(BuildModel(settings.kind), true, false);
-        for (auto const& parameter : Parameters_())
-            SetItem(new ItemHolder(parameter->GetInfo()->GetInfo()->CreateItem()));
-        Set_<StringItem>("system/hostname", settings.name);
-    }
-
-    /// Works until the signal.
-    void Run(StopSignal const& stop)
-    {
-        auto next = Clock::now();
-        for (;;) {
-            auto const rest = std::chrono::ceil<std::chrono::milliseconds>(next - Clock::now());
-            auto const readable = WaitReadable({stop.Descriptor(), m_mqtt.Descriptor()}, rest);
-            if (readable[0])
-                break;
-            for (auto const& event : m_mqtt.Take())
-                Handle_(event);
-            if (Clock::now() >= next) {
-                Measure_();
-                next = Clock::now() + m_settings.interval;
-            }
-        }
-        std::cout << "stopping" << std::endl;
-        m_mqtt.Publish(AboutTopic_(), Encode(AboutMessage{false, m_settings.kind}), true);
-    }
-
-private:
-    using Holder_t = boost::intrusive_ptr<InfoItemHolder const>;
-
-    void ItemChanged_(boost::intrusive_ptr<ItemHolder const> const&, Holder_t const& parameter) override
-    {
-        m_sequences[parameter->GetInfo()->GetInfo()->GetId()] = NextNumber();
-        PublishValue_(*parameter);
-    }
-
-    std::vector<Holder_t> Parameters_() const
-    {
-        std::vector<Holder_t> parameters;
-        GetAllInfoItems(parameters);
-        return parameters;
-    }
-
-    std::string AboutTopic_() const { return ToText({TopicKind_t::About, m_settings.name, {}, {}}); }
-
-    /// A value keeps its number however often it is published: who has it already takes no notice.
-    void PublishValue_(InfoItemHolder const& parameter)
-    {
-        auto const& info = *parameter.GetInfo()->GetInfo();
-        m_mqtt.Publish(ToText({TopicKind_t::Value, m_settings.name, {}, PathOf(*this, info)}),
-                       Encode(ValueMessage{m_sequences[info.GetId()], parameter.GetItem()->GetItem()}), true);
-    }
-
-    void Handle_(Mqtt::Event_t const& event)
-    {
-        switch (event.kind) {
-        case Mqtt::EventKind_t::Connected:
-            std::cout << "connected to " << m_settings.broker.ToString() << std::endl;
-            // The broker may have lost everything, so it gets everything.
-            m_mqtt.Subscribe(Filter(TopicKind_t::Set, m_settings.name, k_anyName));
-            m_mqtt.Publish(AboutTopic_(), Encode(AboutMessage{true, m_settings.kind}), true);
-            for (auto const& parameter : Parameters_())
-                PublishValue_(*parameter);
-            break;
-        case Mqtt::EventKind_t::Disconnected:
-            std::cout << "no connection: " << event.text << std::endl;
-            break;
-        case Mqtt::EventKind_t::Message:
-            HandleSet_(event);
-            break;
-        }
-    }
-
-    void HandleSet_(Mqtt::Event_t const& event)
-    {
-        auto const topic = ParseTopic(event.text);
-        auto const message = DecodeSet(event.payload);
-        if (!topic || topic->kind != TopicKind_t::Set || topic->device != m_settings.name || !message) {
-            Log(Orlek::LogLevel_t::Warning, "dropped a damaged or foreign message: " + Printable(event.text));
-            return;
-        }
-        auto const* answer =
-            m_answers.Find(topic->controller, message->request, [&] { return Execute_(*topic, *message); });
-        if (answer)
-            m_mqtt.Publish(ToText({TopicKind_t::Answer, m_settings.name, topic->controller, {}}), Encode(*answer),
-                           false);
-    }
-
-    /// Tests the wish against the schema, as the device alone may judge, and fulfils it.
-    AnswerMessage Execute_(Topic_t const& topic, SetMessage const& message)
-    {
-        auto const parameter = FindInfoItem(topic.path);
-        if (!parameter || parameter->GetInfo()->GetInfo()->GetId() != message.item->GetId())
-            return Refuse_(topic, IfErrNotFound, Say_("FleetUnknownParameter", topic.path), message.language);
-        auto const& info = parameter->GetInfo()->GetInfo();
-        if (!IsWritable(*info))
-            return Refuse_(topic, IfErrInvalidArgument, Say_("FleetReadOnlyParameter", info->GetName()),
-                           message.language);
-        if (auto const finding = Legacy::IfKit::Explain(*message.item, info); finding.IsValid())
-            return Refuse_(topic, IfErrInvalidArgument, finding, message.language);
-        if (parameter->GetItem()->GetItem()->IsEqualValue(message.item))
-            return {};
-        // A value of another type passes in the families that bound nothing, and is refused here.
-        if (int const code = SetItem(new ItemHolder(message.item)))
-            return Refuse_(topic, code, Say_("FleetUnknownParameter", topic.path), message.language);
-        std::cout << topic.controller << " sets " << topic.path << ": "
-                  << Legacy::IfKit::ValueText(*parameter->GetInfo(), *message.item) << std::endl;
-        return {};
-    }
-
-    static AnswerMessage Refuse_(Topic_t const& topic, int code, LocalizedString const& why,
-                                 std::string const& language)
-    {
-        std::cout << topic.controller << " is refused: " << Printable(why.GetString({})) << std::endl;
-        return {0, code, why.GetString(language)};
-    }
-
-    static LocalizedString Say_(std::string const& key, std::string const& argument)
-    {
-        LocalizedString message(key);
-        message.AddArgument(StringItem::Create(0, argument));
-        return message;
-    }
-
-    template<typename Item, typename Value>
-    void Set_(std::string const& path, Value const& value)
-    {
-        auto const parameter = FindInfoItem(path);
-        boost::intrusive_ptr<ItemBase> const item(Item::Create(parameter->GetInfo()->GetInfo()->GetId(), value));
-        if (!parameter->GetItem()->GetItem()->IsEqualValue(item))
-            SetItem(new ItemHolder(item));
-    }
-
-    /// What a real device would read from its hardware.
-    void Measure_()
-    {
-        auto const uptime = std::chrono::duration_cast<std::chrono::seconds>(Clock::now() - m_start).count();
-        Set_<NumericItem<U32Traits>>("system/uptime", static_cast<unsigned int>(uptime));
-        constexpr std::array<short, 8> tenths{200, 203, 207, 210, 212, 210, 206, 202};
-        Set_<NumericItem<S16Traits>>("system/temperature", tenths[m_measured++ % tenths.size()]);
-    }
-
-    Settings_t const m_settings;
-    Clock::time_point const m_start = Clock::now();
-    std::size_t m_measured = 0;
-    std::map<unsigned int, std::uint64_t> m_sequences; // by the id of the parameter
-    Answers m_answers;
-    Mqtt m_mqtt;
-};
-
-Settings_t SettingsOf(Options const& options)
-{
-    Settings_t settings;
-    auto const name = options.Value("--name");
-    if (!name)
-        throw UsageError("--name is missing");
-    settings.name = RequireName("--name", *name);
-    settings.kind = options.Value("--kind").value_or("camera");
-    auto const kinds = Kinds();
-    if (std::find(kinds.begin(), kinds.end(), settings.kind) == kinds.end())
-        throw UsageError("--kind: there is no such kind: " + Printable(settings.kind));
-    settings.broker = BrokerOf(options);
-    auto const interval = options.Value("--interval").value_or("5");
-    char* end = nullptr;
-    double const seconds = std::strtod(interval.c_str(), &end);
-    if (interval.empty() || *end != '\0' || !(seconds >= 0.1 && seconds <= 3600))
-        throw UsageError("--interval: not a number of seconds from 0.1 to 3600: " + Printable(interval));
-    settings.interval = std::chrono::milliseconds(std::lround(seconds * 1000));
-    return settings;
+    InfoItemDirectory directory;
+    if (int const code = directory.UpdateFromDelta(schemas.delta, true, false))
+        throw std::runtime_error("the schemas make no directory, code " + std::to_string(code));
+    return WriteSchemas(directory);
 }
 
-void Work(Options const& options)
+LocalizedString Message(std::string const& key, std::string const& argument)
 {
-    auto const settings = SettingsOf(options);
-    StopSignal const stop;
-    UseCatalogues();
-    Device(settings).Run(stop);
+    LocalizedString message(key);
+    message.AddArgument(StringItem::Create(0, argument));
+    return message;
 }
 
 } // namespace
 
-} // namespace Fleet
-
-int main(int argc, char** argv)
+Device::Device(boost::asio::io_context& context, Settings_t settings, SchemasPtr schemas,
+               std::function<void(End_t)> end)
+    : m_settings(std::move(settings)), m_schemas(std::move(schemas)), m_document(DocumentOf(*m_schemas)),
+      m_end(std::move(end)), m_instance(RandomNumber()), m_store(m_settings.values), m_sequences(m_schemas->ids.size()),
+      m_isQueued(m_schemas->ids.size()), m_claimTimer(context), m_saveTimer(context), m_totalTimer(context),
+      m_session(context, m_settings.broker, "legacyif-device-" + m_settings.name + '-' + std::to_string(m_instance),
+                {.connected = [this] { Connected_(); },
+                 .disconnected =
+                     [this](std::string const& reason) {
+                         m_state = State_t::Away;
+                         m_claimTimer.cancel();
+                         Say_("no connection: " + Printable(reason));
+                     },
+                 .message = [this](Message_t const& message) { Handle_(message); },
+                 .acknowledged = [this] { Pump_(); },
+                 .denied = [this] { GiveUp_(End_t::Denied); }})
 {
-    return Fleet::RunProgram(argc, argv, Fleet::k_help, {"--name", "--kind", "--broker", "--interval"}, Fleet::Work);
+    UpdateFromDelta(m_schemas->delta, true, false);
+    for (auto const& [id, info] : m_schemas->delta->GetInfoHolderPtrMap_addMod())
+        if (PlaceOf_(id) == m_sequences.size())
+            Log(Orlek::LogLevel_t::Warning, m_settings.name + ": values of this type have no record and stay here: " +
+                                                Printable(info->GetInfo()->GetName()));
+    for (unsigned int const id : m_schemas->ids)
+        SetItem(new ItemHolder(FindInfo(id)->GetInfo()->CreateItem()));
+    m_memory = m_store.Open(*this);
+    // All that was told before this session has smaller numbers, whatever the clocks say.
+    m_first = m_memory.epoch << k_epochShift;
+    m_last = m_first;
+    m_sum = 0;
+    for (auto& sequence : m_sequences) {
+        sequence = ++m_last;
+        m_sum += sequence;
+    }
+    m_isUnsaved = false;
+    m_session.SetWill(Topic_(TopicKind_t::About),
+                      Encode(AboutMessage{false, m_instance, m_memory.lineage, m_first, m_settings.title}));
+    if (m_settings.gate)
+        m_session.SetGate(m_settings.gate);
 }
+
+void Device::Start() { m_session.Start(); }
+
+void Device::Stop(std::function<void()> done)
+{
+    m_totalTimer.cancel();
+    m_claimTimer.cancel();
+    m_saveTimer.cancel();
+    if (m_isUnsaved || !m_pending.empty())
+        Save_();
+    if (m_state == State_t::Holding) {
+        while (!m_outbox.empty()) {
+            auto const before = m_outbox.size();
+            Pump_();
+            if (m_outbox.size() == before)
+                break;
+        }
+        PublishAbout_(false);
+    }
+    m_session.Stop(std::move(done));
+}
+
+int Device::Change(ItemPtr const& item)
+{
+    auto const known = FindItem(item->GetId());
+    return known && known->GetItem()->IsEqualValue(item) ? 0 : SetItem(new ItemHolder(item));
+}
+
+void Device::ItemChanged_(boost::intrusive_ptr<ItemHolder const> const&,
+                          boost::intrusive_ptr<InfoItemHolder const> const& parameter)
+{
+    auto const place = PlaceOf_(parameter->GetInfo()->GetInfo()->GetId());
+    if (m_memory.epoch == 0 || place == m_sequences.size())
+        return; // not open yet
+    m_sum += ++m_last - m_sequences[place];
+    m_sequences[place] = m_last;
+    if (m_isExecuting && m_store.IsDurable()) {
+        m_held.insert(place);
+    } else {
+        if (!m_held.contains(place))
+            Queue_(place);
+        m_isUnsaved = true;
+        if (m_store.IsDurable())
+            SaveSoon_(k_writeBehind);
+    }
+    if (!std::exchange(m_isTotalDue, true)) {
+        m_totalTimer.expires_after(k_totalTime);
+        m_totalTimer.async_wait([this](boost::system::error_code const& error) {
+            if (error)
+                return;
+            m_isTotalDue = false;
+            m_outbox.emplace_back(Total_t{});
+            Pump_();
+        });
+    }
+}
+
+std::size_t Device::PlaceOf_(unsigned int id) const
+{
+    auto const& ids = m_schemas->ids;
+    auto const found = std::lower_bound(ids.begin(), ids.end(), id);
+    return found != ids.end() && *found == id ? static_cast<std::size_t>(found - ids.begin()) : ids.size();
+}
+
+std::string Device::Topic_(TopicKind_t kind, std::string const& controller, std::string const& path) const
+{
+    return ToText({kind, m_settings.name, controller, path});
+}
+
+void Device::Say_(std::string const& text) const
+{
+    if (!m_settings.isQuiet)
+        std::cout << text << std::endl;
+}
+
+/// Asks whether somebody else has the name. The broker first tells what it remembers of that, then sends the claim
+/// back.
+void Device::Connected_()
+{
+    Say_("connected to " + m_settings.broker.ToText());
+    m_state = State_t::Claiming;
+    m_isContested = false;
+    m_outbox.clear();
+    m_isQueued.assign(m_isQueued.size(), false);
+    m_session.Subscribe({Topic_(TopicKind_t::About), Topic_(TopicKind_t::Claim)});
+    PublishClaim_();
+}
+
+void Device::PublishClaim_() { m_session.Publish(Topic_(TopicKind_t::Claim), Encode(ClaimMessage{m_instance}), false); }
+
+void Device::PublishAbout_(bool isOnline)
+{
+    m_session.Publish(Topic_(TopicKind_t::About),
+                      Encode(AboutMessage{isOnline, m_instance, m_memory.lineage, m_first, m_settings.title}), true);
+}
+
+void Device::Handle_(Message_t const& message)
+{
+    auto const topic = ParseTopic(message.topic);
+    bool isGood = false;
+    if (topic && topic->device == m_settings.name && message.payload.size() <= k_maxMessage) {
+        if (topic->kind == TopicKind_t::About)
+            isGood = HandleAbout_(message);
+        else if (topic->kind == TopicKind_t::Claim)
+            isGood = HandleClaim_(message);
+        else if (topic->kind == TopicKind_t::Set)
+            isGood = HandleSet_(*topic, message);
+    }
+    if (!isGood)
+        Log(Orlek::LogLevel_t::Warning, "dropped a damaged or foreign message: " + Printable(message.topic));
+}
+
+bool Device::HandleAbout_(Message_t const& message)
+{
+    auto const about = DecodeAbout(message.payload);
+    if (!about) {
+        // Nobody shall believe it.
+        if (m_state == State_t::Holding && !message.isRetained)
+            PublishAbout_(true);
+        return false;
+    }
+    if (about->instance == m_instance)
+        return true;
+    if (m_state == State_t::Claiming && about->online) {
+        if (!message.isRetained)
+            GiveUp_(End_t::NameTaken);
+        m_isContested = true;
+    } else if (m_state == State_t::Holding) {
+        // Somebody else believes to have the name, or has left it: of two, the one with the smaller number stays.
+        if (about->online && about->instance < m_instance)
+            GiveUp_(End_t::NameTaken);
+        else
+            PublishAbout_(true);
+    }
+    return true;
+}
+
+bool Device::HandleClaim_(Message_t const& message)
+{
+    auto const claim = DecodeClaim(message.payload);
+    if (!claim)
+        return false;
+    if (claim->instance != m_instance) {
+        if (m_state == State_t::Holding)
+            PublishAbout_(true);
+        else if (m_state == State_t::Claiming && claim->instance < m_instance)
+            GiveUp_(End_t::NameTaken);
+        return true;
+    }
+    if (m_state != State_t::Claiming)
+        return true;
+    if (!m_isContested) {
+        Hold_();
+        return true;
+    }
+    // It may have gone without a word.
+    m_claimTimer.expires_after(k_claimTime);
+    m_claimTimer.async_wait([this](boost::system::error_code const& error) {
+        if (!error && m_state == State_t::Claiming)
+            Hold_();
+    });
+    return true;
+}
+
+void Device::GiveUp_(End_t why)
+{
+    if (m_state == State_t::Away)
+        return;
+    m_state = State_t::Away;
+    m_claimTimer.cancel();
+    m_end(why);
+}
+
+/// The name is this device's. The broker may have lost everything, so it gets everything.
+void Device::Hold_()
+{
+    m_state = State_t::Holding;
+    m_session.Subscribe({Filter(TopicKind_t::Set, m_settings.name, k_anyName)});
+    PublishAbout_(true);
+    m_session.Publish(Topic_(TopicKind_t::Schema),
+                      {reinterpret_cast<unsigned char const*>(m_document.data()), m_document.size()}, true);
+    for (std::size_t place = 0; place < m_sequences.size(); ++place)
+        if (!m_held.contains(place))
+            Queue_(place);
+    m_outbox.emplace_back(Total_t{});
+    Pump_();
+}
+
+void Device::Queue_(std::size_t place)
+{
+    if (m_state != State_t::Holding || m_isQueued[place])
+        return;
+    m_isQueued[place] = true;
+    m_outbox.emplace_back(place);
+    Pump_();
+}
+
+void Device::Pump_()
+{
+    while (m_state == State_t::Holding && !m_outbox.empty() && m_session.Unacknowledged() < k_window) {
+        auto const entry = std::move(m_outbox.front());
+        m_outbox.pop_front();
+        if (auto const* const place = std::get_if<std::size_t>(&entry)) {
+            m_isQueued[*place] = false;
+            PublishValue_(*place);
+        } else if (auto const* const answer = std::get_if<Answer_t>(&entry)) {
+            m_session.Publish(Topic_(TopicKind_t::Answer, answer->controller), Encode(answer->message), false);
+        } else {
+            PublishTotal_();
+        }
+    }
+}
+
+/// A value keeps its number however often it is published: who has it already takes no notice.
+void Device::PublishValue_(std::size_t place)
+{
+    auto const parameter = FindInfoItem(m_schemas->ids[place]);
+    auto const message = Encode(ValueMessage{m_memory.lineage, m_sequences[place], parameter->GetItem()->GetItem()});
+    auto const path = Legacy::IfKit::PathOf(*this, *parameter->GetInfo()->GetInfo());
+    if (message.size() <= k_maxMessage)
+        m_session.Publish(Topic_(TopicKind_t::Value, {}, path), message, true);
+    else
+        Log(Orlek::LogLevel_t::Error, m_settings.name + ": the value is too large to be published: " + Printable(path));
+}
+
+void Device::PublishTotal_()
+{
+    m_session.Publish(Topic_(TopicKind_t::Total), Encode(TotalMessage{m_memory.lineage, m_last, m_sum}), true);
+}
+
+bool Device::HandleSet_(Topic_t const& topic, Message_t const& message)
+{
+    auto const set = DecodeSet(message.payload);
+    if (!set || m_state != State_t::Holding)
+        return set.has_value();
+    switch (m_memory.answers.Look(topic.controller, set->session, set->request)) {
+    case Answers::State_t::New:
+        Execute_(topic, *set);
+        break;
+    case Answers::State_t::Answered:
+        m_outbox.emplace_back(Answer_t{topic.controller, m_memory.answers.Last(topic.controller)});
+        Pump_();
+        break;
+    case Answers::State_t::UnderWay:
+    case Answers::State_t::Outdated:
+        break;
+    }
+    return true;
+}
+
+/// Tests the wish against the schema, as the device alone may judge, and fulfils it.
+void Device::Execute_(Topic_t const& topic, SetMessage const& message)
+{
+    AnswerMessage answer{message.session, message.request, IfErrInvalidArgument, {}};
+    auto const parameter = FindInfoItem(topic.path);
+    if (!parameter || parameter->GetInfo()->GetInfo()->GetId() != message.item->GetId()) {
+        answer.code = IfErrNotFound;
+        return Refuse_(topic.controller, answer, Message("FleetUnknownParameter", topic.path), message.language);
+    }
+    auto const& info = parameter->GetInfo()->GetInfo();
+    if (!IsWritable(*info))
+        return Refuse_(topic.controller, answer, Message("FleetReadOnlyParameter", info->GetName()), message.language);
+    if (auto const finding = Judge(*message.item, info); finding.IsValid())
+        return Refuse_(topic.controller, answer, finding, message.language);
+    auto const former = parameter->GetItem();
+    // A value of another type passes in the families that bound nothing, and is refused here.
+    bool const isSame = former && former->GetItem()->IsEqualValue(message.item);
+    m_isExecuting = true;
+    int const code = isSame ? 0 : SetItem(new ItemHolder(message.item));
+    m_isExecuting = false;
+    if (code != 0) {
+        answer.code = code;
+        return Refuse_(topic.controller, answer, Message("FleetOutsideBounds", info->GetName()), message.language);
+    }
+    if (!isSame)
+        Say_(topic.controller + " sets " + Printable(topic.path) + ": " +
+             Legacy::IfKit::ValueText(*parameter->GetInfo(), *message.item));
+    answer.code = 0;
+    // What is the same may be so by a wish that is not on the disk yet, and its answer must be remembered there.
+    if (!m_store.IsDurable())
+        return Answer_({topic.controller, answer});
+    m_pending.push_back({{topic.controller, answer}, message.language, parameter, isSame ? nullptr : former});
+    SaveSoon_(k_groupTime);
+}
+
+void Device::Refuse_(std::string const& controller, AnswerMessage answer, LocalizedString const& why,
+                     std::string const& language)
+{
+    Say_(controller + " is refused: " + Printable(why.GetString({})));
+    answer.text = why.GetString(language);
+    Answer_({controller, std::move(answer)});
+}
+
+void Device::Answer_(Answer_t answer)
+{
+    m_memory.answers.Finish(answer.controller, answer.message);
+    m_outbox.emplace_back(std::move(answer));
+    Pump_();
+}
+
+/// Sees to it that everything is on the disk when so much time has passed.
+void Device::SaveSoon_(std::chrono::milliseconds time)
+{
+    auto const at = Clock::now() + time;
+    if (at >= m_saveAt)
+        return;
+    m_saveAt = at;
+    m_saveTimer.expires_at(at);
+    m_saveTimer.async_wait([this](boost::system::error_code const& error) {
+        if (!error)
+            Save_();
+    });
+}
+
+/// Brings everything to the disk, and then tells of the wishes that are fulfilled by that.
+void Device::Save_()
+{
+    m_saveAt = Clock::time_point::max();
+    auto const pending = std::exchange(m_pending, {});
+    for (auto const& wish : pending)
+        m_memory.answers.Finish(wish.answer.controller, wish.answer.message);
+    auto const error = m_store.Save(*this, m_memory);
+    if (error) {
+        Log(Orlek::LogLevel_t::Error, m_settings.name + ": values cannot be kept: " + *error);
+        // As it was, the last change first. These wishes are not fulfilled.
+        m_isExecuting = true;
+        for (auto wish = pending.rbegin(); wish != pending.rend(); ++wish)
+            if (wish->former)
+                SetItem(wish->former);
+        m_isExecuting = false;
+        m_isUnsaved = true;
+        SaveSoon_(k_writeBehind);
+    } else {
+        m_isUnsaved = false;
+    }
+    for (auto const place : std::exchange(m_held, {}))
+        Queue_(place);
+    for (auto const& wish : pending) {
+        if (!error) {
+            Answer_(wish.answer);
+            continue;
+        }
+        auto answer = wish.answer.message;
+        answer.code = IfErrInvalidArgument;
+        Refuse_(wish.answer.controller, answer,
+                Message("FleetNotKept", wish.parameter->GetInfo()->GetInfo()->GetName()), wish.language);
+    }
+}
+
+} // namespace Fleet

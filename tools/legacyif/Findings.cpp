@@ -5,7 +5,6 @@
 #include <Legacy/IfKit/Explain.h>
 #include <Legacy/IfKit/ValueText.h>
 
-#include <utility>
 
 namespace Command {
 
@@ -19,18 +18,14 @@ constexpr char k_outside[] = "OutsideBounds";
 
 using InfoPtr = boost::intrusive_ptr<InfoBase const>;
 
-/// A member, and its schema if it has one.
-std::pair<ItemBase const*, InfoPtr> MemberAt(ItemBase const& item, InfoPtr const& info, MemberPlace place)
+/// What a member is called, as far as there is a schema for it.
+std::string NameOfMember(InfoPtr info, MemberPlace place)
 {
-    std::pair<ItemBase const*, InfoPtr> member{&item, info};
     for (unsigned int const index : place) {
-        auto const* const items = dynamic_cast<CompositeItem const*>(member.first);
-        auto const* const infos = dynamic_cast<CompositeInfo const*>(member.second.get());
-        member = {items ? items->GetItem(index).get() : nullptr, infos ? infos->GetInfo(index) : nullptr};
-        if (!member.first || !member.second)
-            break;
+        auto const* const infos = dynamic_cast<CompositeInfo const*>(info.get());
+        info = infos ? infos->GetInfo(index) : nullptr;
     }
-    return member;
+    return info ? info->GetName() : "?";
 }
 
 std::string OutsideText(std::string const& name, std::string const& language)
@@ -54,11 +49,10 @@ std::vector<Finding_t> FindingsOf(InfoItemDirectory const& directory, InfoItemHo
         for (unsigned int const index : place)
             finding.path += '[' + std::to_string(index) + ']';
         if (finding.key == k_notValidated) {
-            auto const [member, schema] = MemberAt(item, info, place);
-            if (member && schema && IsWithinBounds(*member, *schema))
+            if (IsWithinBounds(item, *info, place))
                 return true;
             finding.key = k_outside;
-            finding.message = OutsideText(schema ? schema->GetName() : "?", language);
+            finding.message = OutsideText(NameOfMember(info, place), language);
         }
         finding.path = Printable(finding.path);
         finding.message = Printable(finding.message);

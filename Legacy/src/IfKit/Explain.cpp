@@ -103,9 +103,16 @@ LocalizedString Explain(ItemBase const& item, InfoPtr const& info)
 
 void ExplainEach(ItemBase& item, InfoPtr const& info, ExplainUse const& use) { Search(use).Run(item, info); }
 
-bool IsWithinBounds(ItemBase const& item, InfoBase const& info)
+bool IsWithinBounds(ItemBase const& item, InfoBase const& info, MemberPlace place)
 {
     using namespace If;
+    if (!place.empty()) {
+        auto const* const items = dynamic_cast<CompositeItem const*>(&item);
+        auto const* const infos = dynamic_cast<CompositeInfo const*>(&info);
+        auto const member = items ? items->GetItem(place.front()) : nullptr;
+        auto const schema = infos ? infos->GetInfo(place.front()) : nullptr;
+        return member && schema && IsWithinBounds(*member, *schema, place.subspan(1));
+    }
     return Visit(
         item,
         [&]<typename T>(NumericSparseItem<T> const& value) {

@@ -53,6 +53,7 @@ LEGACY_IFKIT_API void ExplainEach(If::ItemBase& item, boost::intrusive_ptr<If::I
 /// Whether a value of a family whose `Validate` judges nothing is what its schema asks for: a number that is in the
 /// table, a point or a rectangle within the bounds, as many rectangles as may be. False for every other family and for
 /// a schema of another type.
-LEGACY_IFKIT_API bool IsWithinBounds(If::ItemBase const& item, If::InfoBase const& info);
+/// @param place of the member that is meant; empty for the value itself.
+LEGACY_IFKIT_API bool IsWithinBounds(If::ItemBase const& item, If::InfoBase const& info, MemberPlace place = {});
 
 } // namespace Legacy::IfKit

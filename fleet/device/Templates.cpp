@@ -1,6 +1,4 @@
-#include "device/Model.h"
-
-#include "common/Program.h"
+#include "device/Templates.h"
 
 #include <Legacy/If/Addr.h>
 #include <Legacy/If/AppEndpoint.h>
@@ -38,12 +36,13 @@ private:
     std::string m_unit;
 };
 
-/// Collects sections and schemas. Ids are handed out in the order of the calls, so a newer model only adds at the ends.
-class ModelBuilder
+/// Collects sections and schemas. Ids are handed out in the order of the calls, so a newer template only adds at the
+/// ends.
+class TemplateBuilder
 {
 public:
     /// The section that the next parameters stand in.
-    ModelBuilder& Section(std::string const& path)
+    TemplateBuilder& Section(std::string const& path)
     {
         m_map.AddSection(path, m_section);
         m_delta->AddSection(m_section);
@@ -51,21 +50,21 @@ public:
         return *this;
     }
 
-    ModelBuilder& Text(std::string const& name, Permission_t permission, unsigned int maxLength)
+    TemplateBuilder& Text(std::string const& name, Permission_t permission, unsigned int maxLength)
     {
         auto const info = New_<StringInfo>(name, permission);
         info->SetMaxLength(maxLength);
         return Add_(info);
     }
 
-    ModelBuilder& Texts(std::string const& name, Permission_t permission, unsigned int maxSize)
+    TemplateBuilder& Texts(std::string const& name, Permission_t permission, unsigned int maxSize)
     {
         auto const info = New_<StringArrayInfo>(name, permission);
         info->SetMaxSize(maxSize);
         return Add_(info);
     }
 
-    ModelBuilder& Switch(std::string const& name, Permission_t permission, bool defaultValue)
+    TemplateBuilder& Switch(std::string const& name, Permission_t permission, bool defaultValue)
     {
         auto const info = New_<BoolInfo>(name, permission);
         info->SetDefault(defaultValue);
@@ -73,8 +72,8 @@ public:
     }
 
     template<typename Traits>
-    ModelBuilder& Number(std::string const& name, Permission_t permission, typename Traits::T min,
-                         typename Traits::T max, typename Traits::T defaultValue, std::string const& unit = {})
+    TemplateBuilder& Number(std::string const& name, Permission_t permission, typename Traits::T min,
+                            typename Traits::T max, typename Traits::T defaultValue, std::string const& unit = {})
     {
         auto const info = New_<NumericInfo<Traits>>(name, permission);
         info->SetMin(min);
@@ -83,7 +82,7 @@ public:
         return Add_(info, unit);
     }
 
-    ModelBuilder& Choice(std::string const& name, Permission_t permission, std::vector<std::string> const& names)
+    TemplateBuilder& Choice(std::string const& name, Permission_t permission, std::vector<std::string> const& names)
     {
         auto const info = New_<EnumInfo>(name, permission, false);
         for (auto const& element : names)
@@ -93,7 +92,7 @@ public:
 
     /// An address, an endpoint or a service.
     template<typename Info>
-    ModelBuilder& Place(std::string const& name, Permission_t permission, typename Info::Value const& defaultValue)
+    TemplateBuilder& Place(std::string const& name, Permission_t permission, typename Info::Value const& defaultValue)
     {
         auto const info = New_<Info>(name, permission);
         info->SetDefault(defaultValue);
@@ -110,7 +109,7 @@ private:
         return new Info(id, name, permission, rest...);
     }
 
-    ModelBuilder& Add_(InfoPtr const& info, std::string const& unit = {})
+    TemplateBuilder& Add_(InfoPtr const& info, std::string const& unit = {})
     {
         m_delta->AddInfo(new ParameterHolder(info, unit));
         return *this;
@@ -131,91 +130,91 @@ Service ServiceAt(AppProtocolType_t protocol, std::string const& host, unsigned 
 }
 
 /// What every device has. Temperatures are whole tenths, since a record keeps no fractions of a floating-point number.
-void AddCommon(ModelBuilder& model)
+void AddCommon(TemplateBuilder& device)
 {
-    model.Section("system")
+    device.Section("system")
         .Text("hostname", k_writable, 32)
         .Number<U32Traits>("uptime", k_readOnly, 0, 0xffffffff, 0, "s")
         .Number<S16Traits>("temperature", k_readOnly, -400, 1250, 200, "1/10 °C")
         .Switch("status-led", k_writable, true);
-    model.Section("network")
+    device.Section("network")
         .Place<AddrInfo>("gateway", k_writable, "192.0.2.1")
         .Place<EndpointInfo>("management", k_writable, Endpoint("192.0.2.10", 8443))
         .Texts("name-servers", k_writable, 3);
-    model.Section("network/web")
+    device.Section("network/web")
         .Number<U16Traits>("port", k_writable, 1, 49151, 80)
         .Switch("secure", k_writable, false);
 }
 
-void AddCamera(ModelBuilder& model)
+void AddCamera(TemplateBuilder& device)
 {
-    model.Section("video")
+    device.Section("video")
         .Place<AppEndpointInfo>("stream", k_writable, ServiceAt(AppProtocolType_t::Rtsp, "192.0.2.10", 554))
         .Number<U16Traits>("frame-rate", k_writable, 1, 60, 25, "Hz")
         .Choice("state", k_writable, {"off", "standby", "streaming"});
 }
 
-void AddClimate(ModelBuilder& model)
+void AddClimate(TemplateBuilder& device)
 {
-    model.Section("climate")
+    device.Section("climate")
         .Place<AppEndpointInfo>("meter", k_writable, ServiceAt(AppProtocolType_t::Modbus, "192.0.2.20", 502))
         .Number<S16Traits>("target", k_writable, 50, 300, 210, "1/10 °C")
         .Choice("mode", k_writable, {"off", "heat", "cool"});
 }
 
-struct Kind_t
+/// What load is made with: fifty parameters of the families that devices have most, one of which tells when it changed.
+void AddLoad(TemplateBuilder& device)
+{
+    constexpr int k_groups = 7;
+    device.Section("load").Number<U64Traits>("stamp", k_readOnly, 0, ~0ULL, 0, "ns");
+    for (int group = 0; group < k_groups; ++group) {
+        auto const port = static_cast<unsigned short>(8000 + group);
+        device.Section("port-" + std::to_string(group))
+            .Text("label", k_writable, 32)
+            .Number<U16Traits>("mtu", k_writable, 68, 9216, 1500, "bytes")
+            .Number<S16Traits>("temperature", k_readOnly, -400, 1250, 200, "1/10 °C")
+            .Switch("enabled", k_writable, true)
+            .Choice("mode", k_writable, {"auto", "fixed", "off"})
+            .Place<AddrInfo>("address", k_writable, "192.0.2.1")
+            .Place<EndpointInfo>("management", k_writable, Endpoint("192.0.2.10", port));
+    }
+}
+
+struct Template_t
 {
     char const* name;
-    void (*add)(ModelBuilder& model);
+    void (*add)(TemplateBuilder& device);
+    bool hasCommon;
 };
 
-constexpr Kind_t k_kinds[] = {{"camera", AddCamera}, {"climate", AddClimate}};
+constexpr Template_t k_templates[] = {
+    {"camera", AddCamera, true}, {"climate", AddClimate, true}, {"load", AddLoad, false}};
 
 } // namespace
 
-std::vector<std::string> Kinds()
+std::vector<std::string> TemplateNames()
 {
     std::vector<std::string> names;
-    for (auto const& kind : k_kinds)
-        names.emplace_back(kind.name);
+    for (auto const& known : k_templates)
+        names.emplace_back(known.name);
     return names;
 }
 
-std::shared_ptr<InfoItemDirectoryDelta> BuildModel(std::string const& kind)
+SchemasPtr BuildTemplate(std::string const& name)
 {
-    for (auto const& known : k_kinds) {
-        if (known.name == kind) {
-            ModelBuilder model;
-            AddCommon(model);
-            known.add(model);
-            return model.Take();
-        }
+    for (auto const& known : k_templates) {
+        if (known.name != name)
+            continue;
+        TemplateBuilder device;
+        if (known.hasCommon)
+            AddCommon(device);
+        known.add(device);
+        auto const schemas = std::make_shared<Schemas_t>();
+        schemas->delta = device.Take();
+        for (auto const& [id, info] : schemas->delta->GetInfoHolderPtrMap_addMod())
+            schemas->ids.push_back(id);
+        return schemas;
     }
-    return {};
-}
-
-bool IsWritable(InfoBase const& info) { return info.GetPermission() == k_writable; }
-
-ItemPtr ReadValue(InfoPtr const& info, std::string const& text, std::string& error)
-{
-    ItemPtr item(info->CreateItem());
-    std::string input = text;
-    auto const* choices = dynamic_cast<EnumInfo const*>(info.get());
-    if (int value = 0; choices && choices->GetElemVal(text, value) == 0)
-        input = std::to_string(value);
-
-    std::istringstream in(input);
-    std::ostringstream out;
-    if ((in >> std::ws).eof())
-        error = "the value is missing";
-    else if (!item->SetValFromStream(in, out, info))
-        error = Printable(out.str().substr(0, out.str().find('\n')));
-    else if (!in.eof() && !(in >> std::ws).eof())
-        error = "there is more than one value";
-    else
-        return item;
-    if (error.empty())
-        error = "not a value";
     return {};
 }
 
