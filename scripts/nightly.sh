@@ -12,8 +12,11 @@ packages() {
     ./tests/package/run.sh build/packages
 }
 
-# All tests under the thread checks, with the checks of the standard library, with the other byte order, and with narrow pointers.
+# All tests under the thread checks, with the checks of the standard library, with the other byte order, and with narrow
+# pointers; and every float there is.
 machines() {
+    ./scripts/build.sh release legacyif_tests
+    LEGACYIF_ALL_FLOATS=1 ./build/release/tests/legacyif_tests --gtest_filter='FastPath.TakesFloats*'
     ./scripts/test.sh tsan
     ./scripts/test.sh debugstl
     ./scripts/cross-test.sh s390x

@@ -2,6 +2,7 @@
 
 #include "convert/Change.h"
 #include "convert/Convert.h"
+#include "convert/FloatLoops.h"
 #include "convert/Wide.h"
 
 #include <boost/integer.hpp>
@@ -76,6 +77,20 @@ bool StoreAll(Target* target, std::size_t count, ValueAt valueAt) noexcept
     return changed;
 }
 
+/// Runs one of the loops above over elements of a list, each converted, and tells whether anything changed.
+template<typename Target, typename Source, typename Store>
+bool StoreConverted(Target* to, Source const* from, std::size_t count, Store store)
+{
+    return RunLoop([store, to, from, count] { return store(to, count, [from](std::size_t i) { return from[i]; }); });
+}
+
+/// The same where the conversion is a loop of its own: which of the loops above it is makes no difference to integers.
+template<typename Store>
+bool StoreConverted(std::uint32_t* to, float const* from, std::size_t count, Store)
+{
+    return WidestFloatLoops().cut(to, from, count);
+}
+
 /// Makes a list what a whole-list assignment sets it to; `store` is one of the loops above.
 ///
 /// Contract: the size becomes the source's bytes divided by the width of an own element, also where the widths differ,
@@ -85,9 +100,7 @@ void AssignByBytes(Change& change, std::vector<Target>& target, std::vector<Sour
 {
     change.Resize(target, source.size() * sizeof(Source) / sizeof(Target));
     std::size_t const taken = std::min(target.size(), source.size());
-    change.Note(RunLoop([store, taken, to = target.data(), from = source.data()] {
-        return store(to, taken, [from](std::size_t i) { return from[i]; });
-    }));
+    change.Note(StoreConverted(target.data(), source.data(), taken, store));
     change.Note(RunLoop([store, to = target.data() + taken, count = target.size() - taken] {
         return store(to, count, [](std::size_t) { return Target{0}; });
     }));

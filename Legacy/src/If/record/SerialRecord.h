@@ -1,6 +1,6 @@
 #pragma once
 
-#include "convert/Convert.h"
+#include "convert/FloatLoops.h"
 #include "convert/Wide.h"
 
 #include <Legacy/If/ItemBase.h>
@@ -32,29 +32,30 @@ constexpr Number WireForm(Number value) noexcept
     return boost::endian::native_to_big(value);
 }
 
-inline float WireForm(float value) noexcept
+template<std::floating_point Number>
+Number WireForm(Number value) noexcept
 {
-    auto const integer = static_cast<std::uint32_t>(Truncate<std::int64_t>(value));
-    return static_cast<float>(static_cast<double>(boost::endian::endian_reverse(integer)));
-}
-
-inline double WireForm(double value) noexcept
-{
-    return static_cast<double>(boost::endian::endian_reverse(TruncateU64(value)));
+    return Swapped(value);
 }
 
 /// The wire forms of `count` numbers, out of bytes and into bytes, since payloads know no alignment.
 template<typename Number>
 void CopyWireForms(unsigned char* to, unsigned char const* from, std::size_t count) noexcept
 {
-    RunLoop([to, from, count] {
-        for (std::size_t i = 0; i < count; ++i) {
-            Number value;
-            std::memcpy(&value, from + i * sizeof(value), sizeof(value));
-            value = WireForm(value);
-            std::memcpy(to + i * sizeof(value), &value, sizeof(value));
-        }
-    });
+    if constexpr (std::same_as<Number, float>) {
+        WidestFloatLoops().copyFloats(to, from, count);
+    } else if constexpr (std::same_as<Number, double>) {
+        WidestFloatLoops().copyDoubles(to, from, count);
+    } else {
+        RunLoop([to, from, count] {
+            for (std::size_t i = 0; i < count; ++i) {
+                Number value;
+                std::memcpy(&value, from + i * sizeof(value), sizeof(value));
+                value = WireForm(value);
+                std::memcpy(to + i * sizeof(value), &value, sizeof(value));
+            }
+        });
+    }
 }
 
 /// Fills a payload of known size from front to back. The caller gives out exactly as much as it allocated.

@@ -1,11 +1,14 @@
 // Ways that are taken for speed lead where the plain ones do.
 #include "../TestSupport.h"
+#include "convert/FloatLoops.h"
 
 #include <Legacy/If/Addr.h>
 #include <Legacy/If/Numeric.h>
 #include <Legacy/If/NumericArray.h>
 
+#include <bit>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <locale>
@@ -65,6 +68,66 @@ TEST(FastPath, ConvertsAndWritesListsLikeNumbers)
             }
         });
     });
+}
+
+/// Holds the numbers against each loop that this processor can run, at places that are not aligned and in place.
+template<typename Number>
+void ExpectSwapped(std::vector<Number> const& numbers,
+                   void (*Detail::FloatLoops::*loop)(unsigned char*, unsigned char const*, std::size_t) noexcept)
+{
+    std::vector<Number> expected;
+    for (Number const number : numbers)
+        expected.push_back(Detail::Swapped(number));
+    std::size_t const size = numbers.size() * sizeof(Number);
+    for (auto const& loops : Detail::AllFloatLoops()) {
+        Bytes bytes(size + 2);
+        std::memcpy(bytes.data() + 1, numbers.data(), size);
+        (loops.*loop)(bytes.data(), bytes.data() + 1, numbers.size());
+        ASSERT_EQ(std::memcmp(bytes.data(), expected.data(), size), 0);
+        std::vector<Number> inPlace = numbers;
+        auto* const place = reinterpret_cast<unsigned char*>(inPlace.data());
+        (loops.*loop)(place, place, numbers.size());
+        ASSERT_EQ(std::memcmp(place, expected.data(), size), 0);
+    }
+}
+
+// All floats, where LEGACYIF_ALL_FLOATS stands in the environment, or one out of thousands.
+TEST(FastPath, TakesFloatsAlikeInEachLoop)
+{
+    std::vector<float> floats = HardValues<float>();
+    std::uint64_t const step = std::getenv("LEGACYIF_ALL_FLOATS") ? 1 : 4099;
+    for (std::uint64_t bits = 0; bits < std::uint64_t{1} << 32 || !floats.empty(); floats.clear()) {
+        for (; floats.size() < 1021 && bits < std::uint64_t{1} << 32; bits += step)
+            floats.push_back(std::bit_cast<float>(static_cast<std::uint32_t>(bits)));
+        ExpectSwapped(floats, &Detail::FloatLoops::copyFloats);
+        std::vector<std::uint32_t> expected;
+        for (float const number : floats)
+            expected.push_back(static_cast<std::uint32_t>(Detail::Truncate<std::int64_t>(number)));
+        for (auto const& loops : Detail::AllFloatLoops()) {
+            std::vector<std::uint32_t> cut = expected;
+            for (std::size_t const other : {std::size_t{0}, cut.size() / 2, cut.size() - 1}) {
+                ++cut[other];
+                ASSERT_TRUE(loops.cut(cut.data(), floats.data(), cut.size()));
+                ASSERT_EQ(cut, expected);
+            }
+            ASSERT_FALSE(loops.cut(cut.data(), floats.data(), cut.size()));
+        }
+    }
+}
+
+TEST(FastPath, TakesDoublesAlikeInEachLoop)
+{
+    ExpectSwapped(HardValues<double>(), &Detail::FloatLoops::copyDoubles);
+    std::mt19937_64 random(1); // NOLINT: the same in every run
+    std::vector<double> doubles(1021);
+    for (int round = 0; round < 200; ++round) {
+        // About the sizes of integers, with few digits as well as many.
+        for (double& number : doubles)
+            number = std::ldexp(std::bit_cast<double>((random() << random() % 64 & ~(std::uint64_t{0x7FF} << 52)) |
+                                                      std::uint64_t{1023} << 52),
+                                static_cast<int>(random() % 80) - 10);
+        ExpectSwapped(doubles, &Detail::FloatLoops::copyDoubles);
+    }
 }
 
 struct Grouping : std::numpunct<char>
