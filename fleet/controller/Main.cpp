@@ -19,12 +19,15 @@ class CommandLine
 public:
     CommandLine()
     {
+        m_app.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
         m_options.broker.AddTo(m_app);
         m_app.add_option("--name", m_options.name,
                          "What devices know this controller as: letters, digits, '-', '_' and '.' (that of the user)");
         m_app.add_option("--language", m_options.language, "Of the messages with which devices refuse a value")
             ->capture_default_str();
-        m_app.add_option("--device", m_options.devices, "Devices to mirror (all)");
+        m_app.add_option("--device", m_options.devices, "Devices to mirror (all)")
+            ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+            ->allow_extra_args(false);
         m_app
             .add_option("--share", m_options.share,
                         "Mirror the devices of one share of N, 0 to N - 1: controllers divide a fleet")

@@ -53,7 +53,8 @@ Terminal::Terminal(boost::asio::io_context& context, std::function<void(std::str
 
 Terminal::~Terminal()
 {
-    StopEditing_();
+    if (m_isTerminal)
+        rl_callback_handler_remove();
     if (!m_history.empty())
         write_history(m_history.c_str());
     g_terminal = nullptr;
@@ -69,7 +70,6 @@ void Terminal::Start()
         if (!m_history.empty())
             read_history(m_history.c_str());
         rl_attempted_completion_function = &Terminal::OnComplete_;
-        StartEditing_();
     }
     Wait_();
 }
@@ -99,17 +99,13 @@ void Terminal::StartEditing_()
         rl_callback_handler_install(k_prompt, &Terminal::OnLine_);
 }
 
-void Terminal::StopEditing_()
-{
-    if (std::exchange(m_isEditing, false))
-        rl_callback_handler_remove();
-}
-
 void Terminal::Wait_()
 {
     if (m_isWaiting || !m_isReading || m_isAtEnd)
         return;
     m_isWaiting = true;
+    if (m_isTerminal)
+        StartEditing_();
     auto const take = [this](boost::system::error_code const& error) {
         m_isWaiting = false;
         if (error)
@@ -159,9 +155,9 @@ void Terminal::HandOut_()
 void Terminal::OnLine_(char* line)
 {
     auto& self = *g_terminal;
-    // The editor shows its prompt again after this; what is printed meanwhile is not to be mixed with it.
+    // The editor has left the terminal to itself, and takes it again for the next line.
+    self.m_isEditing = false;
     if (!line) {
-        self.StopEditing_();
         std::cout << std::endl;
         self.m_isAtEnd = true;
         return;

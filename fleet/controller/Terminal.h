@@ -40,7 +40,6 @@ private:
     void TakeInput_();
     void HandOut_();
     void StartEditing_();
-    void StopEditing_();
 
     boost::asio::posix::stream_descriptor m_input;
     std::function<void(std::string const&)> m_line;

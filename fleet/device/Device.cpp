@@ -25,6 +25,8 @@ namespace {
 constexpr unsigned int k_epochShift = 40;
 /// How long the one that has the name has to say so.
 constexpr auto k_claimTime = 2s;
+/// How long the broker has to send a claim back that it has taken.
+constexpr auto k_echoTime = 3s;
 constexpr auto k_totalTime = 10s;
 /// So many messages are on their way at once; what changes meanwhile waits, each value once.
 constexpr std::size_t k_window = 256;
@@ -61,7 +63,7 @@ Device::Device(boost::asio::io_context& context, Settings_t settings, SchemasPtr
                          Say_("no connection: " + Printable(reason));
                      },
                  .message = [this](Message_t const& message) { Handle_(message); },
-                 .acknowledged = [this] { Pump_(); },
+                 .acknowledged = [this] { Acknowledged_(); },
                  .denied = [this] { GiveUp_(End_t::Denied); }})
 {
     UpdateFromDelta(m_schemas->delta, true, false);
@@ -172,6 +174,18 @@ void Device::Connected_()
     m_isQueued.assign(m_isQueued.size(), false);
     m_session.Subscribe({Topic_(TopicKind_t::About), Topic_(TopicKind_t::Claim)});
     PublishClaim_();
+}
+
+/// The broker has the claim. Some brokers take what a user may not publish, and send it to nobody.
+void Device::Acknowledged_()
+{
+    if (m_state != State_t::Claiming)
+        return Pump_();
+    m_claimTimer.expires_after(k_echoTime);
+    m_claimTimer.async_wait([this](boost::system::error_code const& error) {
+        if (!error && m_state == State_t::Claiming)
+            GiveUp_(End_t::Denied);
+    });
 }
 
 void Device::PublishClaim_() { m_session.Publish(Topic_(TopicKind_t::Claim), Encode(ClaimMessage{m_instance}), false); }

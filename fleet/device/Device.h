@@ -102,6 +102,7 @@ private:
                       boost::intrusive_ptr<Legacy::If::InfoItemHolder const> const& parameter) override;
 
     void Connected_();
+    void Acknowledged_();
     void Handle_(Message_t const& message);
     bool HandleAbout_(Message_t const& message);
     bool HandleClaim_(Message_t const& message);

@@ -51,6 +51,7 @@ struct Options_t
 
 void AddOptions(CLI::App& app, Options_t& options)
 {
+    app.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
     app.add_option("--name", options.name, "What the device is called: letters, digits, '-', '_' and '.'")->required();
     app.add_option("--schema", options.schema, "Document of JSON with its sections and schemas")->type_name("S.json");
     app.add_option("--template", options.kind, "What it is without a schema file")
