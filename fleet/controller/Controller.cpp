@@ -109,6 +109,7 @@ void Controller::Begin_()
     for (auto& [name, device] : m_devices) {
         device->m_isSubscribed = false;
         device->m_isConfirmed = false;
+        device->m_isInStep = false;
     }
     std::vector<std::string> filters{Filter(TopicKind_t::Answer, k_anyName, m_settings.name),
                                      Filter(TopicKind_t::Echo, m_settings.name)};
@@ -252,6 +253,7 @@ bool Controller::HandleTotal_(std::string const& name, Message_t const& message)
     if (!total || !device)
         return false;
     if (device->m_mirror && device->m_mirror->Agrees(*total)) {
+        device->m_total = total;
         Repaired_(*device);
         return true;
     }
@@ -260,6 +262,7 @@ bool Controller::HandleTotal_(std::string const& name, Message_t const& message)
         device->m_repairAt = Clock::now() + k_firstRepair;
     }
     device->m_total = total;
+    device->m_isInStep = false;
     m_suspected.insert(device);
     return true;
 }
@@ -377,6 +380,8 @@ void Controller::Repair_(Device& device)
 
 void Controller::Repaired_(Device& device)
 {
+    // A sum that is older than what is here tells nothing; the next one will.
+    device.m_isInStep = device.m_isInStep || (device.m_total && device.m_mirror->Agrees(*device.m_total));
     device.m_total.reset();
     m_suspected.erase(&device);
 }

@@ -63,6 +63,9 @@ public:
         bool IsOnline() const noexcept { return m_isOnline; }
         /// Whether its schemas have arrived and a value of the session at hand for each parameter.
         bool IsComplete() const noexcept { return m_mirror && m_mirror->IsComplete(); }
+        /// Whether, since the connection was made, nothing was missing when the device last summed up what it has told.
+        bool IsInStep() const noexcept { return m_isInStep; }
+        std::size_t ParameterCount() const noexcept { return m_mirror ? m_mirror->Schemas()->ids.size() : 0; }
         /// Sections, schemas and values as far as they have arrived; null before the schemas.
         Legacy::If::InfoItemDirectory const* Directory() const noexcept
         {
@@ -86,6 +89,7 @@ public:
         bool m_isOnline = false;
         bool m_isSubscribed = false; // within this connection
         bool m_isConfirmed = false;  // likewise: it has told that it is there
+        bool m_isInStep = false;     // likewise
     };
 
     /// What became of a wish.

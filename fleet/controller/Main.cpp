@@ -1,6 +1,7 @@
 // The controller of the fleet: it mirrors devices, tells what changes on them, and sets values on them.
 
 #include "common/Program.h"
+#include "controller/Measure.h"
 #include "controller/OneShot.h"
 #include "controller/Options.h"
 #include "controller/Shell.h"
@@ -54,6 +55,8 @@ public:
             ->required();
         Device_(Add_("export", "Print schemas and values of a device as a document of JSON", ExportDevice));
         Add_("watch", "Print each change", WatchDevices);
+        Add_("measure", "Tell how long it takes until all devices are there, and how late changes come", MeasureFleet)
+            ->add_option("--expect", m_options.expected, "Wait for so many devices");
     }
 
     int Run(int argc, char** argv)

@@ -17,8 +17,9 @@ struct FleetOptions_t
     std::string language = "en";
     std::string format = "text";
     std::vector<std::string> devices;
-    std::string share;  ///< I/N, or empty
-    double timeout = 0; ///< in seconds; 0 for the command's own
+    std::string share;         ///< I/N, or empty
+    double timeout = 0;        ///< in seconds; 0 for the command's own
+    unsigned int expected = 0; ///< devices to wait for
     std::string device;
     std::string path;
     std::string value;

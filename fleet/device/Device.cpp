@@ -27,7 +27,11 @@ constexpr unsigned int k_epochShift = 40;
 constexpr auto k_claimTime = 2s;
 /// How long the broker has to send a claim back that it has taken.
 constexpr auto k_echoTime = 3s;
+/// How long after a change the sum is told, at first after a connect and later.
+/// @{
+constexpr auto k_firstTotalTime = 1s;
 constexpr auto k_totalTime = 10s;
+/// @}
 /// So many messages are on their way at once; what changes meanwhile waits, each value once.
 constexpr std::size_t k_window = 256;
 
@@ -77,11 +81,8 @@ Device::Device(boost::asio::io_context& context, Settings_t settings, SchemasPtr
     // All that was told before this session has smaller numbers, whatever the clocks say.
     m_first = m_memory.epoch << k_epochShift;
     m_last = m_first;
-    m_sum = 0;
-    for (auto& sequence : m_sequences) {
+    for (auto& sequence : m_sequences)
         sequence = ++m_last;
-        m_sum += sequence;
-    }
     m_isUnsaved = false;
     m_session.SetWill(Topic_(TopicKind_t::About),
                       Encode(AboutMessage{false, m_instance, m_memory.lineage, m_first, m_settings.title}));
@@ -122,8 +123,7 @@ void Device::ItemChanged_(boost::intrusive_ptr<ItemHolder const> const&,
     auto const place = PlaceOf_(parameter->GetInfo()->GetInfo()->GetId());
     if (m_memory.epoch == 0 || place == m_sequences.size())
         return; // not open yet
-    m_sum += ++m_last - m_sequences[place];
-    m_sequences[place] = m_last;
+    m_sequences[place] = ++m_last;
     if (m_isExecuting && m_store.IsDurable()) {
         m_held.insert(place);
     } else {
@@ -134,7 +134,8 @@ void Device::ItemChanged_(boost::intrusive_ptr<ItemHolder const> const&,
             SaveSoon_(k_writeBehind);
     }
     if (!std::exchange(m_isTotalDue, true)) {
-        m_totalTimer.expires_after(k_totalTime);
+        m_totalTimer.expires_after(m_totalDelay);
+        m_totalDelay = std::min<std::chrono::milliseconds>(2 * m_totalDelay, k_totalTime);
         m_totalTimer.async_wait([this](boost::system::error_code const& error) {
             if (error)
                 return;
@@ -171,6 +172,9 @@ void Device::Connected_()
     m_state = State_t::Claiming;
     m_isContested = false;
     m_outbox.clear();
+    m_told.assign(m_sequences.size(), 0);
+    m_toldLast = m_first;
+    m_toldSum = 0;
     m_isQueued.assign(m_isQueued.size(), false);
     m_session.Subscribe({Topic_(TopicKind_t::About), Topic_(TopicKind_t::Claim)});
     PublishClaim_();
@@ -285,6 +289,8 @@ void Device::Hold_()
         if (!m_held.contains(place))
             Queue_(place);
     m_outbox.emplace_back(Total_t{});
+    // While controllers come back, sums are soon out of date.
+    m_totalDelay = k_firstTotalTime;
     Pump_();
 }
 
@@ -319,15 +325,20 @@ void Device::PublishValue_(std::size_t place)
     auto const parameter = FindInfoItem(m_schemas->ids[place]);
     auto const message = Encode(ValueMessage{m_memory.lineage, m_sequences[place], parameter->GetItem()->GetItem()});
     auto const path = Legacy::IfKit::PathOf(*this, *parameter->GetInfo()->GetInfo());
-    if (message.size() <= k_maxMessage)
+    if (message.size() <= k_maxMessage) {
         m_session.Publish(Topic_(TopicKind_t::Value, {}, path), message, true);
-    else
+        m_toldSum += m_sequences[place] - m_told[place];
+        m_told[place] = m_sequences[place];
+        m_toldLast = std::max(m_toldLast, m_sequences[place]);
+    } else {
         Log(Orlek::LogLevel_t::Error, m_settings.name + ": the value is too large to be published: " + Printable(path));
+    }
 }
 
+/// Of what stands before it: a controller that has it all agrees.
 void Device::PublishTotal_()
 {
-    m_session.Publish(Topic_(TopicKind_t::Total), Encode(TotalMessage{m_memory.lineage, m_last, m_sum}), true);
+    m_session.Publish(Topic_(TopicKind_t::Total), Encode(TotalMessage{m_memory.lineage, m_toldLast, m_toldSum}), true);
 }
 
 bool Device::HandleSet_(Topic_t const& topic, Message_t const& message)

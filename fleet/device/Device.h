@@ -135,7 +135,12 @@ private:
     std::vector<std::uint64_t> m_sequences; // in the order of the schemas' ids
     std::uint64_t m_first = 0;
     std::uint64_t m_last = 0;
-    std::uint64_t m_sum = 0;
+    /// What was told of that within this connection.
+    /// @{
+    std::vector<std::uint64_t> m_told;
+    std::uint64_t m_toldLast = 0;
+    std::uint64_t m_toldSum = 0;
+    /// @}
 
     State_t m_state = State_t::Away;
     bool m_isContested = false; // somebody had the name, as the broker remembers it
@@ -149,6 +154,7 @@ private:
     boost::asio::steady_timer m_saveTimer;
     boost::asio::steady_timer m_totalTimer;
     std::chrono::steady_clock::time_point m_saveAt = std::chrono::steady_clock::time_point::max();
+    std::chrono::milliseconds m_totalDelay{1000};
     bool m_isTotalDue = false;
     Session m_session;
 };

@@ -165,7 +165,7 @@ public:
         for (auto const& device : m_devices)
             device->Start();
         if (m_options.changes > 0)
-            Load_(Clock::now(), 0);
+            AwaitAll_();
         else if (m_options.schema.empty())
             Measure_();
         m_context.run();
@@ -203,6 +203,15 @@ private:
         for (auto const& device : m_devices)
             m_measurements.Take(*device);
         Wait_(std::chrono::milliseconds(std::lround(m_options.interval * 1000)), [this] { Measure_(); });
+    }
+
+    /// Load begins when all devices have told what they have.
+    void AwaitAll_()
+    {
+        if (std::all_of(m_devices.begin(), m_devices.end(), [](auto const& device) { return device->IsSettled(); }))
+            Load_(Clock::now(), 0);
+        else
+            Wait_(std::chrono::milliseconds(100), [this] { AwaitAll_(); });
     }
 
     /// Changes one value of one device after the other, as many as are due by now.

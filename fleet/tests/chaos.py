@@ -1,0 +1,211 @@
+#!/usr/bin/env python3
+"""Lets a fleet live through trouble and compares at the end; scripts/fleet-chaos.sh tells what it does.
+
+usage: chaos.py [--build-dir DIR] [SECONDS]
+"""
+import argparse
+import json
+import os
+import random
+import re
+import shutil
+import signal
+import socket
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+from pathlib import Path
+
+parser = argparse.ArgumentParser()
+parser.add_argument("--build-dir", default="build/release")
+parser.add_argument("seconds", nargs="?", type=float, default=60)
+options = parser.parse_args()
+build = Path(options.build_dir).resolve()
+os.environ["PATH"] += ":/usr/sbin:/usr/local/sbin"
+work = Path(tempfile.mkdtemp())
+seed = random.randrange(1 << 32)
+print(f"seed {seed}")
+rng = random.Random(seed)
+count = 6
+names = [f"d{i}" for i in range(count)]
+processes = {}
+counts = {}
+with socket.socket() as probe:
+    probe.bind(("127.0.0.1", 0))
+    port = probe.getsockname()[1]
+at = ["--broker", f"127.0.0.1:{port}"]
+config = work / "broker.conf"
+config.write_text(f"listener {port} 127.0.0.1\nallow_anonymous true\nmax_queued_messages 100\nuser root\n"
+                  f"persistence true\npersistence_location {work}/\nautosave_interval 3\n")
+
+
+def start(name, *command, **streams):
+    log = open(work / f"{name}.log", "a")
+    streams = {"stdin": subprocess.DEVNULL, "stdout": log, "stderr": log, **streams}
+    processes[name] = subprocess.Popen([str(part) for part in command], text=True, **streams)
+    return processes[name]
+
+
+def start_broker():
+    """The address may be taken for a moment after a kill."""
+    for _ in range(100):
+        broker = start("broker", "mosquitto", "-c", config)
+        time.sleep(0.2)
+        if broker.poll() is None:
+            return
+    raise RuntimeError("no broker")
+
+
+def start_device(name):
+    start(name, build / "fleet/legacyif-device", *at, "--name", name, "--template", "climate", "--interval", "0.2",
+          "--values", work / f"{name}.rec")
+
+
+def end(name, how):
+    processes[name].send_signal(how)
+    if processes[name].poll() is None and how == signal.SIGTERM:
+        processes[name].send_signal(signal.SIGCONT)
+    return processes[name].wait(15)
+
+
+def publish_damage():
+    """A foreign program that writes what it likes where it likes."""
+    name = rng.choice(names)
+    topic = rng.choice([f"fleet/{name}/value/climate/target", f"fleet/{name}/set/desk/climate/target",
+                        f"fleet/{name}/total", f"fleet/{name}/answer/desk", f"fleet/{name}/claim",
+                        f"fleet/{name}/value/no/thing", "fleet/ghost/about", f"fleet/{name}/set/desk/x/y"]).encode()
+    payload = rng.choice([b"", b"FL\x02", b"FL\x02V" + rng.randbytes(40), b"FL\x02S" + rng.randbytes(40),
+                          rng.randbytes(100), b"FL\x02R" + rng.randbytes(16)])
+    body = len(topic).to_bytes(2, "big") + topic + payload
+    size = bytes([len(body) % 128 | 0x80, len(body) // 128]) if len(body) > 127 else bytes([len(body)])
+    try:
+        with socket.create_connection(("127.0.0.1", port), 1) as broker:
+            broker.settimeout(1)
+            broker.sendall(b"\x10\x13\x00\x04MQTT\x04\x02\x00\x3c\x00\x07foreign")
+            broker.recv(4)
+            broker.sendall(b"\x30" + size + body + b"\xe0\x00")
+            broker.recv(1)
+    except OSError:
+        pass
+
+
+class Controller:
+    """The controller that lives through everything, and what it was asked and answered."""
+
+    def __init__(self):
+        self.log = work / "controller.log"
+        self.process = start("controller", build / "fleet/legacyif-fleet", *at, "--name", "desk", stdin=subprocess.PIPE)
+        self.asked = {name: [] for name in names}
+        self.lock = threading.Lock()
+
+    def say(self, command):
+        with self.lock:
+            self.process.stdin.write(command + "\n")
+            self.process.stdin.flush()
+
+    def answered(self, name):
+        text = self.log.read_text(errors="replace")
+        return len(re.findall(rf"^{name} climate/target is set$", text, re.M))
+
+
+def asking(controller, stop):
+    """Sets one value after the other; each device has them in order."""
+    number = 0
+    while not stop.is_set():
+        name = names[number % count]
+        value = 50 + (number // count) % 250
+        number += 1
+        if controller.answered(name) + 3 > len(controller.asked[name]):
+            controller.asked[name].append(value)
+            controller.say(f"set {name} climate/target {value}")
+        time.sleep(0.02)
+
+
+def trouble():
+    kind = rng.choices(["broker kill", "broker empty", "device kill", "device stop", "controller stop", "damage"],
+                       [2, 1, 5, 2, 1, 6])[0]
+    counts[kind] = counts.get(kind, 0) + 1
+    name = rng.choice(names)
+    if kind.startswith("broker"):
+        end("broker", signal.SIGKILL)
+        if kind == "broker empty":
+            (work / "mosquitto.db").unlink(missing_ok=True)
+        time.sleep(rng.uniform(0, 2))
+        start_broker()
+    elif kind == "device kill":
+        end(name, signal.SIGKILL)
+        time.sleep(rng.uniform(0, 0.5))
+        start_device(name)
+    elif kind.endswith("stop"):
+        process = processes["controller" if kind.startswith("controller") else name]
+        process.send_signal(signal.SIGSTOP)
+        time.sleep(rng.uniform(0.5, 4))
+        process.send_signal(signal.SIGCONT)
+    else:
+        for _ in range(10):
+            publish_damage()
+
+
+failures = []
+try:
+    start_broker()
+    for name in names:
+        start_device(name)
+    controller = Controller()
+    controller.say("wait")
+    time.sleep(1.5)
+    stop = threading.Event()
+    asker = threading.Thread(target=asking, args=(controller, stop))
+    asker.start()
+    last = time.time() + options.seconds
+    while time.time() < last:
+        trouble()
+        time.sleep(rng.uniform(0, 0.7))
+        # A device ends if another process seems to have its name, which nobody but damage can bring about here.
+        for name in names:
+            if processes[name].poll() is not None:
+                failures.append(f"{name} ended with {processes[name].returncode}")
+                start_device(name)
+    stop.set()
+    asker.join()
+
+    # All that was asked is answered, and then all devices end, so that what they have is on the disk.
+    for name in names:
+        deadline = time.time() + 40
+        while controller.answered(name) < len(controller.asked[name]) and time.time() < deadline:
+            time.sleep(0.2)
+        if controller.answered(name) != len(controller.asked[name]):
+            failures.append(f"{name}: {controller.answered(name)} answers to {len(controller.asked[name])} wishes")
+    time.sleep(2)
+    for name in names:
+        if end(name, signal.SIGTERM) != 0:
+            failures.append(f"{name} did not end well")
+    time.sleep(2)
+    for name in names:
+        controller.say(f"export {name} {work}/{name}.json")
+    controller.say("quit")
+    controller.process.wait(15)
+    for name in names:
+        compared = subprocess.run([str(build / "tools/legacyif"), "diff", "--schema", f"{work}/{name}.json",
+                                   f"{work}/{name}.rec", f"{work}/{name}.json"], capture_output=True, text=True)
+        if compared.returncode != 0:
+            failures.append(f"{name} differs: {compared.stdout}{compared.stderr}")
+        directory = json.loads((work / f"{name}.json").read_text())
+        target = next(parameter["value"] for section in directory["sections"] for parameter in section["parameters"]
+                      if parameter["schema"]["title"] == "target")
+        if target != controller.asked[name][-1]:
+            failures.append(f"{name} has {target} and not {controller.asked[name][-1]}")
+finally:
+    for process in processes.values():
+        if process.poll() is None:
+            process.kill()
+            process.wait()
+wishes = sum(len(asked) for asked in controller.asked.values())
+print(f"{wishes} values set on {count} devices through {dict(sorted(counts.items()))}")
+if failures:
+    print("\n".join(failures), f"\nthe logs are in {work}")
+    sys.exit(1)
+shutil.rmtree(work)
+print("every device has what was answered, and the controller has what every device has")
