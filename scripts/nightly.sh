@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # What takes too long for every change: run it once a night, or before a release. Each part is a script of its own that
 # anybody can run alone.
-# usage: nightly.sh [PART …]     the parts, all by default: packages machines search
+# usage: nightly.sh [PART …]     the parts, all by default: packages machines search fleet
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -30,13 +30,19 @@ search() {
     ./scripts/mutate.py
 }
 
+# A fleet in trouble for ten minutes, and one under load.
+fleet() {
+    ./scripts/fleet-chaos.sh 600
+    ./scripts/fleet-load.sh
+}
+
 parts=("$@")
 if [ ${#parts[@]} -eq 0 ]; then
-    parts=(packages machines search)
+    parts=(packages machines search fleet)
 fi
 for part in "${parts[@]}"; do
     case $part in
-    packages | machines | search) ;;
+    packages | machines | search | fleet) ;;
     *) grep '^# usage' "$0" >&2 && exit 2 ;;
     esac
     printf '\n== %s (%s s)\n' "$part" "$SECONDS"
