@@ -8,6 +8,7 @@
 
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -57,6 +58,7 @@ public:
 private:
     using Store = Detail::ContainerStore<Ptr, Key>;
 
+    std::unique_ptr<Detail::NodePool> m_pool; // of the nodes, whose allocator stays with them
     Store m_store;
 };
 

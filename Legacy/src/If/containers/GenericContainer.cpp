@@ -49,17 +49,29 @@ bool Insert(Store& store, Ptr const& element)
 // The storage.
 
 template<typename Element, typename Ptr, typename ConstPtr, typename Key>
-GenericContainerImpl<Element, Ptr, ConstPtr, Key>::GenericContainerImpl() = default;
+GenericContainerImpl<Element, Ptr, ConstPtr, Key>::GenericContainerImpl()
+    : m_pool(std::make_unique<Detail::NodePool>()), m_store(typename Store::ctor_args_list(), *m_pool)
+{}
 
 template<typename Element, typename Ptr, typename ConstPtr, typename Key>
-GenericContainerImpl<Element, Ptr, ConstPtr, Key>::GenericContainerImpl(GenericContainerImpl const&) = default;
+GenericContainerImpl<Element, Ptr, ConstPtr, Key>::GenericContainerImpl(GenericContainerImpl const& other)
+    : m_pool(std::make_unique<Detail::NodePool>()), m_store(other.m_store, *m_pool)
+{}
 
 template<typename Element, typename Ptr, typename ConstPtr, typename Key>
 GenericContainerImpl<Element, Ptr, ConstPtr, Key>::~GenericContainerImpl() = default;
 
 template<typename Element, typename Ptr, typename ConstPtr, typename Key>
 GenericContainerImpl<Element, Ptr, ConstPtr, Key>&
-GenericContainerImpl<Element, Ptr, ConstPtr, Key>::operator=(GenericContainerImpl const&) = default;
+GenericContainerImpl<Element, Ptr, ConstPtr, Key>::operator=(GenericContainerImpl const& other)
+{
+    if (this != &other) {
+        GenericContainerImpl copy(other);
+        m_store.swap(copy.m_store);
+        m_pool.swap(copy.m_pool);
+    }
+    return *this;
+}
 
 template<typename Element, typename Ptr, typename ConstPtr, typename Key>
 GenericContainerImpl<Element, Ptr, ConstPtr, Key>* GenericContainerImpl<Element, Ptr, ConstPtr, Key>::DeepCopy() const

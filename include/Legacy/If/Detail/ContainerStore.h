@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Legacy/If/Detail/NodePool.h>
 #include <Legacy/If/Detail/SeededHash.h>
 #include <Legacy/If/InfoItemHolderDefs.h>
 #include <Legacy/If/Section.h>
@@ -136,6 +137,7 @@ using ContainerStore = boost::multi_index_container<
     Stored<Ptr, Key>,
     boost::multi_index::indexed_by<boost::multi_index::ordered_unique<StoredKey<Ptr, Key>, KeyOrder<Key>>,
                                    boost::multi_index::hashed_unique<StoredHashedKey<Ptr, Key>>,
-                                   boost::multi_index::hashed_non_unique<StoredHashedName<Ptr, Key>>>>;
+                                   boost::multi_index::hashed_non_unique<StoredHashedName<Ptr, Key>>>,
+    PoolAllocator<Stored<Ptr, Key>>>;
 
 } // namespace Legacy::If::Detail

@@ -48,7 +48,9 @@ TEST(HostileKeys, CrowdNoContainer)
     auto const names = Crowd(
         [&](unsigned int number) { return static_cast<std::uint32_t>(std::hash<std::string_view>()(text(number))); });
     std::deque<Element> elements;
-    ContainerStore<Element*, SectionId_t> store;
+    using Store = ContainerStore<Element*, SectionId_t>;
+    NodePool pool;
+    Store store(Store::ctor_args_list(), pool);
     for (unsigned int const name : names) {
         SectionId_t const key(0U - SectionId_t(0, text(name)).hash_value(), text(name)); // whose hash is 0
         store.emplace(&elements.emplace_back(Element{key, text(name)}));
