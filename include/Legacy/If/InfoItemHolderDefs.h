@@ -7,9 +7,24 @@
 
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 
+#include <cstdint>
 #include <string>
 
 namespace Legacy::If {
+
+namespace Detail {
+
+/// Both tags of a schema or a value in one number, which stands in the holder so that comparing them does not touch
+/// what is held; 0 for tags of an application's own that do not fit.
+template<typename Subject>
+std::uint32_t PackedTags(Subject const& subject)
+{
+    auto const type = static_cast<std::uint32_t>(subject.GetType());
+    auto const numericType = static_cast<std::uint32_t>(subject.GetNumericType());
+    return type <= 0xFFFF && numericType < 0xFFFF ? (numericType + 1) << 16 | type : 0;
+}
+
+} // namespace Detail
 
 /// An envelope round one schema. Applications derive from it to give a parameter data and behaviour of their own; the
 /// library reads the schema, copies the holder, and leaves everything else to the application.
@@ -64,6 +79,9 @@ public:
     boost::intrusive_ptr<ItemBase> const& GetItem() const noexcept { return m_item; }
 
 private:
+    friend class InfoItemHolder;
+
+    std::uint32_t m_tags; // in the room that the count leaves
     boost::intrusive_ptr<ItemBase> m_item;
 };
 
@@ -96,11 +114,14 @@ public:
 
 private:
     friend class InfoItemDirectory;
+    friend class InfoItemHolderMap;
 
     bool SetItem_(boost::intrusive_ptr<ItemHolder const> const& item, boost::intrusive_ptr<ItemHolder const>& former);
 
+    std::uint32_t m_tags; // of the schema
     boost::intrusive_ptr<InfoHolder const> m_info;
     boost::intrusive_ptr<ItemHolder const> m_item; // released before the schema that it was set under
+    InfoBase const* m_schema;                      // what `m_info` holds, without the way through it
 };
 
 } // namespace Legacy::If
