@@ -132,6 +132,7 @@ private:
     template<typename Pointer>
     int FindAll_(InfoItemSectionId const& id, std::vector<Pointer>& found,
                  Pointer (*part)(InfoItemHolder const*)) const;
+    int SetItem_(unsigned int id, boost::intrusive_ptr<ItemHolder const> const& item);
     int SetItems_(std::map<unsigned int, boost::intrusive_ptr<ItemHolder const>> const& items);
     InfoItemHolder* Find_(std::string_view sectionPath, std::string_view infoName) const;
 

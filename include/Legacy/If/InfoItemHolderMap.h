@@ -6,6 +6,7 @@
 
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <span>
@@ -90,13 +91,18 @@ private:
     struct Place;
 
     InfoItemHolder* Get_(unsigned int id) const;
-    /// Brings these parameters into the cache side by side, where one after the other waits for each.
-    void Fetch_(std::span<unsigned int const> ids) const noexcept;
-    /// Finds what a directory entered in the section.
-    InfoItemHolder* Get_(InfoItemSectionId section, std::string_view name) const;
+    /// Finds parameters, null where there is none, and starts to bring all of them into the cache, where one search
+    /// after the other would wait for each.
+    void Get_(std::span<unsigned int const> ids, InfoItemHolder** found) const;
+    /// Finds what a directory entered in the section, whose path has that hash.
+    InfoItemHolder* Get_(InfoItemSectionId section, std::uint32_t pathHash, std::string_view name,
+                         std::uint32_t nameHash) const;
+    /// Starts to bring that into the cache.
+    void Fetch_(std::uint32_t pathHash, std::uint32_t nameHash) const noexcept;
     bool KnowsAllInSections_() const noexcept;
     void MakeRoomInSections_();
-    void EnterInSection_(InfoItemHolder& holder) noexcept;
+    void EnterInSection_(InfoItemHolder& holder, std::uint32_t pathHash) noexcept;
+    static InfoBase const& InfoOf_(InfoItemHolder const& holder) noexcept { return *holder.m_schema; }
     std::pair<bool, ById::iterator> Find_(unsigned int const& id);
     std::pair<ByName::iterator, ByName::iterator> Find_(std::string const& name);
     void EnterPending_();

@@ -1,16 +1,19 @@
 #pragma once
 
+#include <Legacy/If/Detail/NodePool.h>
 #include <Legacy/If/Export.h>
 #include <Legacy/If/InfoItemSectionId.h>
 #include <Legacy/If/ReturnCodes.h>
 #include <Legacy/If/SectionId.h>
 
+#include <cstdint>
 #include <functional>
 #include <list>
 #include <map>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace Legacy::If {
@@ -28,6 +31,17 @@ class PlaceIndex;
 /// none changes the tree.
 class LEGACY_IF_API SectionMapElement
 {
+    /// What the entries of all sections of a tree lie in.
+    struct Pools
+    {
+        Detail::NodePool infosByName;
+        Detail::NodePool infosById;
+    };
+    struct InTree
+    {
+        std::shared_ptr<Pools> const& pools;
+    };
+
 public:
     /// A section without children and parameters.
     explicit SectionMapElement(SectionId const& sectionId);
@@ -37,6 +51,8 @@ public:
     /// section that exists. Applications keep such copies as snapshots and rely on their refusing changes.
     SectionMapElement(SectionMapElement const& other);
     SectionMapElement& operator=(SectionMapElement const&) = delete;
+    /// A section of this tree.
+    SectionMapElement(SectionId const& sectionId, InTree const& tree);
     virtual ~SectionMapElement();
 
     SectionId const& GetSectionId() const noexcept { return m_sectionId; }
@@ -65,8 +81,11 @@ private:
     using Child = std::shared_ptr<SectionMapElement>;
     using PathIndex = Detail::PlaceIndex<SectionMapElement*>;
 
-    /// The node of the section with that path, or null.
-    SectionMapElement const* At_(std::string_view path) const;
+    /// The node of the section with that path, which has that hash, or null.
+    SectionMapElement const* At_(std::string_view path, std::uint32_t pathHash) const;
+    /// The same, for a root, if the path is the section's own.
+    SectionMapElement* Known_(std::string_view path, std::uint32_t pathHash) const;
+    int AddInfoAt_(InfoItemSectionId const& id, std::string const& name, SectionMapElement*& element);
     unsigned int Depth_() const noexcept { return m_sectionId.GetSectionDepth(); }
     int AddNewSectionMapElement_(SectionId const& child, Child& element);
     int AddNewInfo_(InfoItemSectionId const& id, std::string const& name, InfoItemSectionId& stored);
@@ -78,14 +97,21 @@ private:
     template<typename Self>
     static int Descend_(Self& self, std::string_view path, Self*& element);
     template<typename Self>
+    static int Walk_(Self& self, std::string_view path, Self*& element);
+    template<typename Self>
     static int Descend_(Self& self, InfoItemSectionId const& id, int mismatch, Self*& element);
 
+    template<typename K, typename V, typename Order>
+    using PooledMap = std::map<K, V, Order, Detail::PoolAllocator<std::pair<K const, V>>>;
+
     SectionId m_sectionId;
+    std::shared_ptr<Pools> m_pools; // outlives the maps
     std::map<std::string, Child, std::less<>> m_subsectionsByName;
     std::map<unsigned char, Child> m_subsectionsById;
-    std::map<std::string, InfoItemSectionId, std::less<>> m_infosByName;
-    std::map<InfoItemSectionId, std::string const*> m_infosById; // the names stand in the other map
+    PooledMap<std::string, InfoItemSectionId, std::less<>> m_infosByName;
+    PooledMap<InfoItemSectionId, std::string const*, std::less<>> m_infosById; // the names stand in the other map
     bool m_isRoot;
+    std::uint32_t m_pathHash = 0;                  // of a section under a root
     std::vector<SectionMapElement*> m_subsections; // by id, null where there is none
     std::unique_ptr<PathIndex> m_ownPaths;         // of a root: its sections by their paths
     PathIndex* m_paths = nullptr;                  // of the root that this node came to stand under

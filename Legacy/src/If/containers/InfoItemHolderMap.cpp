@@ -10,8 +10,6 @@ namespace Legacy::If {
 
 namespace {
 
-InfoBase const& InfoOf(InfoItemHolder const& holder) { return *holder.GetInfo()->GetInfo(); }
-
 /// Whether the id is present in the map, and its place, by the index where that can tell.
 template<typename Map, typename Index, typename Iterator = decltype(std::declval<Map&>().begin())>
 std::pair<bool, Iterator> FindIn(Map& map, Index const& index, unsigned int id)
@@ -28,10 +26,8 @@ InfoItemSectionId SectionOf(InfoBase const& info)
     return id.GetSectionId(id.Depth());
 }
 
-std::uint32_t TagOf(InfoItemSectionId section, std::string_view name)
-{
-    return Detail::SeededHash(name) + Detail::SeededHash(unsigned{section});
-}
+/// Of a parameter, by the hashes of the path of its section and of its name.
+std::uint32_t TagOf(std::uint32_t pathHash, std::uint32_t nameHash) { return Detail::SeededHash(pathHash) + nameHash; }
 
 } // namespace
 
@@ -51,7 +47,7 @@ struct InfoItemHolderMap::Lookup
     Detail::PlaceIndex<Place> byId;
     Detail::PlaceIndex<ByName::iterator> firstOfName;  // by the hash of the name
     Detail::PlaceIndex<ByName::iterator> othersOfName; // by id
-    Detail::PlaceIndex<InfoItemHolder*> inSections;    // by section and name, of a directory
+    Detail::PlaceIndex<InfoItemHolder*> inSections;    // by path and name, of a directory, which erases none of them
     std::vector<InfoItemHolder*> pending;              // entered by id alone so far, in the order of their arrival
 };
 
@@ -62,7 +58,7 @@ int InfoItemHolderMap::Insert(boost::intrusive_ptr<InfoItemHolder> const& holder
 {
     if (!holder)
         return IfErrNullArgument;
-    unsigned int const id = InfoOf(*holder).GetId();
+    unsigned int const id = InfoOf_(*holder).GetId();
     m_lookup->byId.MakeRoom();
     m_lookup->pending.push_back(holder.get());
     try {
@@ -95,8 +91,7 @@ int InfoItemHolderMap::Erase(unsigned int const& id)
         EnterPending_();
         EraseName_(*holder);
     }
-    InfoBase const& info = InfoOf(*holder);
-    m_lookup->inSections.Erase(TagOf(SectionOf(info), info.GetName()), holder.get());
+    InfoBase const& info = InfoOf_(*holder);
     m_lookup->byId.Erase(info.GetId(), {place, holder.get()});
     m_holdersById.erase(place);
     return 0;
@@ -104,7 +99,7 @@ int InfoItemHolderMap::Erase(unsigned int const& id)
 
 void InfoItemHolderMap::EraseName_(InfoItemHolder const& holder) noexcept
 {
-    InfoBase const& info = InfoOf(holder);
+    InfoBase const& info = InfoOf_(holder);
     auto const isIt = [&](auto const& entry) { return entry.second.get() == &holder; };
     if (auto const* const other =
             m_lookup->othersOfName.Find(info.GetId(), [&](auto const& place) { return isIt(*place); }))
@@ -122,7 +117,7 @@ void InfoItemHolderMap::EraseName_(InfoItemHolder const& holder) noexcept
         std::uint32_t const tag = Detail::SeededHash(info.GetName());
         m_lookup->firstOfName.Erase(tag, first);
         if (auto const next = std::next(first); next != last) {
-            m_lookup->othersOfName.Erase(InfoOf(*next->second).GetId(), next);
+            m_lookup->othersOfName.Erase(InfoOf_(*next->second).GetId(), next);
             m_lookup->firstOfName.Insert(tag, next); // into the slot that was left
         }
     }
@@ -161,39 +156,38 @@ InfoItemHolder* InfoItemHolderMap::Get_(unsigned int id) const
     return entry != m_holdersById.end() ? entry->second.get() : nullptr;
 }
 
-void InfoItemHolderMap::Fetch_(std::span<unsigned int const> ids) const noexcept
+void InfoItemHolderMap::Get_(std::span<unsigned int const> ids, InfoItemHolder** found) const
 {
     for (unsigned int const id : ids)
         m_lookup->byId.Prefetch(id);
-    for (unsigned int const id : ids)
-        __builtin_prefetch(Get_(id));
-    for (unsigned int const id : ids)
-        if (InfoItemHolder const* const holder = Get_(id)) {
-            __builtin_prefetch(holder->GetInfo().get());
-            __builtin_prefetch(holder->GetItem().get());
-        }
-    for (unsigned int const id : ids)
-        if (InfoItemHolder const* const holder = Get_(id))
-            __builtin_prefetch(holder->GetInfo()->GetInfo().get());
+    for (unsigned int const id : ids) {
+        *found = Get_(id);
+        __builtin_prefetch(*found++, 1);
+    }
 }
 
-InfoItemHolder* InfoItemHolderMap::Get_(InfoItemSectionId section, std::string_view name) const
+InfoItemHolder* InfoItemHolderMap::Get_(InfoItemSectionId section, std::uint32_t pathHash, std::string_view name,
+                                        std::uint32_t nameHash) const
 {
-    auto const* const place = m_lookup->inSections.Find(TagOf(section, name), [&](InfoItemHolder const* holder) {
-        InfoBase const& info = InfoOf(*holder);
+    auto const* const place = m_lookup->inSections.Find(TagOf(pathHash, nameHash), [&](InfoItemHolder const* holder) {
+        InfoBase const& info = InfoOf_(*holder);
         return SectionOf(info) == section && info.GetName() == name;
     });
     return place ? *place : nullptr;
+}
+
+void InfoItemHolderMap::Fetch_(std::uint32_t pathHash, std::uint32_t nameHash) const noexcept
+{
+    m_lookup->inSections.Prefetch(TagOf(pathHash, nameHash));
 }
 
 bool InfoItemHolderMap::KnowsAllInSections_() const noexcept { return m_lookup->inSections.IsComplete(); }
 
 void InfoItemHolderMap::MakeRoomInSections_() { m_lookup->inSections.MakeRoom(); }
 
-void InfoItemHolderMap::EnterInSection_(InfoItemHolder& holder) noexcept
+void InfoItemHolderMap::EnterInSection_(InfoItemHolder& holder, std::uint32_t pathHash) noexcept
 {
-    InfoBase const& info = InfoOf(holder);
-    m_lookup->inSections.Insert(TagOf(SectionOf(info), info.GetName()), &holder);
+    m_lookup->inSections.Insert(TagOf(pathHash, Detail::SeededHash(InfoOf_(holder).GetName())), &holder);
 }
 
 std::pair<bool, InfoItemHolderMap::ById::iterator> InfoItemHolderMap::Find_(unsigned int const& id)
@@ -223,13 +217,13 @@ void InfoItemHolderMap::EnterPending_()
     if (pending.empty())
         return;
     std::ranges::stable_sort(
-        pending, {}, [](InfoItemHolder const* holder) -> auto& { return InfoOf(*holder).GetName(); });
+        pending, {}, [](InfoItemHolder const* holder) -> auto& { return InfoOf_(*holder).GetName(); });
     auto next = pending.begin();
     try {
         for (; next != pending.end(); ++next) {
             m_lookup->firstOfName.MakeRoom();
             m_lookup->othersOfName.MakeRoom();
-            InfoBase const& info = InfoOf(**next);
+            InfoBase const& info = InfoOf_(**next);
             auto const place = m_holdersByName.emplace_hint(m_holdersByName.end(), info.GetName(), *next);
             if (place == m_holdersByName.begin() || std::prev(place)->first != info.GetName())
                 m_lookup->firstOfName.Insert(Detail::SeededHash(info.GetName()), place);

@@ -1,5 +1,6 @@
 #include "core/ReserveMore.h"
 
+#include <Legacy/If/Detail/SeededHash.h>
 #include <Legacy/If/InfoItemDirectory.h>
 #include <Legacy/If/InfoItemDirectoryDelta.h>
 #include <Legacy/If/InfoItemHolderMap.h>
@@ -9,6 +10,7 @@
 #include <algorithm>
 #include <array>
 #include <span>
+#include <type_traits>
 
 namespace Legacy::If {
 
@@ -23,6 +25,18 @@ using InfoItem = boost::intrusive_ptr<InfoItemHolder const>;
 Info InfoOf(InfoItemHolder const* infoItem) { return infoItem ? infoItem->GetInfo() : Info(); }
 Item ItemOf(InfoItemHolder const* infoItem) { return infoItem ? infoItem->GetItem() : Item(); }
 InfoItem Whole(InfoItemHolder const* infoItem) { return infoItem; }
+
+/// What such a pointer is to point at.
+template<typename Pointer>
+void const* Held(InfoItemHolder const& infoItem)
+{
+    if constexpr (std::is_same_v<Pointer, Info>)
+        return infoItem.GetInfo().get();
+    else if constexpr (std::is_same_v<Pointer, Item>)
+        return infoItem.GetItem().get();
+    else
+        return &infoItem;
+}
 
 constexpr std::size_t k_atATime = 16;
 
@@ -81,10 +95,11 @@ int InfoItemDirectory::AddInfo(boost::intrusive_ptr<InfoHolder const> const& inf
     if (int const code = m_infoItemHolderMap->Insert(infoItem))
         return code;
     InfoBase const& schema = *info->GetInfo();
+    SectionMapElement* section = nullptr;
     int code = 0;
     try {
         m_infoItemHolderMap->MakeRoomInSections_();
-        code = m_sectionMap->AddInfo(schema.GetId(), schema.GetName());
+        code = m_sectionMap->m_root->AddInfoAt_(schema.GetId(), schema.GetName(), section);
     } catch (...) {
         m_infoItemHolderMap->Erase(schema.GetId());
         throw;
@@ -93,7 +108,7 @@ int InfoItemDirectory::AddInfo(boost::intrusive_ptr<InfoHolder const> const& inf
         m_infoItemHolderMap->Erase(schema.GetId());
         return code;
     }
-    m_infoItemHolderMap->EnterInSection_(*infoItem);
+    m_infoItemHolderMap->EnterInSection_(*infoItem, section->m_pathHash);
     InfoChanged_(nullptr, infoItem);
     return 0;
 }
@@ -116,7 +131,12 @@ int InfoItemDirectory::SetItem(boost::intrusive_ptr<ItemHolder const> const& ite
 {
     if (!item || !item->GetItem())
         return IfErrNullArgument;
-    boost::intrusive_ptr<InfoItemHolder> const infoItem(m_infoItemHolderMap->Get_(item->GetItem()->GetId()));
+    return SetItem_(item->GetItem()->GetId(), item);
+}
+
+int InfoItemDirectory::SetItem_(unsigned int id, Item const& item)
+{
+    boost::intrusive_ptr<InfoItemHolder> const infoItem(m_infoItemHolderMap->Get_(id));
     if (!infoItem)
         return IfErrNotFound;
     Item former;
@@ -170,10 +190,15 @@ InfoItemHolder* InfoItemDirectory::Find_(std::string_view sectionPath, std::stri
 {
     if (sectionPath.empty() || infoName.empty())
         return nullptr;
-    SectionMapElement const* const section = m_sectionMap->m_root->At_(sectionPath);
+    std::uint32_t const pathHash = Detail::SeededHash(sectionPath);
+    std::uint32_t const nameHash = Detail::SeededHash(infoName);
+    // Most paths are spelled as the section's own: the parameter is fetched while the section is looked for.
+    m_infoItemHolderMap->Fetch_(pathHash, nameHash);
+    SectionMapElement const* const section = m_sectionMap->m_root->At_(sectionPath, pathHash);
     if (!section)
         return nullptr;
-    if (auto* const known = m_infoItemHolderMap->Get_(section->GetSectionId().GetInfoItemSectionId(), infoName))
+    if (auto* const known = m_infoItemHolderMap->Get_(section->GetSectionId().GetInfoItemSectionId(),
+                                                      section->m_pathHash, infoName, nameHash))
         return known;
     InfoItemSectionId id(0);
     if (m_infoItemHolderMap->KnowsAllInSections_() || section->FindInfo_({}, infoName, id) != 0)
@@ -192,9 +217,13 @@ int InfoItemDirectory::FindAll_(InfoItemSectionId const& id, std::vector<Pointer
     Detail::ReserveMore(found, ids.size());
     for (std::span<unsigned int const> left(ids); !left.empty();) {
         auto const some = left.first(std::min(left.size(), k_atATime));
-        m_infoItemHolderMap->Fetch_(some);
-        for (unsigned int const info : some)
-            if (Pointer pointer = part(m_infoItemHolderMap->Get_(info)))
+        std::array<InfoItemHolder*, k_atATime> infoItems;
+        m_infoItemHolderMap->Get_(some, infoItems.data());
+        for (std::size_t i = 0; i < some.size(); ++i)
+            if (infoItems[i])
+                __builtin_prefetch(Held<Pointer>(*infoItems[i]), 1);
+        for (std::size_t i = 0; i < some.size(); ++i)
+            if (Pointer pointer = part(infoItems[i]))
                 found.push_back(std::move(pointer));
         left = left.subspan(some.size());
     }
@@ -251,13 +280,16 @@ int InfoItemDirectory::SetItems_(std::map<unsigned int, Item> const& items)
         std::size_t count = 0;
         for (; next != items.end() && count != ids.size(); ++next) {
             ids[count++] = next->first;
-            __builtin_prefetch(next->second.get());
+            __builtin_prefetch(next->second.get(), 1);
         }
-        m_infoItemHolderMap->Fetch_({ids.data(), count});
+        std::array<InfoItemHolder*, k_atATime> infoItems;
+        m_infoItemHolderMap->Get_({ids.data(), count}, infoItems.data());
+        for (std::size_t i = 0; i < count; ++i)
+            if (infoItems[i])
+                __builtin_prefetch(infoItems[i]->GetItem().get(), 1);
+        // A hook may change the directory, so each is asked for once more.
         for (auto it = first; it != next; ++it)
-            __builtin_prefetch(it->second->GetItem().get());
-        for (auto it = first; it != next; ++it)
-            if (int const code = SetItem(it->second))
+            if (int const code = SetItem_(it->first, it->second))
                 return code;
     }
     return 0;

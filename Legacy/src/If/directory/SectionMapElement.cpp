@@ -34,17 +34,27 @@ void CopyChildren(Map& children)
 
 } // namespace
 
-SectionMapElement::SectionMapElement() : m_isRoot(true), m_ownPaths(std::make_unique<PathIndex>())
+SectionMapElement::SectionMapElement()
+    : m_pools(std::make_shared<Pools>()), m_infosByName(m_pools->infosByName), m_infosById(m_pools->infosById),
+      m_isRoot(true), m_ownPaths(std::make_unique<PathIndex>())
 {
     m_paths = m_ownPaths.get();
 }
 
-SectionMapElement::SectionMapElement(SectionId const& sectionId) : m_sectionId(sectionId), m_isRoot(false) {}
+SectionMapElement::SectionMapElement(SectionId const& sectionId)
+    : SectionMapElement(sectionId, InTree{std::make_shared<Pools>()})
+{}
+
+SectionMapElement::SectionMapElement(SectionId const& sectionId, InTree const& tree)
+    : m_sectionId(sectionId), m_pools(tree.pools), m_infosByName(m_pools->infosByName), m_infosById(m_pools->infosById),
+      m_isRoot(false)
+{}
 
 SectionMapElement::SectionMapElement(SectionMapElement const& other)
-    : m_sectionId(other.m_sectionId), m_subsectionsByName(other.m_subsectionsByName),
-      m_subsectionsById(other.m_subsectionsById), m_infosByName(other.m_infosByName), m_isRoot(other.m_isRoot),
-      m_subsections(other.m_subsections.size())
+    : m_sectionId(other.m_sectionId), m_pools(std::make_shared<Pools>()),
+      m_subsectionsByName(other.m_subsectionsByName), m_subsectionsById(other.m_subsectionsById),
+      m_infosByName(other.m_infosByName, m_pools->infosByName), m_infosById(m_pools->infosById),
+      m_isRoot(other.m_isRoot), m_subsections(other.m_subsections.size())
 {
     CopyChildren(m_subsectionsByName);
     CopyChildren(m_subsectionsById);
@@ -155,6 +165,11 @@ void SectionMapElement::GetLeafSections_(std::list<SectionId>& sections) const
 int SectionMapElement::AddInfo_(InfoItemSectionId const& id, std::string const& name)
 {
     SectionMapElement* element = nullptr;
+    return AddInfoAt_(id, name, element);
+}
+
+int SectionMapElement::AddInfoAt_(InfoItemSectionId const& id, std::string const& name, SectionMapElement*& element)
+{
     if (int const code = Descend_(*this, id, IfErrInvalidArgument, element))
         return code;
     InfoItemSectionId stored(k_noId);
@@ -235,10 +250,21 @@ int SectionMapElement::GetInfos_(InfoItemSectionId const& id, std::vector<unsign
     return 0;
 }
 
-SectionMapElement const* SectionMapElement::At_(std::string_view path) const
+SectionMapElement const* SectionMapElement::At_(std::string_view path, std::uint32_t pathHash) const
 {
+    if (auto const* const known = Known_(path, pathHash))
+        return known;
     SectionMapElement const* element = nullptr;
-    return Descend_(*this, path, element) == 0 ? element : nullptr;
+    return Walk_(*this, path, element) == 0 ? element : nullptr;
+}
+
+SectionMapElement* SectionMapElement::Known_(std::string_view path, std::uint32_t pathHash) const
+{
+    if (!m_ownPaths)
+        return nullptr;
+    auto const* const known = m_ownPaths->Find(
+        pathHash, [&](SectionMapElement const* section) { return section->m_sectionId.GetSectionName() == path; });
+    return known ? *known : nullptr;
 }
 
 int SectionMapElement::AddNewSectionMapElement_(SectionId const& child, Child& element)
@@ -262,7 +288,7 @@ int SectionMapElement::AddNewSectionMapElement_(SectionId const& child, Child& e
         m_subsections.resize(sub + 1U);
     if (m_paths)
         m_paths->MakeRoom();
-    auto created = std::make_shared<SectionMapElement>(child);
+    auto created = std::make_shared<SectionMapElement>(child, InTree{m_pools});
     auto const place = m_subsectionsByName.emplace(std::move(name), created).first;
     try {
         m_subsectionsById.emplace(sub, created);
@@ -272,9 +298,10 @@ int SectionMapElement::AddNewSectionMapElement_(SectionId const& child, Child& e
     }
     m_subsections[sub] = created.get();
     created->m_paths = m_paths;
+    created->m_pathHash = Detail::SeededHash(child.GetSectionName());
     // The name of the fourth level may hold delimiters. No search by path finds that section, since it splits there.
     if (m_paths && place->first.find(SectionId::k_sectionDelim) == std::string::npos)
-        m_paths->Insert(Detail::SeededHash(child.GetSectionName()), created.get());
+        m_paths->Insert(created->m_pathHash, created.get());
     element = std::move(created);
     return 0;
 }
@@ -371,13 +398,17 @@ int SectionMapElement::Descend_(Self& self, std::string_view path, Self*& elemen
         element = &self;
         return self.m_isRoot ? IfErrNotFound : 0;
     }
-    if (self.m_ownPaths) {
-        auto const isIt = [&](SectionMapElement* section) { return section->m_sectionId.GetSectionName() == path; };
-        if (auto const* const known = self.m_ownPaths->Find(Detail::SeededHash(path), isIt)) {
-            element = *known;
+    if (self.m_ownPaths)
+        if (auto* const known = self.Known_(path, Detail::SeededHash(path))) {
+            element = known;
             return 0;
         }
-    }
+    return Walk_(self, path, element);
+}
+
+template<typename Self>
+int SectionMapElement::Walk_(Self& self, std::string_view path, Self*& element)
+{
     SectionMapElement* next = nullptr;
     for (SectionMapElement const* from = &self; !path.empty(); from = next)
         if (int const code = from->FindNextSectionMapElement_(path, path, next))
