@@ -49,9 +49,13 @@ public:
     NodePool& operator=(NodePool const&) = delete;
     ~NodePool() { FreePieces_(); }
 
-    /// `size` is the same each time.
+    /// The size that is asked for first is that of the nodes; what has another one is no node.
     void* Allocate(std::size_t size)
     {
+        if (m_nodeSize == 0)
+            m_nodeSize = size;
+        if (size != m_nodeSize)
+            return ::operator new(size);
         if (!m_single)
             return m_single = ::operator new(size);
         if (!m_free && m_next == m_end)
@@ -62,8 +66,12 @@ public:
         return std::exchange(m_free, m_free->next);
     }
 
-    void Free(void* node) noexcept
+    void Free(void* node, std::size_t size) noexcept
     {
+        if (size != m_nodeSize) {
+            ::operator delete(node);
+            return;
+        }
         if (node == m_single) {
             ::operator delete(std::exchange(m_single, nullptr));
             return;
@@ -82,6 +90,7 @@ private:
     void Grow_(std::size_t size);
     void FreePieces_() noexcept;
 
+    std::size_t m_nodeSize = 0;
     void* m_single = nullptr;
     Link* m_free = nullptr;
     std::byte* m_next = nullptr; // the rest of the last piece
@@ -111,7 +120,7 @@ public:
     void deallocate(Value* values, std::size_t count) noexcept
     {
         if (count == 1)
-            m_pool->Free(values);
+            m_pool->Free(values, sizeof(Value));
         else
             ::operator delete(values);
     }

@@ -124,6 +124,13 @@ TYPED_TEST(Containers, FindElementsAndCopyOrShareThem)
     copy = c;
     EXPECT_EQ(copy.Size(), 4U);
     EXPECT_EQ(copy.Get(k(3)) == all[1], isStorage);
+
+    TypeParam grown; // copies of each size, which then grow themselves
+    for (unsigned int size = 0; size < 20; grown.Add(New<E>(++size))) {
+        TypeParam other(grown);
+        EXPECT_EQ(other.Add({New<E>(50), New<E>(51)}), 0);
+        EXPECT_EQ(other.Size(), size + 2);
+    }
 }
 
 struct OddHolder : InfoHolder
