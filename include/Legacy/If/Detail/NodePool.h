@@ -29,7 +29,7 @@ struct LargeAllocator
     }
     void deallocate(Value* values, std::size_t) noexcept { ::operator delete(values, k_alignment); }
 
-    friend bool operator==(LargeAllocator const&, LargeAllocator const&) noexcept = default;
+    friend bool operator==(LargeAllocator const&, LargeAllocator const&) noexcept { return true; }
 
 private:
     static constexpr std::align_val_t k_alignment{alignof(Value)};
@@ -125,7 +125,7 @@ public:
             ::operator delete(values);
     }
 
-    friend bool operator==(PoolAllocator const&, PoolAllocator const&) noexcept = default;
+    friend bool operator==(PoolAllocator const& a, PoolAllocator const& b) noexcept { return a.m_pool == b.m_pool; }
 
 private:
     template<typename>
