@@ -1,12 +1,13 @@
 #pragma once
 
+#include "core/DefaultText.h"
+
 #include <Legacy/If/Detail/SizeBounds.h>
 #include <Legacy/If/InfoBase.h>
 #include <Legacy/If/ItemBase.h>
 
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 
-#include <charconv>
 #include <concepts>
 #include <cstddef>
 #include <initializer_list>
@@ -54,23 +55,6 @@ inline Finding CheckSize(SizeBounds const& bounds, std::size_t size, char const*
                          InfoPtr const& info, ItemBase const& item)
 {
     return bounds.Contains(size) ? Finding() : SizeFinding(bounds, size, below, above, info, item);
-}
-
-/// A number as a default-formatted stream prints it; 8-bit numbers as the single character that a stream makes of them.
-template<typename Number>
-std::string DefaultText(Number value)
-{
-    if constexpr (sizeof(Number) == 1 && !std::same_as<Number, bool>)
-        return std::string(1, static_cast<char>(value));
-    char text[32];
-    std::to_chars_result end{};
-    if constexpr (std::floating_point<Number>)
-        end = std::to_chars(text, text + sizeof(text), value, std::chars_format::general, 6);
-    else if constexpr (std::same_as<Number, bool>)
-        end = std::to_chars(text, text + sizeof(text), static_cast<int>(value));
-    else
-        end = std::to_chars(text, text + sizeof(text), value);
-    return std::string(text, end.ptr);
 }
 
 /// The text of an argument: the type of a schema or of a value, or a number.

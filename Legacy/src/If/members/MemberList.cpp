@@ -1,7 +1,14 @@
+#include "convert/Visit.h"
 #include "members/MemberWalk.h"
+#include "text/PlainText.h"
 #include "text/Text.h"
 
+#include <Legacy/If/Bool.h>
+#include <Legacy/If/Numeric.h>
+#include <Legacy/If/String.h>
+
 #include <set>
+#include <string_view>
 #include <utility>
 
 namespace Legacy::If::Detail {
@@ -164,6 +171,30 @@ bool EqualMembers(MemberList<Root> const& a, MemberList<Root> const& b)
     return true;
 }
 
+/// Prints a number, a boolean or a text, which is what most members are. False for all others, and for classes that an
+/// application derived, which print themselves.
+bool PutPlain(PlainText& to, ItemBase const& item)
+{
+    if (IsExactly<StringItem>(item)) {
+        to << static_cast<StringItem const&>(item).Val();
+        return true;
+    }
+    if (IsExactly<BoolItem>(item)) {
+        to << BoolText(static_cast<BoolItem const&>(item).GetVal());
+        return true;
+    }
+    auto const put = [&to, &item]<typename Traits>(Traits) {
+        if (!IsExactly<NumericItem<Traits>>(item))
+            return IfErrTypeNotAssignable;
+        to.PutNumber(TextForm<typename Traits::T>{static_cast<NumericItem<Traits> const&>(item).GetVal()});
+        return 0;
+    };
+    return VisitElement(item.GetNumericType(), put) == 0;
+}
+
+/// Schemas print themselves.
+bool PutPlain(PlainText&, InfoBase const&) { return false; }
+
 template<typename Root>
 std::ostream& PrintMembers(std::ostream& os, MemberList<Root> const& members)
 {
@@ -174,22 +205,35 @@ std::ostream& PrintMembers(std::ostream& os, MemberList<Root> const& members)
 
         explicit Step(MemberList<Root> const& list) noexcept : left(list) {}
     };
-    os << "(";
+    PlainText text(os);
+    bool isPlain = PlainText::Suits(os);
+    auto const put = [&](std::string_view piece) {
+        if (isPlain)
+            text << piece;
+        else
+            os << piece;
+    };
+    put("(");
     Path<Step> path(members);
-    do {
+    for (;;) {
         while (!path.Here().left.Empty()) {
-            os << std::exchange(path.Here().separator, k_separator);
+            put(std::exchange(path.Here().separator, k_separator));
             Root const& member = *path.Here().left.Take();
             if (MemberList<Root> const* const nested = MembersOf(member)) {
-                os << "(";
+                put("(");
                 path.Descend(*nested);
-            } else {
+            } else if (!isPlain || !PutPlain(text, member)) {
+                text.Flush();
                 member.operator<<(os);
+                isPlain = isPlain && PlainText::Suits(os); // an application's class may leave it another
             }
         }
-        os << ")";
-    } while (path.Ascend());
-    return os;
+        if (!path.Ascend())
+            break;
+        put(")");
+    }
+    text.Flush();
+    return os << ")"; // by itself, so that a stream that took less is left as if it had been given each piece
 }
 
 template<typename Root, typename Pointer>

@@ -5,6 +5,7 @@
 #include "numbers/Source.h"
 #include "record/SerialRecord.h"
 #include "shapes/Parts.h"
+#include "text/PlainText.h"
 #include "text/Text.h"
 
 #include <Legacy/If/Detail/Cast.h>
@@ -251,9 +252,17 @@ bool NumericArrayItem<T>::SetValFromStream(std::istream& in, std::ostream& out,
 template<typename T>
 std::ostream& NumericArrayItem<T>::operator<<(std::ostream& os) const
 {
-    os << '(';
-    Detail::PrintList(os, m_value, [](std::ostream& to, Element value) { to << Detail::TextForm<Element>{value}; });
-    return os << ')';
+    if (!Detail::PlainText::Suits(os)) {
+        os << '(';
+        Detail::PrintList(os, m_value, [](std::ostream& to, Element value) { to << Detail::TextForm<Element>{value}; });
+        return os << ')';
+    }
+    Detail::PlainText text(os);
+    text << "(";
+    Detail::PrintList(text, m_value,
+                      [](Detail::PlainText& to, Element value) { to.PutNumber(Detail::TextForm<Element>{value}); });
+    text.Flush();
+    return os << ')'; // by itself, so that a stream that took less is left as if it had been given each piece
 }
 
 template class NumericArrayInfo<U8Traits>;

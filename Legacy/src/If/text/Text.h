@@ -55,16 +55,16 @@ inline void DumpHead(std::ostream& os, ItemBase const& item)
     DumpLine(os, "type: ", item.GetType());
 }
 
-/// A list in its compact form, without brackets; `print` takes the stream and an element. Nothing is written before the
-/// first one, so that a width set on the stream is that one's.
-template<typename List, typename Print>
-void PrintList(std::ostream& os, List const& list, Print&& print)
+/// A list in its compact form, without brackets; `print` takes where to and an element. Nothing is written before the
+/// first one, so that a width set on a stream is that one's.
+template<typename Output, typename List, typename Print>
+void PrintList(Output& to, List const& list, Print&& print)
 {
     bool isFirst = true;
     for (auto const& element : list) {
         if (!std::exchange(isFirst, false))
-            os << k_separator;
-        print(os, element);
+            to << k_separator;
+        print(to, element);
     }
 }
 

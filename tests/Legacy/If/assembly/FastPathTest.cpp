@@ -3,9 +3,13 @@
 #include "convert/FloatLoops.h"
 
 #include <Legacy/If/Addr.h>
+#include <Legacy/If/Bool.h>
+#include <Legacy/If/Composite.h>
 #include <Legacy/If/Numeric.h>
 #include <Legacy/If/NumericArray.h>
+#include <Legacy/If/String.h>
 
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstdlib>
@@ -13,6 +17,8 @@
 #include <limits>
 #include <locale>
 #include <random>
+#include <streambuf>
+#include <tuple>
 
 namespace Legacy::If::Test {
 namespace {
@@ -161,6 +167,98 @@ TEST(FastPath, PrintsAsAStreamDoes)
     std::locale::global(before);
     EXPECT_EQ(Make<Shouting<NumericItem<U32Traits>>>(7U)->GetValAsString(), "SEVEN5");
     EXPECT_EQ(RecordOf(Shouting<AddrItem>(7)).payload, (Bytes{'S', 'E', 'V', 'E', 'N', '5', 0})); // what is printed
+}
+
+/// A stream into a buffer that takes a number of characters and no more, in one of many formats.
+struct FormattedStream : std::ostream
+{
+    explicit FormattedStream(unsigned int format) : std::ostream(&m_buffer)
+    {
+        auto const pick = [&format](auto const&... choices) {
+            std::array const all{choices...};
+            auto const& choice = all.at(format % all.size());
+            format /= static_cast<unsigned int>(all.size());
+            return choice;
+        };
+        m_buffer.room = pick(std::size_t{1} << 30, std::size_t{700}, std::size_t{3});
+        width(pick(0, 9));
+        precision(pick(6, 0, 12));
+        fill(pick(' ', '*'));
+        imbue(pick(std::locale::classic(), std::locale(std::locale::classic(), new Grouping)));
+        for (auto const flag : {hex, showpos, fixed, boolalpha, unitbuf, left, showbase, uppercase})
+            setf(pick(fmtflags(), fmtflags(), flag));
+    }
+
+    struct Buffer : std::streambuf
+    {
+        int_type overflow(int_type c) override
+        {
+            if (text.size() >= room)
+                return traits_type::eof();
+            text.push_back(traits_type::to_char_type(c));
+            return c;
+        }
+        std::size_t room = 0;
+        std::string text;
+    } m_buffer;
+};
+
+/// A member that leaves the stream in another format.
+struct Meddling : StringItem
+{
+    using StringItem::StringItem;
+    std::ostream& operator<<(std::ostream& os) const override { return os << std::hex << 255; }
+};
+
+/// A list member by member, each as it prints itself.
+void PrintPlainly(std::ostream& os, ItemBase const& item)
+{
+    auto const* const composite = dynamic_cast<CompositeItem const*>(&item);
+    if (!composite) {
+        item.operator<<(os);
+        return;
+    }
+    os << "(";
+    for (unsigned int i = 0; i < composite->GetSize(); ++i) {
+        os << (i == 0 ? "" : ", ");
+        PrintPlainly(os, *composite->GetItem(i));
+    }
+    os << ")";
+}
+
+TEST(FastPath, PrintsListsInEachFormatAsTheirElements)
+{
+    using Item = boost::intrusive_ptr<ItemBase>;
+    std::vector<std::pair<Item, Item>> lists; // and composites of the same numbers, which print alike
+    std::vector<Item> leaves{Hold(BoolItem::Create(1, true)), Hold(StringItem::Create(1, std::string(3000, 'x')))};
+    ForAllTraits([&]<typename Traits>(Traits) {
+        auto const list = Make<NumericArrayItem<Traits>>(7U);
+        auto const composite = Make<CompositeItem>(7U);
+        for (auto const value : HardValues<typename Traits::T>()) {
+            list->Val().push_back(value);
+            leaves.push_back(Hold(NumericItem<Traits>::Create(7, value)));
+            composite->AddItem(leaves.back());
+        }
+        lists.emplace_back(list, composite);
+    });
+    leaves.insert(leaves.end(), {lists.front().first, lists.front().second, new Meddling(1)});
+    std::mt19937 random(1); // NOLINT: the same in every run
+    for (unsigned int format = 0; format < 3000; ++format) {
+        auto const mixed = Make<CompositeItem>(7U);
+        for (auto i = random() % 9; i > 0; --i)
+            mixed->AddItem(leaves[random() % leaves.size()]);
+        auto const& [list, composite] = lists[random() % lists.size()];
+        unsigned int const chosen = format % 2 == 0 ? format / 2 % 6 : static_cast<unsigned int>(random());
+        for (auto const& [fast, plain] : {std::pair(list, composite), std::pair(Item(mixed), Item(mixed))}) {
+            FormattedStream actual(chosen);
+            FormattedStream expected(chosen);
+            fast->operator<<(actual);
+            PrintPlainly(expected, *plain);
+            ASSERT_EQ(actual.m_buffer.text, expected.m_buffer.text) << chosen;
+            ASSERT_EQ(std::tuple(actual.rdstate(), actual.flags(), actual.width()),
+                      std::tuple(expected.rdstate(), expected.flags(), expected.width()));
+        }
+    }
 }
 
 TEST(FastPath, GivesOverAlignedClassesTheirAlignment)
