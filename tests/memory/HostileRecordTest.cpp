@@ -93,7 +93,7 @@ TEST(HostileValue, IsRefusedBeyondItsSizeWord)
         many = twice;
     }
     ItemBase::SerialStruct_t record;
-    EXPECT_LT(PeakOf([&] { EXPECT_EQ(many->Serialize(&record), IfErrInvalidArgument); }), 1'000'000'000);
+    EXPECT_LT(PeakOf([&] { EXPECT_EQ(many->Serialize(&record), IfErrInvalidArgument); }), 100'000'000);
     EXPECT_EQ(record.data, nullptr);
     EXPECT_EQ(many->GetSerialDataSize(), 0xFFFFFFFFU);
 }
