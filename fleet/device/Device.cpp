@@ -171,6 +171,7 @@ void Device::Connected_()
     Say_("connected to " + m_settings.broker.ToText());
     m_state = State_t::Claiming;
     m_isContested = false;
+    m_isEchoed = false;
     m_outbox.clear();
     m_told.assign(m_sequences.size(), 0);
     m_toldLast = m_first;
@@ -185,6 +186,8 @@ void Device::Acknowledged_()
 {
     if (m_state != State_t::Claiming)
         return Pump_();
+    if (m_isEchoed)
+        return;
     m_claimTimer.expires_after(k_echoTime);
     m_claimTimer.async_wait([this](boost::system::error_code const& error) {
         if (!error && m_state == State_t::Claiming)
@@ -255,6 +258,7 @@ bool Device::HandleClaim_(Message_t const& message)
     }
     if (m_state != State_t::Claiming)
         return true;
+    m_isEchoed = true;
     if (!m_isContested) {
         Hold_();
         return true;

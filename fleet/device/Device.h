@@ -144,6 +144,7 @@ private:
 
     State_t m_state = State_t::Away;
     bool m_isContested = false; // somebody had the name, as the broker remembers it
+    bool m_isEchoed = false;    // the claim has come back
     std::deque<Entry> m_outbox;
     std::vector<bool> m_isQueued; // whether the value at a place is in the outbox
     std::set<std::size_t> m_held; // places of values that wait for the disk
