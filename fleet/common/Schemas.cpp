@@ -1,6 +1,5 @@
 #include "common/Schemas.h"
 
-#include "common/Program.h"
 #include "common/Topics.h"
 #include "common/Wire.h"
 
@@ -9,6 +8,7 @@
 #include <Legacy/IfKit/Explain.h>
 #include <Legacy/IfKit/Json.h>
 #include <Legacy/IfKit/Records.h>
+#include <Legacy/IfKit/ValueText.h>
 
 #include <boost/iostreams/device/array.hpp>
 #include <boost/iostreams/stream.hpp>
