@@ -471,6 +471,19 @@ bool RebuildAny(Rebuilding& composite, MemberRecord& record)
 /// Which of them a member takes, by its two tags.
 class Rebuilders
 {
+    // Before what calls them, since not every compiler looks further down for them.
+    template<typename Item>
+    constexpr void Enter_(Rebuilder rebuilder) noexcept
+    {
+        m_table[IndexOf_(Item::GetTypeStatic(), Item::GetNumericTypeStatic())] = rebuilder;
+    }
+
+    template<typename... Traits>
+    constexpr void EnterNumbers_() noexcept
+    {
+        (Enter_<NumericItem<Traits>>(&RebuildRun<NumericItem<Traits>, typename Traits::T>), ...);
+    }
+
 public:
     constexpr Rebuilders() noexcept
     {
@@ -497,18 +510,6 @@ private:
     static constexpr std::size_t IndexOf_(IfType_t type, NumericType_t numericType) noexcept
     {
         return static_cast<std::size_t>(type) * k_elements + static_cast<std::size_t>(numericType);
-    }
-
-    template<typename Item>
-    constexpr void Enter_(Rebuilder rebuilder) noexcept
-    {
-        m_table[IndexOf_(Item::GetTypeStatic(), Item::GetNumericTypeStatic())] = rebuilder;
-    }
-
-    template<typename... Traits>
-    constexpr void EnterNumbers_() noexcept
-    {
-        (Enter_<NumericItem<Traits>>(&RebuildRun<NumericItem<Traits>, typename Traits::T>), ...);
     }
 
     std::array<Rebuilder, k_types * k_elements> m_table{};
