@@ -324,6 +324,23 @@ void Add(benchmark::State& state, std::size_t size)
     Check(state, right);
 }
 
+/// All elements as a list. They were made in no order, as those of a program that has run for a while.
+void GetAll(benchmark::State& state, std::size_t size)
+{
+    World const& world = World::Of(size);
+    InfoContainer container;
+    for (World::Question const& question : world.questions)
+        container.Add(Info(question.answer->DeepCopy()));
+    bool right = true;
+    for (auto _ : state) {
+        std::vector<Info> all;
+        container.Get(all);
+        right &= all.size() == world.infos.size() && *all.back() == *world.infos.back();
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(size));
+    Check(state, right);
+}
+
 void Copy(benchmark::State& state, std::size_t size)
 {
     InfoContainer const& source = Filled<OurContainer>(size).container;
@@ -437,6 +454,8 @@ bool AddRows()
 
         AddSized("delta-of-1e5", size, k_ours, Delta);
         AddSized("delta-of-1e5", size, "boost-flat", DeltaIntoFlatMap);
+
+        AddSized("get-all", size, k_ours, GetAll);
 
         AddSized("add", size, k_ours, Add<OurContainer>);
         AddSized("add", size, "legacyif-map", Add<OurHolderMap>);

@@ -2,6 +2,7 @@
 // program does.
 #include "Rows.h"
 
+#include <Legacy/If/InfoItemDirectory.h>
 #include <Legacy/If/Numeric.h>
 #include <Legacy/If/String.h>
 
@@ -116,6 +117,21 @@ struct Rows
             Hold(state, [](unsigned int id) {
                 return std::make_shared<OwnSchema>(OwnSchema{id, 0, NameOf(id), 0, 100, 7});
             });
+        });
+        // With a name of eleven letters, of which the schema takes 80 bytes.
+        AddRow("memory", "directory", k_ours, [](benchmark::State& state) {
+            InfoItemDirectory directory;
+            SectionId section;
+            Hold(state, [&](unsigned int i) {
+                if (i % 62 == 0)
+                    directory.AddSection('s' + std::to_string(i / 62 / 60) + '/' + std::to_string(i / 62 % 60),
+                                         section);
+                std::string const name = "para" + std::to_string(10'000'000 + i).substr(1);
+                unsigned int const id = section.GetInfoItemSectionId().CreateInfoItemId(i % 62);
+                directory.AddInfo(new InfoHolder(new NumericInfo<U32Traits>(id, name, Permission_t{})));
+                return i;
+            });
+            Check(state, !directory.Empty());
         });
         AddRow("memory", "u32-value", k_ours, [](benchmark::State& state) {
             Hold(state, [](unsigned int id) {

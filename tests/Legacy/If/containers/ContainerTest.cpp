@@ -3,6 +3,7 @@
 #include <Orlek/LogicError.h>
 
 #include <functional>
+#include <map>
 #include <new>
 #include <type_traits>
 
@@ -139,6 +140,43 @@ struct OddHolder : InfoHolder
     InfoHolder* DeepCopy() const override { return copy(); }
     std::function<InfoHolder*()> copy;
 };
+
+// Through sizes at which the pool of nodes grows, hands freed nodes out again, and gives all back.
+TEST(StorageOfContainers, AgreesWithAMap)
+{
+    Storage<InfoBase> storage;
+    std::map<unsigned int, boost::intrusive_ptr<InfoBase>> model;
+    unsigned int state = 7;
+    for (unsigned int step = 0; step < 12000; ++step) {
+        state = state * 1664525 + 1013904223;
+        unsigned int const id = state >> 8 & 1023;
+        bool const mostlyAdds = step % 4000 < 2000;
+        if ((state >> 24 & 3) == 0 || !mostlyAdds) {
+            ASSERT_EQ(storage.Remove(id), model.erase(id) != 0 ? 0 : IfErrNotFound);
+        } else {
+            auto const info = New<InfoBase>(id, std::to_string(id));
+            ASSERT_EQ(storage.Add(info), model.try_emplace(id, info).second ? 0 : IfErrDuplicateId);
+        }
+        if (step % 1000 == 999) {
+            Storage<InfoBase> copy(storage);
+            storage.Clear();
+            EXPECT_TRUE(storage.Empty());
+            storage = copy; // whose nodes are its own
+            copy = Storage<InfoBase>();
+            storage = *&storage;
+        }
+        ASSERT_EQ(storage.Size(), model.size());
+    }
+    std::vector<boost::intrusive_ptr<InfoBase>> all;
+    storage.Get(all);
+    ASSERT_EQ(all.size(), model.size());
+    auto next = all.begin();
+    for (auto const& [id, info] : model) {
+        EXPECT_EQ(*next++, info);
+        EXPECT_EQ(storage.Get(id), info);
+        EXPECT_EQ(storage.Find(std::to_string(id)), info);
+    }
+}
 
 TEST(HoldersThatAreOdd, LeaveAContainerWhole)
 {
