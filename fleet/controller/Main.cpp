@@ -5,6 +5,7 @@
 #include "controller/OneShot.h"
 #include "controller/Options.h"
 #include "controller/Shell.h"
+#include "web/Serve.h"
 
 #include <CLI/CLI.hpp>
 
@@ -57,6 +58,9 @@ public:
         Add_("watch", "Print each change", WatchDevices);
         Add_("measure", "Tell how long it takes until all devices are there, and how late changes come", MeasureFleet)
             ->add_option("--expect", m_options.expected, "Wait for so many devices");
+        Add_("serve", "Show the fleet on a page, to browsers on this machine", Serve)
+            ->add_option("--port", m_options.port, "Where the page is; 0 for any that is free")
+            ->capture_default_str();
     }
 
     int Run(int argc, char** argv)

@@ -23,6 +23,7 @@ struct FleetOptions_t
     std::string device;
     std::string path;
     std::string value;
+    unsigned short port = 8080; ///< of the page; 0 for any that is free
 
     bool IsJson() const { return format == "json"; }
     std::chrono::milliseconds Timeout(double usual) const

@@ -1,0 +1,29 @@
+# Script: writes the C++ source that holds the files of the page.
+#   cmake -DOUTPUT=file.cpp "-DFILES=index.html;page.js" -P EmbedPage.cmake
+set(arrays "")
+set(rows "")
+foreach(file IN LISTS FILES)
+    get_filename_component(name "${file}" NAME)
+    string(MAKE_C_IDENTIFIER "${name}" identifier)
+    file(READ "${file}" bytes HEX)
+    string(REGEX REPLACE "(................................)" "\\1\n    " bytes "${bytes}")
+    string(REGEX REPLACE "([0-9a-f][0-9a-f])" "'\\\\x\\1'," bytes "${bytes}")
+    string(APPEND arrays "constexpr char k_${identifier}[] = {\n    ${bytes}};\n\n")
+    string(APPEND rows "    {\"${name}\", {k_${identifier}, sizeof k_${identifier}}},\n")
+endforeach()
+file(WRITE "${OUTPUT}" "// Generated from the files of the page.
+#include \"web/PageFiles.h\"
+
+namespace Fleet {
+
+namespace {
+
+${arrays}constexpr PageFile_t k_files[] = {
+${rows}};
+
+} // namespace
+
+std::span<PageFile_t const> PageFiles() noexcept { return k_files; }
+
+} // namespace Fleet
+")
