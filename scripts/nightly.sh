@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # What takes too long for every change: run it once a night, or before a release. Each part is a script of its own that
 # anybody can run alone.
-# usage: nightly.sh [PART …]     the parts, all by default: packages machines search fleet
+# usage: nightly.sh [PART …]     the parts, all by default: packages machines search fleet page
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -36,13 +36,20 @@ fleet() {
     ./scripts/fleet-load.sh
 }
 
+# The fleet's page in a browser, which is too large to be installed for every change.
+page() {
+    ./scripts/install-deps.sh chromium chromium-driver
+    ./scripts/build.sh release legacyif-device legacyif-fleet
+    ./fleet/tests/page_test.py build/release/fleet
+}
+
 parts=("$@")
 if [ ${#parts[@]} -eq 0 ]; then
-    parts=(packages machines search fleet)
+    parts=(packages machines search fleet page)
 fi
 for part in "${parts[@]}"; do
     case $part in
-    packages | machines | search | fleet) ;;
+    packages | machines | search | fleet | page) ;;
     *) grep '^# usage' "$0" >&2 && exit 2 ;;
     esac
     printf '\n== %s (%s s)\n' "$part" "$SECONDS"
