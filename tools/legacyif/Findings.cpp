@@ -5,7 +5,6 @@
 #include <Legacy/IfKit/Explain.h>
 #include <Legacy/IfKit/ValueText.h>
 
-
 namespace Command {
 
 using namespace Legacy::If;

@@ -39,9 +39,9 @@ inline std::uint32_t SeededHash(std::uint32_t number) noexcept
     return static_cast<std::uint32_t>((number * seed.factor + seed.summand) >> 32);
 }
 
-/// A polynomial over pairs of words, taken where only the seed knows: two texts of whoever does not know it share a hash
-/// with a chance of about one in 2^31. It is short on purpose. A processor fetches for the next look-up while one still
-/// waits for memory only as far as its window reaches, and a longer hash fills that.
+/// A polynomial over pairs of words, taken where only the seed knows: two texts of whoever does not know it share a
+/// hash with a chance of about one in 2^31. It is short on purpose. A processor fetches for the next look-up while one
+/// still waits for memory only as far as its window reaches, and a longer hash fills that.
 std::uint32_t SeededHash(std::string_view text) noexcept;
 
 } // namespace Legacy::If::Detail
