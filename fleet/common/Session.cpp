@@ -377,7 +377,9 @@ private:
     {
         m_isAbandoned = true;
         m_timer.cancel();
-        asio::post(m_socket.get_executor(), std::exchange(m_leave, {}));
+        // The time may have been up at the same moment.
+        if (m_leave)
+            asio::post(m_socket.get_executor(), std::exchange(m_leave, {}));
     }
 
     /// The library's callbacks run within its calls, so what they begin is looked after when these return.

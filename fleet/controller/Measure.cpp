@@ -132,6 +132,15 @@ private:
             m_hasAll = true;
             Say_(JsonLine().Add("phase", "all").AddRaw("seconds", std::to_string(Seconds(Clock::now() - m_since))));
         }
+        if (Clock::now() >= m_window + std::chrono::seconds(k_window)) {
+            m_window = Clock::now();
+            Say_(JsonLine()
+                     .Add("phase", "filling")
+                     .AddRaw("devices", std::to_string(m_controller.Size()))
+                     .AddRaw("complete", std::to_string(complete))
+                     .AddRaw("inStep", std::to_string(inStep))
+                     .AddRaw("values", std::to_string(m_controller.ValueCount())));
+        }
         if (inStep != m_controller.Size() || inStep < std::max(m_options.expected, 1U))
             return;
         auto const bytes = ResidentBytes() - m_empty;
@@ -185,7 +194,7 @@ private:
     std::uint64_t const m_empty; // what the process takes without devices
     Controller m_controller;
     Clock::time_point m_since = m_start; // when the connection was made
-    Clock::time_point m_window{};
+    Clock::time_point m_window = m_start;
     Clock::time_point m_end{};
     std::vector<std::uint64_t> m_delays; // in nanoseconds
     std::unordered_map<Controller::Device const*, std::uint64_t> m_stamps;
