@@ -93,6 +93,7 @@ public:
 private:
     static constexpr std::size_t k_line = 64;
     static constexpr unsigned int k_slots =
+        // NOLINTNEXTLINE(bugprone-sizeof-expression): a place may be a pointer
         std::min<std::size_t>((k_line - sizeof(std::uint32_t)) / (sizeof(std::uint32_t) + sizeof(Place)), 7);
     static constexpr std::size_t k_reach = 192;
 

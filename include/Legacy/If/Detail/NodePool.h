@@ -115,12 +115,12 @@ public:
     Value* allocate(std::size_t count)
     {
         static_assert(alignof(Value) <= alignof(void*));
-        return static_cast<Value*>(count == 1 ? m_pool->Allocate(sizeof(Value)) : AllocateLarge(count * sizeof(Value)));
+        return static_cast<Value*>(count == 1 ? m_pool->Allocate(k_size) : AllocateLarge(count * k_size));
     }
     void deallocate(Value* values, std::size_t count) noexcept
     {
         if (count == 1)
-            m_pool->Free(values, sizeof(Value));
+            m_pool->Free(values, k_size);
         else
             ::operator delete(values);
     }
@@ -130,6 +130,8 @@ public:
 private:
     template<typename>
     friend class PoolAllocator;
+
+    static constexpr std::size_t k_size = sizeof(Value); // NOLINT(bugprone-sizeof-expression): of a pointer, too
 
     NodePool* m_pool;
 };
