@@ -86,9 +86,9 @@ class Reader:
         return listed(count, lambda i: str(bool(
             Reader(begin + i // word * self.word).pointer() >> i % word & 1)))
 
-    def map(self):
-        """The nodes of a std::map, in order, as readers of its pairs."""
-        self.align(self.word).at += self.word  # the comparison
+    def map(self, pooled=False):
+        """The nodes of a std::map, in order, as readers of its pairs. One whose nodes lie in a pool knows the pool."""
+        self.align(self.word).at += (1 + pooled) * self.word  # the allocator and the comparison
         header = self.at
         count = Reader(header, 4 * self.word).pointer()
         self.at += 5 * self.word
@@ -499,11 +499,11 @@ def parameters(holder_map):
 def tree(element, values, indent, lines):
     """One node of the section tree: its parameters, then its subsections; returns the number of those at all depths."""
     reader = Reader(element, pointer_size())
-    reader.at += section_id_size()
+    reader.at += section_id_size() + 2 * reader.word  # and the pools
     list(reader.map())  # subsections by name
     subsections = list(reader.map())
     names = {}
-    for entry in reader.map():
+    for entry in reader.map(pooled=True):
         title = entry.text()[1:-1]
         names[entry.number("I")] = title
     for number in sorted(names):
