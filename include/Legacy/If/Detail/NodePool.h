@@ -7,8 +7,8 @@
 
 namespace Legacy::If::Detail {
 
-/// Memory for a table or for many nodes, to be given back with `::operator delete`. Much of it is laid on large pages
-/// where the system has such: look-ups at random would otherwise wait for the address as long as for the entry.
+/// Memory for a table or for many nodes, to be given back with the plain operator delete. Much of it is laid on large
+/// pages where the system has such: look-ups at random would otherwise wait for the address as long as for the entry.
 void* AllocateLarge(std::size_t bytes);
 void* AllocateLarge(std::size_t bytes, std::align_val_t alignment);
 
