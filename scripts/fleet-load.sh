@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Measures a fleet on this machine: a broker, DEVICES devices of fifty parameters in one process, and controllers. The
-# figures go to build/fleet-load.json, one object to a line, and scripts/fleet-chart.py draws them.
+# Measures a fleet on this machine: a broker, DEVICES devices of fifty parameters in as few processes as may open the files
+# that they need, and controllers. The figures go to build/fleet-load.json, one object to a line, and
+# scripts/fleet-chart.py draws them.
 # usage: fleet-load.sh [--build-dir DIR] [--devices N] [--rates "R R …"] [--controllers "K K …"] [--seconds S]
 #   --devices      1000 without it
 #   --rates        changes in a second over all devices, one run for each (1000 4000)
@@ -26,6 +27,7 @@ programs=$build_dir/fleet
 mosquitto=$(PATH=$PATH:/usr/sbin:/usr/local/sbin command -v mosquitto) || { echo "mosquitto is not installed" >&2; exit 1; }
 ulimit -n "$(ulimit -Hn)"
 [ "$(ulimit -n)" -gt $((devices + 200)) ] || { echo "too few files may be open for $devices devices" >&2; exit 1; }
+parts=$((devices * 4 / ($(ulimit -n) - 200) + 1)) # what a process of devices needs, see its --count
 
 work=$(mktemp -d)
 figures=build/fleet-load.json
@@ -96,7 +98,10 @@ run() {
         start "controller-$i" "$programs/legacyif-fleet" "${at[@]}" --name "measure-$i" --share "$i/$count" measure \
             --expect $((devices / count * 8 / 10))
     done
-    start devices "$programs/legacyif-device" "${at[@]}" --name load --template load --count "$devices" --changes "$rate"
+    for ((i = 0; i < parts; i++)); do
+        start "devices-$i" "$programs/legacyif-device" "${at[@]}" --name "load-$i" --template load \
+            --count $((devices * (i + 1) / parts - devices * i / parts)) --changes $((rate / parts))
+    done
     # Everything at once; shares are not known to be whole before the fleet is.
     for ((i = 0; i < count; i++)); do await "controller-$i" complete 1; done
     # A controller that comes when everything is there already.
@@ -111,7 +116,8 @@ run() {
         sleep 12
     fi
     printf '{"run":"%s","controllers":%s,"rate":%s,"fleet":%s,"phase":"memory","broker":%s,"devices":%s}\n' \
-        "$label" "$count" "$rate" "$devices" "$(memory broker)" "$(memory devices)" >>"$figures"
+        "$label" "$count" "$rate" "$devices" "$(memory broker)" "$(for ((i = 0; i < parts; i++)); do memory "devices-$i"; done |
+            awk '{ sum += $1 } END { print sum }')" >>"$figures"
     for ((i = 0; i < count; i++)); do
         keep "$label" "$count" "$rate" "controller-$i"
         stop "controller-$i"
@@ -121,7 +127,7 @@ run() {
         echo "messages were dropped" >&2
         exit 1
     fi
-    stop devices
+    for ((i = 0; i < parts; i++)); do stop "devices-$i"; done
     stop broker
 }
 

@@ -11,6 +11,7 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/signal_set.hpp>
 #include <boost/asio/steady_timer.hpp>
+#include <sys/resource.h>
 
 #include <algorithm>
 #include <array>
@@ -126,6 +127,24 @@ private:
     std::size_t m_taken = 0;
 };
 
+/// Asks for as many open files as so many devices need: a connection with the pair of sockets that wakes it, and a
+/// file.
+void MakeRoomForFiles(unsigned int devices)
+{
+    constexpr unsigned int perDevice = 4;
+    constexpr unsigned int others = 100;
+    std::uint64_t const needed = std::uint64_t{devices} * perDevice + others;
+    rlimit limit{};
+    if (::getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur >= needed)
+        return;
+    if (limit.rlim_max < needed)
+        throw UsageError("--count: so many devices open " + std::to_string(needed) +
+                         " files, and this program may open " + std::to_string(limit.rlim_max) +
+                         "; raise the limit or start several programs");
+    limit.rlim_cur = limit.rlim_max;
+    ::setrlimit(RLIMIT_NOFILE, &limit);
+}
+
 class Program
 {
 public:
@@ -134,6 +153,7 @@ public:
     {
         if (options.count > 1 && !options.values.empty())
             throw UsageError("--values: many devices have a file each, see --state");
+        MakeRoomForFiles(options.count);
         auto const schemas = SchemasOf(options);
         auto const broker = options.broker.Read();
         auto title = options.title;
