@@ -39,7 +39,7 @@ for name, found in runs.items():
         "p99 ms": sorted(line["p99ms"] or 0 for line in calm)[len(calm) // 2] if calm else 0,
         "all at once s": max(line["seconds"] for line in own if line["phase"] == "all"),
         "late s": late[0]["seconds"] if late else 0,
-        "again s": max((line["seconds"] for line in again), default=0),
+        "again s": max((line["seconds"] for line in again), default=None),
         "doubled": max((line["doubled"] for line in steady), default=0),
         "B/parameter": max(line["bytesPerParameter"] for line in first.values()),
         "broker MB": memory["broker"] / 1e6,
@@ -47,8 +47,13 @@ for name, found in runs.items():
     })
 
 names = list(rows[0])
-cells = [names] + [[f"{row[name]:.1f}" if isinstance(row[name], float) else str(row[name]) for name in names]
-                   for row in rows]
+
+
+def shown(value):
+    return f"{value:.1f}" if isinstance(value, float) else "" if value is None else str(value)
+
+
+cells = [names] + [[shown(row[name]) for name in names] for row in rows]
 for cell in cells:
     print("| " + " | ".join(cell) + " |")
     if cell is names:
@@ -59,14 +64,14 @@ panels = (("changes/s", "changes in a second"), ("p50 ms", "delay of half of the
           ("late s", "a late controller has all, s"), ("again s", "after the broker's restart, s"),
           ("B/parameter", "controller's bytes for each parameter"))
 width, bar, gap, left = 760, 18, 6, 210
-height_of_panel = 40 + len(rows) * (bar + gap)
 parts = []
 y = 34
 for name, title in panels:
-    greatest = max(row[name] for row in rows) or 1
+    measured = [row for row in rows if row[name] is not None]
+    greatest = max((row[name] for row in measured), default=0) or 1
     parts.append(f'<text x="12" y="{y + 12}" font-weight="bold">{escape(title)}</text>')
     y += 22
-    for row in rows:
+    for row in measured:
         length = (width - left - 110) * row[name] / greatest
         label = f'{row["run"]}, {row["controllers"]} controller{"s" if row["controllers"] > 1 else ""}'
         parts.append(f'<text x="{left - 8}" y="{y + 13}" text-anchor="end">{escape(label)}</text>')
