@@ -1,13 +1,12 @@
 # Script: writes the C++ source that holds compiled message catalogues.
 #   cmake -DOUTPUT=file.cpp "-DCATALOGUES=en=path;de=path" -P EmbedCatalogues.cmake
+include("${CMAKE_CURRENT_LIST_DIR}/ByteList.cmake")
 set(arrays "")
 set(rows "")
 foreach(catalogue IN LISTS CATALOGUES)
     string(REGEX MATCH "^([^=]+)=(.+)$" _ "${catalogue}")
     set(language "${CMAKE_MATCH_1}")
-    file(READ "${CMAKE_MATCH_2}" bytes HEX)
-    string(REGEX REPLACE "(................................)" "\\1\n    " bytes "${bytes}")
-    string(REGEX REPLACE "([0-9a-f][0-9a-f])" "0x\\1," bytes "${bytes}")
+    byte_list(bytes "${CMAKE_MATCH_2}" "0x@")
     string(APPEND arrays "constexpr unsigned char k_${language}[] = {\n    ${bytes}};\n\n")
     string(APPEND rows "    {\"${language}\", k_${language}},\n")
 endforeach()

@@ -1,13 +1,12 @@
 # Script: writes the C++ source that holds the files of the page.
 #   cmake -DOUTPUT=file.cpp "-DFILES=index.html;page.js" -P EmbedPage.cmake
+include("${CMAKE_CURRENT_LIST_DIR}/../../cmake/ByteList.cmake")
 set(arrays "")
 set(rows "")
 foreach(file IN LISTS FILES)
     get_filename_component(name "${file}" NAME)
     string(MAKE_C_IDENTIFIER "${name}" identifier)
-    file(READ "${file}" bytes HEX)
-    string(REGEX REPLACE "(................................)" "\\1\n    " bytes "${bytes}")
-    string(REGEX REPLACE "([0-9a-f][0-9a-f])" "'\\\\x\\1'," bytes "${bytes}")
+    byte_list(bytes "${file}" "'\\x@'")
     string(APPEND arrays "constexpr char k_${identifier}[] = {\n    ${bytes}};\n\n")
     string(APPEND rows "    {\"${name}\", {k_${identifier}, sizeof k_${identifier}}},\n")
 endforeach()
