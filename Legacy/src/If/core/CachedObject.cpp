@@ -1,12 +1,10 @@
-#include <Legacy/If/Detail/CachedObject.h>
+#define LEGACY_IF_DEFINES_CACHED_OBJECT
+#include "core/ObjectCache.h"
 
 #include <pthread.h>
 
-#include <array>
 #include <atomic>
-#include <cstdint>
 #include <cstdlib>
-#include <new>
 
 #if __has_include(<valgrind/memcheck.h>)
 #include <valgrind/memcheck.h>
@@ -49,48 +47,14 @@ bool BypassCache() noexcept
     return bypass;
 }
 
-// Common allocators hand out multiples of the step less a word of their own: blocks of just that size waste nothing.
-constexpr std::size_t k_step = 16;
-constexpr std::size_t k_word = sizeof(std::size_t);
-constexpr std::size_t k_largest = 128;
 constexpr std::size_t k_bytesKept = 65536; // for each size of block
-
-constexpr std::size_t BinOf(std::size_t size) noexcept { return (size + k_word - 1) / k_step; }
-constexpr std::size_t BlockSize(std::size_t bin) noexcept { return (bin + 1) * k_step - k_word; }
-
-struct Block
-{
-    Block* next;
-};
-
-struct Bin
-{
-    Block* first = nullptr;
-    std::uint32_t room = 0;
-};
-
-enum class Phase : unsigned char
-{
-    Fresh,
-    Open,
-    Closed,
-};
-
-struct Cache
-{
-    std::array<Bin, BinOf(k_largest) + 1> bins;
-    Phase phase = Phase::Fresh;
-};
-
-// Plain data without a destructor: it can be used at any point of a thread's life, also after its other objects ended.
-thread_local constinit Cache t_cache;
 
 void Close() noexcept
 {
-    t_cache.phase = Phase::Closed;
-    for (Bin& bin : t_cache.bins) {
+    t_objectCache.phase = ObjectCache::Phase::Closed;
+    for (ObjectCache::Bin& bin : t_objectCache.bins) {
         bin.room = 0;
-        while (Block* const block = bin.first) {
+        while (ObjectCache::Block* const block = bin.first) {
             bin.first = block->next;
             ::operator delete(block);
         }
@@ -126,7 +90,7 @@ public:
 
     bool Register() const noexcept
     {
-        return s_state.load(std::memory_order_acquire) == State::Ready && ::pthread_setspecific(m_key, &t_cache) == 0;
+        return s_state.load(std::memory_order_acquire) == State::Ready && ::pthread_setspecific(m_key, &t_objectCache) == 0;
     }
 
 private:
@@ -148,66 +112,40 @@ ThreadEnd const s_threadEnd;
 // Opens the cache on the first block that could be kept, so that a thread that frees nothing pays nothing.
 bool Open() noexcept
 {
-    if (t_cache.phase != Phase::Fresh || !ThreadEnd::IsKnown())
+    ObjectCache& cache = t_objectCache;
+    if (cache.phase != ObjectCache::Phase::Fresh || !ThreadEnd::IsKnown())
         return false;
     if (BypassCache() || !s_threadEnd.Register()) {
-        t_cache.phase = Phase::Closed;
+        cache.phase = ObjectCache::Phase::Closed;
         return false;
     }
-    t_cache.phase = Phase::Open;
-    for (std::size_t i = 0; i < t_cache.bins.size(); ++i)
-        t_cache.bins[i].room = static_cast<std::uint32_t>(k_bytesKept / BlockSize(i));
+    cache.phase = ObjectCache::Phase::Open;
+    for (std::size_t i = 0; i < cache.bins.size(); ++i)
+        cache.bins[i].room = static_cast<std::uint32_t>(k_bytesKept / ObjectCache::BlockSize(i));
     return true;
 }
 
-// The ways to the allocator stand apart, so that those through the cache need no registers kept for them: what they
-// cost is most of what a small object costs.
-[[gnu::noinline]] void* Allocate(std::size_t size)
+} // namespace
+
+thread_local constinit ObjectCache t_objectCache;
+
+void* ObjectCache::Allocate_(std::size_t size)
 {
     // A checker is told the true size.
     return ::operator new(size > k_largest || BypassCache() ? size : BlockSize(BinOf(size)));
 }
 
-void Keep(Bin& bin, void* object) noexcept
-{
-    bin.first = ::new (object) Block{bin.first};
-    --bin.room;
-}
-
-[[gnu::noinline]] void Free(void* object, std::size_t size) noexcept
+void ObjectCache::Free_(void* object, std::size_t size) noexcept
 {
     if (size <= k_largest && Open())
-        Keep(t_cache.bins[BinOf(size)], object);
+        t_objectCache.bins[BinOf(size)].Keep(object);
     else
         ::operator delete(object);
 }
 
-} // namespace
+void* CachedObject::operator new(std::size_t size) { return ObjectCache::Take(size); }
 
-void* CachedObject::operator new(std::size_t size)
-{
-    if (size <= k_largest) {
-        Bin& bin = t_cache.bins[BinOf(size)];
-        if (Block* const block = bin.first) {
-            bin.first = block->next;
-            ++bin.room;
-            return block;
-        }
-    }
-    return Allocate(size);
-}
-
-void CachedObject::operator delete(void* object, std::size_t size) noexcept
-{
-    if (size <= k_largest) {
-        Bin& bin = t_cache.bins[BinOf(size)];
-        if (bin.room != 0) {
-            Keep(bin, object);
-            return;
-        }
-    }
-    Free(object, size);
-}
+void CachedObject::operator delete(void* object, std::size_t size) noexcept { ObjectCache::Release(object, size); }
 
 void* CachedObject::operator new(std::size_t size, std::nothrow_t const&) noexcept
 {

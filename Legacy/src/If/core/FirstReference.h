@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/ObjectCache.h"
+
 #include <Legacy/If/InfoBase.h>
 #include <Legacy/If/ItemBase.h>
 

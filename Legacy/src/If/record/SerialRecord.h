@@ -2,6 +2,7 @@
 
 #include "convert/FloatLoops.h"
 #include "convert/Wide.h"
+#include "core/ObjectCache.h"
 
 #include <Legacy/If/ItemBase.h>
 

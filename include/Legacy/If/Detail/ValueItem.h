@@ -62,7 +62,9 @@ public:
     bool IsEqualValue(boost::intrusive_ptr<ItemBase const> const& other) const override
     {
         ValueItem const* const item = CastTo<Self>(other);
-        return item && this->IsEqualType(other) && Same()(m_value, item->m_value);
+        // Two of the class itself are of one type, whatever a derived one says of its own.
+        return item && ((IsExactly<Self>(*this) && IsExactly<Self>(*item)) || this->IsEqualType(other)) &&
+               Same()(m_value, item->m_value);
     }
 
 protected:
