@@ -314,15 +314,12 @@ bool PutMembers(Payload& payload, Detail::MemberList<ItemBase> const& members)
     Detail::Path<Step> path(members, std::size_t{0});
     for (;;) {
         Step& here = path.Here();
-        payload.EnsureRoom(k_mostAtOnce);
-        here.predicted += PutStraight(payload, here.left, writers);
         if (std::max<std::uint64_t>(payload.Size(), here.begin + here.predicted) >= limit) {
             std::uint64_t const size = Measure(members);
             if (limit == k_tooLarge || size >= k_tooLarge)
                 return false;
             payload.Reserve(static_cast<std::size_t>(size + k_mostAtOnce));
             limit = k_tooLarge;
-            continue;
         }
         if (here.left.Empty()) {
             std::uint64_t const predicted = here.predicted;
@@ -343,7 +340,12 @@ bool PutMembers(Payload& payload, Detail::MemberList<ItemBase> const& members)
             PutHeader(writer, member.GetId(), 0, IfType_t::Composite, NumericType_t::Undefined);
             writer.Put(countOf(nested));
             path.Descend(nested, payload.Size() - k_countSize);
-        } else if (payload.Room() >= k_mostAtOnce) { // and so not left for want of room
+            continue;
+        }
+        payload.EnsureRoom(k_mostAtOnce);
+        if (std::size_t const size = PutStraight(payload, here.left, writers)) {
+            here.predicted += size;
+        } else {
             here.left.Skip(1);
             here.predicted += PutMember(payload, member);
         }
@@ -353,62 +355,40 @@ bool PutMembers(Payload& payload, Detail::MemberList<ItemBase> const& members)
 /// The record of a member, in place among the bytes that its composite is rebuilt from.
 struct MemberRecord
 {
-    unsigned char const* header;
     std::uint32_t id;
     std::uint32_t size;
-    IfType_t type;
-    NumericType_t numericType;
+    unsigned int tags;
+    unsigned char const* payload;
 
-    unsigned char const* Payload() const noexcept { return header + k_headerSize; }
+    unsigned char const* Header() const noexcept { return payload - k_headerSize; }
 };
+
+/// Both tags as they stand in a record, in one number.
+constexpr unsigned int Tags(IfType_t type, NumericType_t numericType) noexcept
+{
+    return static_cast<unsigned int>(type) << 8U | static_cast<unsigned int>(numericType);
+}
+
+template<typename Item>
+constexpr unsigned int k_tags = Tags(Item::GetTypeStatic(), Item::GetNumericTypeStatic());
 
 /// A composite in the making: the bytes that it is rebuilt from, and where in them the next member starts.
 struct Rebuilding
 {
-    // What changes with each member stands between what does not: compilers read neighbours as one wide word, and then
-    // processors wait for the half that was just written.
-    std::uint64_t next = k_countSize;
     boost::intrusive_ptr<CompositeItem> item; // null for the outermost, which belongs to the caller
-    unsigned int left;                        // members still to come
     Detail::MemberList<ItemBase>* members;
     unsigned char const* payload;
     std::uint64_t size;
+    std::uint64_t next = k_countSize;
+    unsigned int left; // members still to come
 
     Rebuilding(boost::intrusive_ptr<CompositeItem> made, Detail::MemberList<ItemBase>& list, unsigned char const* bytes,
                std::size_t byteCount)
-        : item(std::move(made)), left(Detail::PayloadReader(bytes, byteCount).Get<std::uint16_t>()), members(&list),
-          payload(bytes), size(byteCount)
+        : item(std::move(made)), members(&list), payload(bytes), size(byteCount),
+          left(Detail::PayloadReader(bytes, byteCount).Get<std::uint16_t>())
     {}
 
-    /// Whether the record of the next member is there in full; its header is read into `record`.
-    bool Open(MemberRecord& record) const noexcept
-    {
-        if (next > size || size - next < k_headerSize)
-            return false;
-        record.header = payload + next;
-        Detail::PayloadReader reader(record.header, k_headerSize);
-        record.id = reader.Get<std::uint32_t>();
-        record.size = reader.Get<std::uint32_t>();
-        record.type = static_cast<IfType_t>(reader.Get<unsigned char>());
-        record.numericType = static_cast<NumericType_t>(reader.Get<unsigned char>());
-        return record.size <= size - next - k_headerSize;
-    }
-
-    /// The same for a record that has the size and the tags of the one before; false, and nothing is opened, for all
-    /// others, be they faulty or of another class.
-    bool OpenLike(MemberRecord& record) const noexcept
-    {
-        constexpr std::size_t alike = offsetof(ItemBase::ConstSerialStruct_t, size);
-        unsigned char const* const header = payload + next;
-        if (left == 0 || size - next < k_headerSize + std::uint64_t{record.size} ||
-            std::memcmp(header + alike, record.header + alike, k_headerSize - alike) != 0)
-            return false;
-        record.header = header;
-        record.id = Detail::PayloadReader(header, sizeof(record.id)).Get<std::uint32_t>();
-        return true;
-    }
-
-    /// Takes the member that was rebuilt from the open record, with its payload size.
+    /// Takes the member that was rebuilt from the record at #next, with its payload size.
     void Close(boost::intrusive_ptr<ItemBase> member, std::uint64_t memberSize)
     {
         Detail::MemberAccess::Append(*members, std::move(member));
@@ -417,105 +397,118 @@ struct Rebuilding
     }
 };
 
-/// Rebuilds the member that was opened, and maybe some like it behind it. False for a record that does not fit.
-using Rebuilder = bool (*)(Rebuilding& composite, MemberRecord& record);
+using Rebuilt = boost::intrusive_ptr<ItemBase>;
 
-/// Single values of one class, which is what most members are, straight out of their records: the one that was opened,
-/// and those behind it that are like it.
+/// A single value straight out of its record, which is what most members are; null for a record that does not fit.
 template<typename Item, typename Stored>
-bool RebuildRun(Rebuilding& composite, MemberRecord& record)
+Rebuilt RebuildSingle(MemberRecord record)
 {
     if (record.size != sizeof(Stored))
-        return false;
-    do {
-        auto* const item = new Item(record.id);
-        auto member = Detail::FirstReference::OfNew<ItemBase>(item);
-        auto const stored = Detail::PayloadReader(record.Payload(), sizeof(Stored)).template Get<Stored>();
-        if constexpr (std::is_same_v<Item, BoolItem>)
-            item->Val() = stored != 0;
-        else
-            item->Val() = stored;
-        composite.Close(std::move(member), sizeof(Stored));
-    } while (composite.OpenLike(record));
-    return true;
+        return nullptr;
+    auto* const item = new Item(record.id);
+    auto member = Detail::FirstReference::OfNew<ItemBase>(item);
+    auto const stored = Detail::PayloadReader(record.payload, sizeof(Stored)).template Get<Stored>();
+    if constexpr (std::is_same_v<Item, BoolItem>)
+        item->Val() = stored != 0;
+    else
+        item->Val() = stored;
+    return member;
 }
 
-bool RebuildText(Rebuilding& composite, MemberRecord& record)
+template<typename Traits>
+Rebuilt RebuildNumber(MemberRecord record)
 {
-    Detail::PayloadReader payload(record.Payload(), record.size);
+    return RebuildSingle<NumericItem<Traits>, typename Traits::T>(record);
+}
+
+Rebuilt RebuildText(MemberRecord record)
+{
+    Detail::PayloadReader payload(record.payload, record.size);
     if (!payload.EndsInZero())
-        return false;
+        return nullptr;
     auto* const item = new StringItem(record.id);
     auto member = Detail::FirstReference::OfNew<ItemBase>(item);
     item->Val() = payload.GetText();
-    // The next record stands where the text ends, be there more bytes or not. Where there are none, its place is known
-    // before the end is found.
-    composite.Close(std::move(member), payload.Left() == 0 ? record.size : item->Val().size() + 1);
-    return true;
+    return member;
 }
 
 /// Any other member, and what fits none, through the table of classes.
-bool RebuildAny(Rebuilding& composite, MemberRecord& record)
+Rebuilt RebuildAny(MemberRecord record)
 {
     ItemBase::ConstSerialStruct_t header;
-    std::memcpy(static_cast<void*>(&header), record.header, k_headerSize);
-    header.data = record.Payload();
-    boost::intrusive_ptr<ItemBase> member;
-    if (ItemBase::Deserialize(&header, member) < 0 || !member)
-        return false;
-    unsigned int const size = member->GetSerialDataSize();
-    composite.Close(std::move(member), size);
-    return true;
+    std::memcpy(static_cast<void*>(&header), record.Header(), k_headerSize);
+    header.data = record.payload;
+    Rebuilt member;
+    return ItemBase::Deserialize(&header, member) < 0 ? nullptr : member;
 }
 
-/// Which of them a member takes, by its two tags.
-class Rebuilders
+enum class Stop
 {
-    // Before what calls them, since not every compiler looks further down for them.
-    template<typename Item>
-    constexpr void Enter_(Rebuilder rebuilder) noexcept
-    {
-        m_table[IndexOf_(Item::GetTypeStatic(), Item::GetNumericTypeStatic())] = rebuilder;
-    }
-
-    template<typename... Traits>
-    constexpr void EnterNumbers_() noexcept
-    {
-        (Enter_<NumericItem<Traits>>(&RebuildRun<NumericItem<Traits>, typename Traits::T>), ...);
-    }
-
-public:
-    constexpr Rebuilders() noexcept
-    {
-        for (Rebuilder& rebuilder : m_table)
-            rebuilder = &RebuildAny;
-        EnterNumbers_<U8Traits, S8Traits, U16Traits, S16Traits, U32Traits, S32Traits, U64Traits, S64Traits, FloatTraits,
-                      DoubleTraits>();
-        Enter_<BoolItem>(&RebuildRun<BoolItem, unsigned char>);
-        Enter_<EnumItem>(&RebuildRun<EnumItem, int>);
-        Enter_<StringItem>(&RebuildText);
-    }
-
-    Rebuilder For(IfType_t type, NumericType_t numericType) const noexcept
-    {
-        bool const known =
-            static_cast<std::size_t>(type) < k_types && static_cast<std::size_t>(numericType) < k_elements;
-        return known ? m_table[IndexOf_(type, numericType)] : &RebuildAny;
-    }
-
-private:
-    static constexpr std::size_t k_types = static_cast<std::size_t>(IfType_t::String) + 1;
-    static constexpr std::size_t k_elements = static_cast<std::size_t>(NumericType_t::Double) + 1;
-
-    static constexpr std::size_t IndexOf_(IfType_t type, NumericType_t numericType) noexcept
-    {
-        return static_cast<std::size_t>(type) * k_elements + static_cast<std::size_t>(numericType);
-    }
-
-    std::array<Rebuilder, k_types * k_elements> m_table{};
+    AtEnd,
+    AtComposite, // whose record is read
+    AtFault,
 };
 
-constexpr Rebuilders k_rebuilders;
+/// Rebuilds members as far as they have none of their own. All in one loop, whose variables nothing else sees: so they
+/// stay in registers, and neighbours of several classes, which is what values of devices are, cost no more than such of
+/// one class.
+Stop RebuildLeaves(Rebuilding& composite, MemberRecord& opened)
+{
+    constexpr unsigned int k_composite = Tags(IfType_t::Composite, NumericType_t::Undefined);
+    auto& members = *composite.members;
+    unsigned char const* const payload = composite.payload;
+    std::uint64_t const size = composite.size;
+    std::uint64_t next = composite.next;
+    for (unsigned int left = composite.left; left != 0; --left) {
+        if (next > size || size - next < k_headerSize)
+            return Stop::AtFault;
+        Detail::PayloadReader reader(payload + next, k_headerSize);
+        MemberRecord record; // NOLINT(cppcoreguidelines-pro-type-member-init): in the order of its bytes
+        record.id = reader.Get<std::uint32_t>();
+        record.size = reader.Get<std::uint32_t>();
+        record.tags = reader.Get<std::uint16_t>();
+        record.payload = payload + next + k_headerSize;
+        if (record.size > size - next - k_headerSize)
+            return Stop::AtFault;
+        Rebuilt member;
+        std::uint64_t memberSize = record.size;
+        switch (record.tags) {
+        case k_tags<NumericItem<U8Traits>>: member = RebuildNumber<U8Traits>(record); break;
+        case k_tags<NumericItem<S8Traits>>: member = RebuildNumber<S8Traits>(record); break;
+        case k_tags<NumericItem<U16Traits>>: member = RebuildNumber<U16Traits>(record); break;
+        case k_tags<NumericItem<S16Traits>>: member = RebuildNumber<S16Traits>(record); break;
+        case k_tags<NumericItem<U32Traits>>: member = RebuildNumber<U32Traits>(record); break;
+        case k_tags<NumericItem<S32Traits>>: member = RebuildNumber<S32Traits>(record); break;
+        case k_tags<NumericItem<U64Traits>>: member = RebuildNumber<U64Traits>(record); break;
+        case k_tags<NumericItem<S64Traits>>: member = RebuildNumber<S64Traits>(record); break;
+        case k_tags<NumericItem<FloatTraits>>: member = RebuildNumber<FloatTraits>(record); break;
+        case k_tags<NumericItem<DoubleTraits>>: member = RebuildNumber<DoubleTraits>(record); break;
+        case k_tags<BoolItem>: member = RebuildSingle<BoolItem, unsigned char>(record); break;
+        case k_tags<EnumItem>: member = RebuildSingle<EnumItem, int>(record); break;
+        case k_tags<StringItem>:
+            member = RebuildText(record);
+            if (member) // the next record stands where the text ends, be there more bytes or not
+                memberSize = static_cast<StringItem const&>(*member).Val().size() + 1;
+            break;
+        case k_composite:
+            composite.next = next;
+            composite.left = left;
+            opened = record;
+            return Stop::AtComposite;
+        default:
+            member = RebuildAny(record);
+            if (member)
+                memberSize = member->GetSerialDataSize();
+        }
+        if (!member)
+            return Stop::AtFault;
+        Detail::MemberAccess::Append(members, std::move(member));
+        next += k_headerSize + memberSize;
+    }
+    composite.next = next;
+    composite.left = 0;
+    return Stop::AtEnd;
+}
 
 /// Rebuilds members into a list, at all depths, up to the first that fails. A composite joins the list above it only
 /// once it stands as a whole.
@@ -534,7 +527,9 @@ int RebuildMembers(Detail::MemberList<ItemBase>& members, Detail::PayloadReader 
     makeRoom(path.Here());
     for (;;) {
         Rebuilding& here = path.Here();
-        if (here.left == 0) {
+        MemberRecord record;
+        Stop const stop = RebuildLeaves(here, record);
+        if (stop == Stop::AtEnd) {
             boost::intrusive_ptr<ItemBase> done = std::move(here.item);
             std::uint64_t const size = here.next; // which is what measuring the rebuilt composite would give
             if (!path.Ascend())
@@ -542,19 +537,11 @@ int RebuildMembers(Detail::MemberList<ItemBase>& members, Detail::PayloadReader 
             path.Here().Close(std::move(done), size);
             continue;
         }
-        MemberRecord record;
-        if (!here.Open(record))
-            return IfErrNotSerializable;
-        if (record.type != IfType_t::Composite) {
-            if (!k_rebuilders.For(record.type, record.numericType)(here, record))
-                return IfErrNotSerializable;
-            continue;
-        }
-        if (record.numericType != NumericType_t::Undefined || record.size < k_countSize)
+        if (stop == Stop::AtFault || record.size < k_countSize)
             return IfErrNotSerializable;
         auto item = Detail::FirstReference::OfNew(new CompositeItem(record.id));
         Detail::MemberList<ItemBase>& list = Detail::MemberAccess::Of(*item);
-        path.Descend(std::move(item), list, record.Payload(), record.size);
+        path.Descend(std::move(item), list, record.payload, record.size);
         makeRoom(path.Here());
     }
 }

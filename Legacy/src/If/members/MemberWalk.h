@@ -125,7 +125,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t k_usualDepth = 16;
+    static constexpr std::size_t k_usualDepth = 32;
 
     boost::container::small_vector<Step, k_usualDepth> m_steps;
     Step* m_here;
