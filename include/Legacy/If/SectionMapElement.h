@@ -13,7 +13,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace Legacy::If {
@@ -31,15 +30,9 @@ class PlaceIndex;
 /// none changes the tree.
 class LEGACY_IF_API SectionMapElement
 {
-    /// What the entries of all sections of a tree lie in.
-    struct Pools
-    {
-        Detail::NodePool infosByName;
-        Detail::NodePool infosById;
-    };
     struct InTree
     {
-        std::shared_ptr<Pools> const& pools;
+        std::shared_ptr<Detail::NodePool> const& pool;
     };
 
 public:
@@ -101,15 +94,14 @@ private:
     template<typename Self>
     static int Descend_(Self& self, InfoItemSectionId const& id, int mismatch, Self*& element);
 
-    template<typename K, typename V, typename Order>
-    using PooledMap = std::map<K, V, Order, Detail::PoolAllocator<std::pair<K const, V>>>;
+    /// The parameters by name and by id.
+    struct Infos;
 
     SectionId m_sectionId;
-    std::shared_ptr<Pools> m_pools; // outlives the maps
+    std::shared_ptr<Detail::NodePool> m_pool; // of all parameters of the tree, outlives them
     std::map<std::string, Child, std::less<>> m_subsectionsByName;
     std::map<unsigned char, Child> m_subsectionsById;
-    PooledMap<std::string, InfoItemSectionId, std::less<>> m_infosByName;
-    PooledMap<InfoItemSectionId, std::string const*, std::less<>> m_infosById; // the names stand in the other map
+    std::unique_ptr<Infos> m_infos; // null before the first
     bool m_isRoot;
     std::uint32_t m_pathHash = 0;                  // of a section under a root
     std::vector<SectionMapElement*> m_subsections; // by id, null where there is none

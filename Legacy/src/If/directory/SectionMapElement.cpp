@@ -3,6 +3,10 @@
 
 #include <Legacy/If/SectionMapElement.h>
 
+#include <boost/multi_index/member.hpp>
+#include <boost/multi_index/ordered_index.hpp>
+#include <boost/multi_index_container.hpp>
+
 #include <utility>
 
 namespace Legacy::If {
@@ -12,13 +16,13 @@ namespace {
 constexpr unsigned int k_noId = 0xFFFFFFFF;
 constexpr unsigned char k_noSubsection = 0xFF;
 
-/// The first of the ascending numbers 0, 1, 2… that the keys of a map leave out.
-template<typename Map, typename Number>
-unsigned int FirstGap(Map const& map, Number&& number)
+/// The first of the ascending numbers 0, 1, 2… that the entries leave out.
+template<typename Entries, typename Number>
+unsigned int FirstGap(Entries const& entries, Number&& number)
 {
     unsigned int gap = 0;
-    for (auto const& entry : map) {
-        if (number(entry.first) != gap)
+    for (auto const& entry : entries) {
+        if (number(entry) != gap)
             break;
         ++gap;
     }
@@ -34,34 +38,70 @@ void CopyChildren(Map& children)
 
 } // namespace
 
+namespace {
+
+struct Info
+{
+    std::string name;
+    InfoItemSectionId id;
+
+    Info(std::string const& itsName, InfoItemSectionId itsId) : name(itsName), id(itsId) {}
+};
+
+namespace Index = boost::multi_index;
+
+} // namespace
+
+/// One node stands in both orders, which takes a quarter less than a node in each of two maps.
+struct SectionMapElement::Infos
+    : Index::multi_index_container<
+          Info,
+          Index::indexed_by<Index::ordered_unique<Index::member<Info, std::string, &Info::name>, std::less<>>,
+                            Index::ordered_unique<Index::member<Info, InfoItemSectionId, &Info::id>>>,
+          Detail::PoolAllocator<Info>>
+{
+    explicit Infos(Detail::NodePool& pool) : multi_index_container(ctor_args_list(), pool) {}
+
+    auto const& ByName() const noexcept { return get<0>(); }
+    auto const& ById() const noexcept { return get<1>(); }
+
+    /// False, and nothing changes, if the name or the id is taken. Ids mostly ascend.
+    bool Add(std::string const& name, InfoItemSectionId id)
+    {
+        auto const count = size();
+        get<1>().emplace_hint(get<1>().end(), name, id);
+        return size() != count;
+    }
+};
+
 SectionMapElement::SectionMapElement()
-    : m_pools(std::make_shared<Pools>()), m_infosByName(m_pools->infosByName), m_infosById(m_pools->infosById),
-      m_isRoot(true), m_ownPaths(std::make_unique<PathIndex>())
+    : m_pool(std::make_shared<Detail::NodePool>()), m_isRoot(true), m_ownPaths(std::make_unique<PathIndex>())
 {
     m_paths = m_ownPaths.get();
 }
 
 SectionMapElement::SectionMapElement(SectionId const& sectionId)
-    : SectionMapElement(sectionId, InTree{std::make_shared<Pools>()})
+    : SectionMapElement(sectionId, InTree{std::make_shared<Detail::NodePool>()})
 {}
 
 SectionMapElement::SectionMapElement(SectionId const& sectionId, InTree const& tree)
-    : m_sectionId(sectionId), m_pools(tree.pools), m_infosByName(m_pools->infosByName), m_infosById(m_pools->infosById),
-      m_isRoot(false)
+    : m_sectionId(sectionId), m_pool(tree.pool), m_isRoot(false)
 {}
 
 SectionMapElement::SectionMapElement(SectionMapElement const& other)
-    : m_sectionId(other.m_sectionId), m_pools(std::make_shared<Pools>()),
+    : m_sectionId(other.m_sectionId), m_pool(std::make_shared<Detail::NodePool>()),
       m_subsectionsByName(other.m_subsectionsByName), m_subsectionsById(other.m_subsectionsById),
-      m_infosByName(other.m_infosByName, m_pools->infosByName), m_infosById(m_pools->infosById),
       m_isRoot(other.m_isRoot), m_subsections(other.m_subsections.size())
 {
     CopyChildren(m_subsectionsByName);
     CopyChildren(m_subsectionsById);
     for (auto const& [sub, child] : m_subsectionsById)
         m_subsections[sub] = child.get();
-    for (auto const& [name, id] : m_infosByName)
-        m_infosById.emplace(id, &name);
+    if (!other.m_infos)
+        return;
+    m_infos = std::make_unique<Infos>(*m_pool);
+    for (auto const& [name, id] : other.m_infos->ById())
+        m_infos->Add(name, id);
 }
 
 SectionMapElement::~SectionMapElement() = default;
@@ -193,10 +233,13 @@ int SectionMapElement::FindInfo_(std::string_view path, std::string_view name, I
     SectionMapElement const* element = nullptr;
     if (int const code = Descend_(*this, path, element))
         return code;
-    auto const place = element->m_infosByName.find(name);
-    if (place == element->m_infosByName.end())
+    if (!element->m_infos)
         return IfErrNotFound;
-    id = place->second;
+    auto const& infos = element->m_infos->ByName();
+    auto const place = infos.find(name);
+    if (place == infos.end())
+        return IfErrNotFound;
+    id = place->id;
     return 0;
 }
 
@@ -214,11 +257,13 @@ int SectionMapElement::FindInfo_(InfoItemSectionId const& id, std::string& path,
         return IfErrNotFound;
     if (!id.IsValidInfoItemId())
         return IfErrInvalidArgument;
-    auto const place = m_infosById.find(id);
-    if (place == m_infosById.end())
+    if (!m_infos)
+        return IfErrNotFound;
+    auto const place = m_infos->ById().find(id);
+    if (place == m_infos->ById().end())
         return IfErrNotFound;
     std::string foundPath = m_sectionId.GetSectionName();
-    std::string foundName = *place->second;
+    std::string foundName = place->name;
     path = std::move(foundPath); // both or none
     name = std::move(foundName);
     return 0;
@@ -241,9 +286,9 @@ int SectionMapElement::GetInfos_(InfoItemSectionId const& id, std::vector<unsign
     if (!isWildcard && id != m_sectionId.GetInfoItemSectionId(depth))
         return IfErrNotFound;
     // A wildcard means what lies below the section and not the section's own.
-    if (!isWildcard || depth < Depth_())
-        for (auto const& [name, info] : m_infosByName)
-            infos.push_back(info);
+    if (m_infos && (!isWildcard || depth < Depth_()))
+        for (Info const& info : m_infos->ByName())
+            infos.push_back(info.id);
     for (auto const& [name, child] : m_subsectionsByName)
         if (int const code = child->GetInfos_(id, infos))
             return code;
@@ -288,7 +333,7 @@ int SectionMapElement::AddNewSectionMapElement_(SectionId const& child, Child& e
         m_subsections.resize(sub + 1U);
     if (m_paths)
         m_paths->MakeRoom();
-    auto created = std::make_shared<SectionMapElement>(child, InTree{m_pools});
+    auto created = std::make_shared<SectionMapElement>(child, InTree{m_pool});
     auto const place = m_subsectionsByName.emplace(std::move(name), created).first;
     try {
         m_subsectionsById.emplace(sub, created);
@@ -308,22 +353,15 @@ int SectionMapElement::AddNewSectionMapElement_(SectionId const& child, Child& e
 
 int SectionMapElement::AddNewInfo_(InfoItemSectionId const& id, std::string const& name, InfoItemSectionId& stored)
 {
-    auto const [byName, isNewName] = m_infosByName.try_emplace(name, id);
-    stored = byName->second;
-    if (!isNewName)
-        return IfErrAlreadyExists;
-    auto const count = m_infosById.size();
-    try {
-        m_infosById.try_emplace(m_infosById.end(), byName->second, &byName->first); // ids mostly ascend
-    } catch (...) {
-        m_infosByName.erase(byName);
-        throw;
+    if (!m_infos)
+        m_infos = std::make_unique<Infos>(*m_pool);
+    if (m_infos->Add(name, id)) {
+        stored = id;
+        return 0;
     }
-    if (m_infosById.size() == count) {
-        m_infosByName.erase(byName);
-        return IfErrAlreadyExists;
-    }
-    return 0;
+    auto const taken = m_infos->ByName().find(name);
+    stored = taken != m_infos->ByName().end() ? taken->id : id;
+    return IfErrAlreadyExists;
 }
 
 int SectionMapElement::AllocateSubsectionId_(unsigned char& sub) const
@@ -333,7 +371,7 @@ int SectionMapElement::AllocateSubsectionId_(unsigned char& sub) const
     if (!m_subsectionsById.empty())
         number = m_subsectionsById.rbegin()->first + 1U;
     if (number > greatest)
-        number = FirstGap(m_subsectionsById, [](unsigned char id) { return id; });
+        number = FirstGap(m_subsectionsById, [](auto const& entry) { return entry.first; });
     if (number > greatest)
         return IfErrNoFreeId;
     sub = static_cast<unsigned char>(number);
@@ -347,10 +385,10 @@ int SectionMapElement::AllocateInfoNumber_(unsigned int& number) const
 {
     unsigned int const greatest = m_sectionId.GetMaxNumInfoItemsInSection();
     number = 0;
-    if (!m_infosById.empty())
-        number = m_infosById.rbegin()->first.GetInfoItemSubsectionId() + 1U;
+    if (m_infos && !m_infos->empty())
+        number = m_infos->ById().rbegin()->id.GetInfoItemSubsectionId() + 1U;
     if (number > greatest)
-        number = FirstGap(m_infosById, [](InfoItemSectionId id) { return id.GetInfoItemSubsectionId(); });
+        number = FirstGap(m_infos->ById(), [](Info const& info) { return info.id.GetInfoItemSubsectionId(); });
     return number > greatest ? IfErrNoFreeId : 0;
 }
 

@@ -306,7 +306,7 @@ bool PutMembers(Payload& payload, Detail::MemberList<ItemBase> const& members)
     };
     // Contract: the count wraps at 16 bits while all members are written; a reader takes those that the count tells.
     auto const countOf = [](Detail::MemberList<ItemBase> const& list) {
-        return static_cast<std::uint16_t>(list.Size());
+        return static_cast<std::uint16_t>(Detail::MemberAccess::View(list).size());
     };
     static Writers const writers;
     std::uint64_t limit = k_large;
@@ -520,8 +520,8 @@ int RebuildMembers(Detail::MemberList<ItemBase>& members, Detail::PayloadReader 
     auto const makeRoom = [&room](Rebuilding const& composite) {
         std::size_t const count = std::min<std::size_t>(composite.left, room);
         room -= count;
-        if (composite.members->Size() == 0)
-            composite.members->Reserve(count);
+        if (Detail::MemberAccess::View(*composite.members).empty())
+            Detail::MemberAccess::Reserve(*composite.members, count);
     };
     Detail::Path<Rebuilding> path(nullptr, members, payload.Next(), payload.Left());
     makeRoom(path.Here());

@@ -84,11 +84,7 @@ void MemberList<Root>::Assign(std::span<Pointer const> members)
 template<typename Root>
 void MemberList<Root>::Reserve(std::size_t count)
 {
-    if (count == 0)
-        return;
-    if (!m_node)
-        m_node = new Node;
-    m_node->members.reserve(count);
+    MemberAccess::Reserve(*this, count);
 }
 
 template<typename Root>
@@ -101,9 +97,7 @@ void MemberList<Root>::Clear() noexcept
 template<typename Root>
 std::span<boost::intrusive_ptr<Root> const> MemberList<Root>::View() const noexcept
 {
-    if (!m_node)
-        return {};
-    return {m_node->members.data(), m_node->members.size()};
+    return MemberAccess::View(*this);
 }
 
 template<typename Root>

@@ -22,10 +22,28 @@ struct MemberList<Root>::Node : CachedObject
     Node* next = nullptr;
 };
 
-/// Opens the lists of the two families to the walks below.
+/// Opens the lists of the two families to the walks below, without the calls that the list's own operations are.
 struct MemberAccess
 {
-    /// Adds a member that is not null, without the call that #MemberList::Add is.
+    template<typename Root>
+    static std::span<boost::intrusive_ptr<Root> const> View(MemberList<Root> const& list) noexcept
+    {
+        if (!list.m_node)
+            return {};
+        return {list.m_node->members.data(), list.m_node->members.size()};
+    }
+
+    template<typename Root>
+    static void Reserve(MemberList<Root>& list, std::size_t count)
+    {
+        if (count == 0)
+            return;
+        if (!list.m_node)
+            list.m_node = new typename MemberList<Root>::Node;
+        list.m_node->members.reserve(count);
+    }
+
+    /// Adds a member that is not null.
     template<typename Root>
     static void Append(MemberList<Root>& list, boost::intrusive_ptr<Root> member)
     {
@@ -136,7 +154,7 @@ template<typename Root>
 class Remaining
 {
 public:
-    explicit Remaining(MemberList<Root> const& members) noexcept : m_members(members.View()) {}
+    explicit Remaining(MemberList<Root> const& members) noexcept : m_members(MemberAccess::View(members)) {}
 
     bool Empty() const noexcept { return m_members.empty(); }
 
@@ -168,7 +186,7 @@ void BuildMembers(MemberList<From> const& from, MemberList<To>& to, Branch&& bra
 
         Step(MemberList<From> const& list, MemberList<To>& made) noexcept : left(list), to(&made) {}
     };
-    to.Reserve(from.Size());
+    MemberAccess::Reserve(to, MemberAccess::View(from).size());
     Path<Step> path(from, to);
     do {
         // By hand, since the compiler cannot know that nothing else sees the step.
@@ -177,7 +195,7 @@ void BuildMembers(MemberList<From> const& from, MemberList<To>& to, Branch&& bra
         auto const descend = [&](boost::intrusive_ptr<To> object, MemberList<From> const& source,
                                  MemberList<To>& members) {
             MemberAccess::Append(*target, std::move(object));
-            members.Reserve(source.Size());
+            MemberAccess::Reserve(members, MemberAccess::View(source).size());
             path.Here().left = left;
             path.Descend(source, members);
             left = path.Here().left;
