@@ -86,9 +86,9 @@ class Reader:
         return listed(count, lambda i: str(bool(
             Reader(begin + i // word * self.word).pointer() >> i % word & 1)))
 
-    def map(self, pooled=False):
-        """The nodes of a std::map, in order, as readers of its pairs. One whose nodes lie in a pool knows the pool."""
-        self.align(self.word).at += (1 + pooled) * self.word  # the allocator and the comparison
+    def map(self):
+        """The nodes of a std::map, in order, as readers of its pairs."""
+        self.align(self.word).at += self.word  # the allocator and the comparison
         header = self.at
         count = Reader(header, 4 * self.word).pointer()
         self.at += 5 * self.word
@@ -496,16 +496,28 @@ def parameters(holder_map):
     return found
 
 
+def infos(table):
+    """The names and ids of a table of parameters, in no order: a node holds both, and then its links in two trees."""
+    word = pointer_size()
+    links = (2 * word + 16 + 4 + word - 1) // word * word
+    head = Reader(table, word).pointer()
+    waiting = [Reader(head, links).pointer() & ~1]  # the root; the lowest bit is its colour
+    while waiting:
+        node = waiting.pop()
+        if node:
+            entry = Reader(node - links)
+            yield entry.text()[1:-1], entry.number("I")
+            waiting += [Reader(node, word).pointer(), Reader(node, 2 * word).pointer()]
+
+
 def tree(element, values, indent, lines):
     """One node of the section tree: its parameters, then its subsections; returns the number of those at all depths."""
     reader = Reader(element, pointer_size())
-    reader.at += section_id_size() + 2 * reader.word  # and the pools
+    reader.at += section_id_size() + 2 * reader.word  # and the pool
     list(reader.map())  # subsections by name
     subsections = list(reader.map())
-    names = {}
-    for entry in reader.map(pooled=True):
-        title = entry.text()[1:-1]
-        names[entry.number("I")] = title
+    table = reader.pointer()
+    names = {number: title for title, number in infos(table)} if table else {}
     for number in sorted(names):
         value = values.get(number)
         shown = f"= {value_alone(value)}" if value else "has no value"
