@@ -78,7 +78,8 @@ void CopyFloatsSse(unsigned char* to, unsigned char const* from, std::size_t cou
     std::size_t i = 0;
     for (; i + 4 <= count; i += 4) {
         __m128i const bits = LowBits(_mm_loadu_ps(reinterpret_cast<float const*>(from) + i));
-        // Of the swapped number: its higher half is the lower one with its two bytes exchanged, and the other way round.
+        // Of the swapped number: its higher half is the lower one with its two bytes exchanged, and the other way
+        // round.
         __m128i const exchanged = _mm_or_si128(_mm_slli_epi16(bits, 8), _mm_srli_epi16(bits, 8));
         __m128 const high = _mm_cvtepi32_ps(_mm_and_si128(exchanged, _mm_set1_epi32(0xFFFF)));
         __m128 const low = _mm_cvtepi32_ps(_mm_srli_epi32(exchanged, 16));

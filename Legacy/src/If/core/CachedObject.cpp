@@ -90,7 +90,8 @@ public:
 
     bool Register() const noexcept
     {
-        return s_state.load(std::memory_order_acquire) == State::Ready && ::pthread_setspecific(m_key, &t_objectCache) == 0;
+        return s_state.load(std::memory_order_acquire) == State::Ready &&
+               ::pthread_setspecific(m_key, &t_objectCache) == 0;
     }
 
 private:

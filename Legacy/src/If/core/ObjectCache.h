@@ -12,7 +12,8 @@ namespace Legacy::If::Detail {
 /// The blocks that one thread keeps.
 struct ObjectCache
 {
-    // Common allocators hand out multiples of the step less a word of their own: blocks of just that size waste nothing.
+    // Common allocators hand out multiples of the step less a word of their own: blocks of just that size waste
+    // nothing.
     static constexpr std::size_t k_step = 16;
     static constexpr std::size_t k_word = sizeof(std::size_t);
     static constexpr std::size_t k_largest = 128;

@@ -473,18 +473,42 @@ Stop RebuildLeaves(Rebuilding& composite, MemberRecord& opened)
         Rebuilt member;
         std::uint64_t memberSize = record.size;
         switch (record.tags) {
-        case k_tags<NumericItem<U8Traits>>: member = RebuildNumber<U8Traits>(record); break;
-        case k_tags<NumericItem<S8Traits>>: member = RebuildNumber<S8Traits>(record); break;
-        case k_tags<NumericItem<U16Traits>>: member = RebuildNumber<U16Traits>(record); break;
-        case k_tags<NumericItem<S16Traits>>: member = RebuildNumber<S16Traits>(record); break;
-        case k_tags<NumericItem<U32Traits>>: member = RebuildNumber<U32Traits>(record); break;
-        case k_tags<NumericItem<S32Traits>>: member = RebuildNumber<S32Traits>(record); break;
-        case k_tags<NumericItem<U64Traits>>: member = RebuildNumber<U64Traits>(record); break;
-        case k_tags<NumericItem<S64Traits>>: member = RebuildNumber<S64Traits>(record); break;
-        case k_tags<NumericItem<FloatTraits>>: member = RebuildNumber<FloatTraits>(record); break;
-        case k_tags<NumericItem<DoubleTraits>>: member = RebuildNumber<DoubleTraits>(record); break;
-        case k_tags<BoolItem>: member = RebuildSingle<BoolItem, unsigned char>(record); break;
-        case k_tags<EnumItem>: member = RebuildSingle<EnumItem, int>(record); break;
+        case k_tags<NumericItem<U8Traits>>:
+            member = RebuildNumber<U8Traits>(record);
+            break;
+        case k_tags<NumericItem<S8Traits>>:
+            member = RebuildNumber<S8Traits>(record);
+            break;
+        case k_tags<NumericItem<U16Traits>>:
+            member = RebuildNumber<U16Traits>(record);
+            break;
+        case k_tags<NumericItem<S16Traits>>:
+            member = RebuildNumber<S16Traits>(record);
+            break;
+        case k_tags<NumericItem<U32Traits>>:
+            member = RebuildNumber<U32Traits>(record);
+            break;
+        case k_tags<NumericItem<S32Traits>>:
+            member = RebuildNumber<S32Traits>(record);
+            break;
+        case k_tags<NumericItem<U64Traits>>:
+            member = RebuildNumber<U64Traits>(record);
+            break;
+        case k_tags<NumericItem<S64Traits>>:
+            member = RebuildNumber<S64Traits>(record);
+            break;
+        case k_tags<NumericItem<FloatTraits>>:
+            member = RebuildNumber<FloatTraits>(record);
+            break;
+        case k_tags<NumericItem<DoubleTraits>>:
+            member = RebuildNumber<DoubleTraits>(record);
+            break;
+        case k_tags<BoolItem>:
+            member = RebuildSingle<BoolItem, unsigned char>(record);
+            break;
+        case k_tags<EnumItem>:
+            member = RebuildSingle<EnumItem, int>(record);
+            break;
         case k_tags<StringItem>:
             member = RebuildText(record);
             if (member) // the next record stands where the text ends, be there more bytes or not
