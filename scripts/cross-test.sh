@@ -29,15 +29,15 @@ case $machine in
 s390x) run=(qemu-s390x-static -L "$root") ;;
 i386) run=("$root/lib/ld-linux.so.2" --library-path "$root/usr/lib/$libraries:$root/lib/$libraries") ;;
 esac
-cmake -S . -B "build/$machine" -G Ninja -DCMAKE_BUILD_TYPE=Release -DLEGACYIF_BUILD_EXAMPLES=OFF \
-    -DCMAKE_COMPILE_WARNING_AS_ERROR=ON \
+cmake -S . -B "build/$machine" -G Ninja -DCMAKE_BUILD_TYPE=Release \
+    -DLEGACYIF_BUILD_EXAMPLES=OFF -DLEGACYIF_BUILD_TOOLS=OFF -DLEGACYIF_BUILD_FLEET=OFF -DCMAKE_COMPILE_WARNING_AS_ERROR=ON \
     -DCMAKE_SYSTEM_NAME=Linux "-DCMAKE_SYSTEM_PROCESSOR=$machine" "-DCMAKE_CXX_COMPILER=$triple-g++" \
     "-DCMAKE_SYSROOT=$root" "-DCMAKE_FIND_ROOT_PATH=$root" "-DCMAKE_LIBRARY_ARCHITECTURE=$libraries" \
     -DCMAKE_FIND_ROOT_PATH_MODE_PROGRAM=NEVER -DCMAKE_FIND_ROOT_PATH_MODE_LIBRARY=ONLY \
     -DCMAKE_FIND_ROOT_PATH_MODE_INCLUDE=ONLY -DCMAKE_FIND_ROOT_PATH_MODE_PACKAGE=ONLY \
     "-DCMAKE_CROSSCOMPILING_EMULATOR=$(IFS=';'; echo "${run[*]}")" "-DProtobuf_PROTOC_EXECUTABLE=$(command -v protoc)"
-tests=(orlek_tests net_tests legacyif_tests)
-cmake --build "build/$machine" --target legacyif_orlek_tests legacyif_net_tests legacyif_tests
+tests=(orlek_tests net_tests legacyif_tests legacyifkit_tests)
+cmake --build "build/$machine" --target legacyif_orlek_tests legacyif_net_tests legacyif_tests legacyifkit_tests
 for test in "${tests[@]}"; do
     "${run[@]}" "build/$machine/tests/$test" --gtest_brief=1
 done
