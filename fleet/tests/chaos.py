@@ -4,91 +4,51 @@
 usage: chaos.py [--build-dir DIR] [SECONDS]
 """
 import argparse
+import contextlib
 import json
-import os
 import random
 import re
-import shutil
 import signal
-import socket
 import subprocess
 import sys
-import tempfile
 import threading
 import time
 from pathlib import Path
+
+from serving import Fleet, publish
 
 parser = argparse.ArgumentParser()
 parser.add_argument("--build-dir", default="build/release")
 parser.add_argument("seconds", nargs="?", type=float, default=60)
 options = parser.parse_args()
 build = Path(options.build_dir).resolve()
-os.environ["PATH"] += ":/usr/sbin:/usr/local/sbin"
-work = Path(tempfile.mkdtemp())
 seed = random.randrange(1 << 32)
 print(f"seed {seed}")
 rng = random.Random(seed)
 count = 6
 names = [f"d{i}" for i in range(count)]
-processes = {}
 counts = {}
-with socket.socket() as probe:
-    probe.bind(("127.0.0.1", 0))
-    port = probe.getsockname()[1]
-at = ["--broker", f"127.0.0.1:{port}"]
-config = work / "broker.conf"
-config.write_text(f"listener {port} 127.0.0.1\nallow_anonymous true\nmax_queued_messages 100\nuser root\n"
-                  f"persistence true\npersistence_location {work}/\nautosave_interval 3\n")
-
-
-def start(name, *command, **streams):
-    log = open(work / f"{name}.log", "a")
-    streams = {"stdin": subprocess.DEVNULL, "stdout": log, "stderr": log, **streams}
-    processes[name] = subprocess.Popen([str(part) for part in command], text=True, **streams)
-    return processes[name]
 
 
 def start_broker():
-    """The address may be taken for a moment after a kill."""
-    for _ in range(100):
-        broker = start("broker", "mosquitto", "-c", config)
-        time.sleep(0.2)
-        if broker.poll() is None:
-            return
-    raise RuntimeError("no broker")
+    fleet.start_broker("allow_anonymous true", "max_queued_messages 100", "user root", "persistence true",
+                       f"persistence_location {work}/", "autosave_interval 3")
 
 
 def start_device(name):
-    start(name, build / "fleet/legacyif-device", *at, "--name", name, "--template", "climate", "--interval", "0.2",
-          "--values", work / f"{name}.rec")
-
-
-def end(name, how):
-    processes[name].send_signal(how)
-    if processes[name].poll() is None and how == signal.SIGTERM:
-        processes[name].send_signal(signal.SIGCONT)
-    return processes[name].wait(15)
+    fleet.device(name, "--template", "climate", "--interval", "0.2", "--values", work / f"{name}.rec")
 
 
 def publish_damage():
     """A foreign program that writes what it likes where it likes."""
     name = rng.choice(names)
-    topic = rng.choice([f"fleet/{name}/value/climate/target", f"fleet/{name}/set/desk/climate/target",
-                        f"fleet/{name}/total", f"fleet/{name}/answer/desk", f"fleet/{name}/claim",
-                        f"fleet/{name}/value/no/thing", "fleet/ghost/about", f"fleet/{name}/set/desk/x/y"]).encode()
+    topic = rng.choice([f"{name}/value/climate/target", f"{name}/set/desk/climate/target", f"{name}/total",
+                        f"{name}/answer/desk", f"{name}/claim", f"{name}/value/no/thing", "ghost/about",
+                        f"{name}/set/desk/x/y"])
     payload = rng.choice([b"", b"FL\x02", b"FL\x02V" + rng.randbytes(40), b"FL\x02S" + rng.randbytes(40),
                           rng.randbytes(100), b"FL\x02R" + rng.randbytes(16)])
-    body = len(topic).to_bytes(2, "big") + topic + payload
-    size = bytes([len(body) % 128 | 0x80, len(body) // 128]) if len(body) > 127 else bytes([len(body)])
-    try:
-        with socket.create_connection(("127.0.0.1", port), 1) as broker:
-            broker.settimeout(1)
-            broker.sendall(b"\x10\x13\x00\x04MQTT\x04\x02\x00\x3c\x00\x07foreign")
-            broker.recv(4)
-            broker.sendall(b"\x30" + size + body + b"\xe0\x00")
-            broker.recv(1)
-    except OSError:
-        pass
+    with contextlib.suppress(OSError):
+        publish(fleet.broker, f"fleet/{topic}", payload, retain=False)
 
 
 class Controller:
@@ -96,13 +56,13 @@ class Controller:
 
     def __init__(self):
         self.log = work / "controller.log"
-        self.process = start("controller", build / "fleet/legacyif-fleet", *at, "--name", "desk", stdin=subprocess.PIPE)
+        self.process = fleet.start("controller", fleet.fleet_program, *fleet.at, "--name", "desk", stdin=subprocess.PIPE)
         self.asked = {name: [] for name in names}
         self.lock = threading.Lock()
 
     def say(self, command):
         with self.lock:
-            self.process.stdin.write(command + "\n")
+            self.process.stdin.write(command.encode() + b"\n")
             self.process.stdin.flush()
 
     def answered(self, name):
@@ -129,17 +89,17 @@ def trouble():
     counts[kind] = counts.get(kind, 0) + 1
     name = rng.choice(names)
     if kind.startswith("broker"):
-        end("broker", signal.SIGKILL)
+        fleet.stop("broker", signal.SIGKILL)
         if kind == "broker empty":
             (work / "mosquitto.db").unlink(missing_ok=True)
         time.sleep(rng.uniform(0, 2))
         start_broker()
     elif kind == "device kill":
-        end(name, signal.SIGKILL)
+        fleet.stop(name, signal.SIGKILL)
         time.sleep(rng.uniform(0, 0.5))
         start_device(name)
     elif kind.endswith("stop"):
-        process = processes["controller" if kind.startswith("controller") else name]
+        process = fleet.running["controller" if kind.startswith("controller") else name]
         process.send_signal(signal.SIGSTOP)
         time.sleep(rng.uniform(0.5, 4))
         process.send_signal(signal.SIGCONT)
@@ -149,7 +109,8 @@ def trouble():
 
 
 failures = []
-try:
+with Fleet(build / "fleet") as fleet:
+    work = fleet.work
     start_broker()
     for name in names:
         start_device(name)
@@ -165,8 +126,8 @@ try:
         time.sleep(rng.uniform(0, 0.7))
         # A device ends if another process seems to have its name, which nobody but damage can bring about here.
         for name in names:
-            if processes[name].poll() is not None:
-                failures.append(f"{name} ended with {processes[name].returncode}")
+            if fleet.running[name].poll() is not None:
+                failures.append(f"{name} ended with {fleet.running[name].returncode}")
                 start_device(name)
     stop.set()
     asker.join()
@@ -180,8 +141,7 @@ try:
             failures.append(f"{name}: {controller.answered(name)} answers to {len(controller.asked[name])} wishes")
     time.sleep(2)
     for name in names:
-        if end(name, signal.SIGTERM) != 0:
-            failures.append(f"{name} did not end well")
+        fleet.stop(name)
     time.sleep(2)
     for name in names:
         controller.say(f"export {name} {work}/{name}.json")
@@ -197,15 +157,8 @@ try:
                       if parameter["schema"]["title"] == "target")
         if target != controller.asked[name][-1]:
             failures.append(f"{name} has {target} and not {controller.asked[name][-1]}")
-finally:
-    for process in processes.values():
-        if process.poll() is None:
-            process.kill()
-            process.wait()
-wishes = sum(len(asked) for asked in controller.asked.values())
-print(f"{wishes} values set on {count} devices through {dict(sorted(counts.items()))}")
-if failures:
-    print("\n".join(failures), f"\nthe logs are in {work}")
-    sys.exit(1)
-shutil.rmtree(work)
+    wishes = sum(len(asked) for asked in controller.asked.values())
+    print(f"{wishes} values set on {count} devices through {dict(sorted(counts.items()))}")
+    if failures:
+        sys.exit("\n".join(failures) + f"\nthe logs are in {work}")
 print("every device has what was answered, and the controller has what every device has")

@@ -311,6 +311,7 @@ def late(client, result):
 
 def main():
     with Fleet(sys.argv[1]) as fleet:
+        fleet.start_broker()
         fleet.device("door", "--interval", "3600")
         (fleet.work / "strange.json").write_text(STRANGE, encoding="ascii")
         fleet.device("strange", "--schema", str(fleet.work / "strange.json"))

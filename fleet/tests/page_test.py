@@ -60,7 +60,7 @@ class Browser:
 
     def begin(self, fleet):
         driver, chromium = self.programs
-        fleet.start("driver", [driver, f"--port={self.port}"])
+        fleet.start("driver", driver, f"--port={self.port}")
         wait_for(lambda: listens(self.port), what="the driver")
         arguments = ["--headless=new", "--window-size=1200,940", f"--user-data-dir={self.folder / 'profile'}",
                      "--disable-gpu", "--disable-dev-shm-usage", "--no-first-run", "--hide-scrollbars"]
@@ -282,6 +282,7 @@ def main():
         raise SystemExit(SKIPPED)
     long_name = "a-name-that-is-longer-than-its-hostname-may-be"
     with Fleet(options.programs) as fleet, Browser(fleet.work, driver, chromium) as browser:
+        fleet.start_broker()
         fleet.device("door", "--title", "Camera at the door", "--interval", "0.5")
         fleet.device("hall", "--template", "climate", "--title", "Climate of the hall")
         if not options.screenshot:

@@ -1,16 +1,16 @@
-"""A broker, devices and the page of a fleet on the loopback, for the tests of the page."""
+"""A broker, devices, controllers and the page of a fleet on the loopback, for the tests of its programs."""
 
 import contextlib
 import os
 import pathlib
 import shutil
+import signal
 import socket
 import subprocess
-import sys
 import tempfile
 import time
 
-PATH = os.environ.get("PATH", "") + ":/usr/sbin:/usr/local/sbin"
+os.environ["PATH"] += ":/usr/sbin:/usr/local/sbin"
 
 
 def wait_for(look, seconds=10, what="it"):
@@ -26,11 +26,8 @@ def wait_for(look, seconds=10, what="it"):
 
 
 def listens(port):
-    try:
-        socket.create_connection(("127.0.0.1", port), 1).close()
-        return True
-    except OSError:
-        return False
+    with socket.socket() as probe:
+        return probe.connect_ex(("127.0.0.1", port)) == 0
 
 
 def free_port():
@@ -39,24 +36,37 @@ def free_port():
         return probe.getsockname()[1]
 
 
+def publish(port, topic, payload, retain=True):
+    """What any foreign program could send."""
+    def text(value):
+        return len(value).to_bytes(2, "big") + value
+
+    body = text(topic.encode()) + payload
+    size = b""
+    rest = len(body)
+    while rest or not size:
+        rest, digit = divmod(rest, 128)
+        size += bytes([digit | (0x80 if rest else 0)])
+    with socket.create_connection(("127.0.0.1", port), 10) as broker:
+        broker.sendall(b"\x10\x13" + text(b"MQTT") + b"\x04\x02\x00\x3c" + text(b"foreign"))
+        broker.recv(4)
+        broker.sendall((b"\x31" if retain else b"\x30") + size + body + b"\xe0\x00")
+        broker.recv(1)
+
+
 class Fleet:
     """Everything that it starts ends with it."""
 
     def __init__(self, programs):
-        self.programs = pathlib.Path(programs)
-        self.work = pathlib.Path(tempfile.mkdtemp(prefix="fleet-page-"))
+        self.device_program = str(pathlib.Path(programs) / "legacyif-device")
+        self.fleet_program = str(pathlib.Path(programs) / "legacyif-fleet")
+        self.work = pathlib.Path(tempfile.mkdtemp(prefix="fleet-test-"))
         self.running = {}
         self.port = 0
+        self.broker = free_port()
+        self.at = ["--broker", f"127.0.0.1:{self.broker}"]
 
     def __enter__(self):
-        mosquitto = shutil.which("mosquitto", path=PATH)
-        if not mosquitto:
-            sys.exit("mosquitto is not installed")
-        self.broker = free_port()
-        configuration = self.work / "broker.conf"
-        configuration.write_text(f"listener {self.broker} 127.0.0.1\nallow_anonymous true\npersistence false\n")
-        self.start("broker", [mosquitto, "-c", str(configuration)])
-        wait_for(lambda: listens(self.broker), what="the broker")
         return self
 
     def __exit__(self, kind, *_):
@@ -68,34 +78,56 @@ class Fleet:
             process.kill()
         if kind:
             for log in sorted(self.work.glob("*.log")):
-                print(f"--- {log.name}\n{log.read_text(errors='replace')[-2000:]}")
-        shutil.rmtree(self.work)
+                print(f"--- {log}\n{log.read_text(errors='replace')[-2000:]}")
+        else:
+            shutil.rmtree(self.work)
 
-    def start(self, name, command):
+    def start(self, name, *command, **streams):
         with open(self.work / f"{name}.log", "ab") as log:
-            self.running[name] = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=log, stderr=log)
+            streams = {"stdin": subprocess.DEVNULL, "stdout": log, "stderr": log, **streams}
+            self.running[name] = subprocess.Popen([str(part) for part in command], **streams)
+        return self.running[name]
 
-    def stop(self, name):
+    def stop(self, name, how=signal.SIGTERM):
+        """One that is asked to end ends well, also if it was stopped for a while."""
         process = self.running.pop(name)
-        process.terminate()
-        assert process.wait(10) == 0, f"{name} ended with {process.returncode}"
+        process.send_signal(how)
+        process.send_signal(signal.SIGCONT)
+        status = process.wait(15)
+        assert how != signal.SIGTERM or status == 0, f"{name} ended with {status}"
 
-    def device(self, name, *options):
-        self.start(name, [str(self.programs / "legacyif-device"), "--name", name, "--broker",
-                          f"127.0.0.1:{self.broker}", *options])
+    def start_broker(self, *lines, name="broker", port=None):
+        """Its address may be taken for a moment after another one was killed."""
+        port = port or self.broker
+        configuration = self.work / f"{name}.conf"
+        configuration.write_text("\n".join([f"listener {port} 127.0.0.1", *(lines or ["allow_anonymous true"]), ""]))
+
+        def is_up():
+            if name not in self.running or self.running[name].poll() is not None:
+                self.start(name, "mosquitto", "-c", configuration)
+            return listens(port)
+
+        wait_for(is_up, what="the broker")
+
+    def device(self, name, *options, where=None):
+        return self.start(name, self.device_program, "--name", name, *(where or self.at), *options)
 
     def serve(self):
         """The page, on the port that it had before if there was one."""
         log = self.work / "page.log"
         log.write_text("")
-        self.start("page", [str(self.programs / "legacyif-fleet"), "serve", "--port", str(self.port), "--broker",
-                            f"127.0.0.1:{self.broker}"])
+        self.start("page", self.fleet_program, "serve", "--port", self.port, *self.at)
         line = wait_for(lambda: next((line for line in log.read_text().splitlines() if line.startswith("http:")), None),
                         what="the page")
         self.port = int(line.rsplit(":", 1)[1].strip("/"))
 
+    def run(self, *words, where=None, timeout="5", **options):
+        """A command of the controller, however it ends."""
+        return subprocess.run([self.fleet_program, *(where or self.at), "--timeout", timeout, *words],
+                              capture_output=True, text=True, stdin=subprocess.DEVNULL, timeout=30, **options)
+
     def command(self, *words):
-        """What a command of the controller prints."""
-        done = subprocess.run([str(self.programs / "legacyif-fleet"), *words, "--broker", f"127.0.0.1:{self.broker}"],
-                              capture_output=True, text=True, timeout=30, check=True)
+        """What a command of the controller prints that ends well."""
+        done = self.run(*words)
+        assert done.returncode == 0, done
         return done.stdout.strip()
