@@ -80,6 +80,12 @@ class Client:
         return self.ask("POST", "/api/set", "Content-Type: application/json", f"X-Legacyif-Token: {self.token}",
                         *fields, body=body)
 
+    def parameters(self, device, *fields):
+        """What the page is told of them, and the text of that."""
+        stream, text = self.events(f"/api/events?device={device}", *fields)
+        stream.close()
+        return json.loads(text.rsplit("data: ", 1)[1])["parameters"], text
+
     def events(self, target="/api/events?device=door", *fields):
         """The connection, and what it tells at first up to the device."""
         connection = self.connect()
@@ -91,6 +97,14 @@ class Client:
                 break
             text += part
         return connection, text.decode()
+
+
+def until(stream, pattern):
+    """What comes up to there."""
+    received = ""
+    while not re.search(pattern, received):
+        received += stream.recv(65536).decode()
+    return received
 
 
 def expect(what, answer, status):
@@ -243,9 +257,7 @@ def events(client):
     assert "text/event-stream" in text and '"text":"door"' in text, text
     for value in ("5", "10", "15", "20"):
         client.fleet.command("set", "door", "video/frame-rate", value)
-    received = ""
-    while '"text":"20"' not in received:
-        received += stream.recv(65536).decode()
+    received = until(stream, '"text":"20"')
     assert '"finding"' not in received and "event: values" in received, received
     stream.close()
     # Names that no device has, or that are none, are not there; the list tells nothing of devices that nobody opened.
@@ -256,19 +268,15 @@ def events(client):
     # A device may come later than the page that wants it.
     stream, text = client.events("/api/events?device=later")
     client.fleet.device("later")
-    received = ""
-    while not re.search('event: device\ndata: {"name":"later".*"parameters":\\[{', received):
-        received += stream.recv(65536).decode()
+    until(stream, 'event: device\ndata: {"name":"later".*"parameters":\\[{')
     stream.close()
     client.fleet.stop("later")
 
 
 def strange_devices(client):
     """What is told of them can be shown, numbers are exact, and what was shown can be set."""
-    stream, text = client.events("/api/events?device=strange", "Accept-Language: de")
-    stream.close()
+    (large, red, choice), text = client.parameters("strange", "Accept-Language: de")
     assert not re.search("[\0-\x09\x0b\x0c\x0e-\x1f\x7f-\x9f\u2028-\u202e]", text), text
-    large, red, choice = json.loads(text.rsplit("data: ", 1)[1])["parameters"]
     assert large["text"] == large["schema"]["default"] == "18446744073709551614", large
     assert large["schema"]["maximum"] == "18446744073709551615", large
     assert (red["section"], red["name"], red["edit"]) == ("a ?place", "red ?dlog", ""), red
@@ -279,10 +287,7 @@ def strange_devices(client):
     for place, value in ((red, "ok"), (choice, "8"), (choice, "-5"), (large, "18446744073709551615")):
         answer = client.wish(value, device="strange", **{key: place[key] for key in ("id", "section", "name")})
         expect(f"{place['name']} = {value}", answer, 200)
-    stream, text = client.events("/api/events?device=strange")
-    stream.close()
-    assert [one["edit"] for one in json.loads(text.rsplit("data: ", 1)[1])["parameters"]] == [
-        "18446744073709551615", "ok", "-5"], text
+    assert [one["edit"] for one in client.parameters("strange")[0]] == ["18446744073709551615", "ok", "-5"]
 
 
 def too_many(client):
@@ -318,10 +323,7 @@ def main():
         fleet.serve()
         client = Client(fleet)
         wait_for(lambda: client.ask("GET", "/api/devices")[2].count(b'"complete":true') == 2, what="the devices")
-        stream, text = client.events()
-        client.frame_rate = next(one["id"] for one in json.loads(text.rsplit("data: ", 1)[1])["parameters"]
-                                 if one["name"] == "frame-rate")
-        stream.close()
+        client.frame_rate = next(one["id"] for one in client.parameters("door")[0] if one["name"] == "frame-rate")
         result = []
         slow = threading.Thread(target=late, args=(client, result))
         slow.start()

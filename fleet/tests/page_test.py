@@ -18,6 +18,7 @@ from serving import Fleet, free_port, listens, wait_for
 
 SKIPPED = 77
 TAB, ENTER, ESCAPE = "\ue004", "\ue007", "\ue00c"
+LONG_NAME = "a-name-that-is-longer-than-its-hostname-may-be"
 HOSTILE = "<img src=x onerror=document.title='taken'> \u202egnp.txt \x1b[31m"
 
 # The contrast of each text with what is behind it, by the rules of WCAG 2: those below 4.5.
@@ -50,19 +51,11 @@ return found;
 class Browser:
     """The few commands of the protocol that this needs."""
 
-    def __init__(self, folder, driver, chromium):
+    def __init__(self, fleet, driver, chromium):
         self.port = free_port()
-        self.folder = folder
-        self.programs = (driver, chromium)
-
-    def __enter__(self):
-        return self
-
-    def begin(self, fleet):
-        driver, chromium = self.programs
         fleet.start("driver", driver, f"--port={self.port}")
         wait_for(lambda: listens(self.port), what="the driver")
-        arguments = ["--headless=new", "--window-size=1200,940", f"--user-data-dir={self.folder / 'profile'}",
+        arguments = ["--headless=new", "--window-size=1200,940", f"--user-data-dir={fleet.work / 'profile'}",
                      "--disable-gpu", "--disable-dev-shm-usage", "--no-first-run", "--hide-scrollbars"]
         if os.geteuid() == 0:
             arguments.append("--no-sandbox")
@@ -73,9 +66,11 @@ class Browser:
         self.path = "/session/" + session["sessionId"]
         self.agent = self.run("return navigator.userAgent")
 
+    def __enter__(self):
+        return self
+
     def __exit__(self, *_):
-        if getattr(self, "path", ""):
-            self.call("DELETE", "", None)
+        self.call("DELETE", "", None)
 
     def call(self, method, path, body):
         connection = http.client.HTTPConnection("127.0.0.1", self.port, timeout=60)
@@ -111,6 +106,12 @@ class Browser:
                 assert width == "3px", f"the focus is not to be seen: {width}"
                 return
         raise AssertionError("the tabulator does not lead to: " + test)
+
+    def change(self, label, *keys):
+        """Begins to edit and types."""
+        self.tab_to(f"e.getAttribute('aria-label') == '{label}'")
+        self.press(ENTER)
+        self.press(*keys)
 
     def screenshot(self, file):
         file.write_bytes(base64.b64decode(self.call("GET", "/screenshot", None)))
@@ -169,9 +170,7 @@ class Show:
     def setting(self):
         """A value is set, one is refused, and one is none; the focus stays where somebody goes on."""
         page = self.browser
-        page.tab_to("e.getAttribute('aria-label') == 'frame-rate ändern'")
-        page.press(ENTER)
-        page.press(*"45", ENTER)
+        page.change("frame-rate ändern", *"45", ENTER)
         self.expect_text("[data-path='video/frame-rate']", "frame-rate ist gesetzt.")
         self.expect("video/frame-rate", "45")
         assert self.fleet.command("get", "door", "video/frame-rate") == "45 Hz"
@@ -191,21 +190,19 @@ class Show:
         assert page.run("return document.querySelector('tr.edit')") is None
         assert self.value("video/frame-rate") == "45"
 
-        page.tab_to("e.getAttribute('aria-label') == 'state ändern'")
-        page.press(ENTER)
-        page.press(*"stre", ENTER)
+        page.change("state ändern", *"stre", ENTER)
         page.tab_to("e.type == 'submit'")
         page.press(ENTER)
         self.expect("video/state", "streaming")
 
-    def findings(self, name):
+    def findings(self):
         """What a device has against its own schema, and texts that would be more than that."""
-        self.browser.open(self.url + "#device=" + name, "en")
+        self.browser.open(self.url + "#device=" + LONG_NAME, "en")
         self.expect_text("[data-path='system/hostname'] .finding", "hostname: ")
         assert "32" in self.text("[data-path='system/hostname'] .finding")
         title = self.text("#title")
         assert title == "<img src=x onerror=document.title='taken'> ?gnp.txt ?[31m", title
-        assert self.browser.run("return document.title").startswith(name)
+        assert self.browser.run("return document.title").startswith(LONG_NAME)
 
     def names(self):
         """Everything that somebody can do something with has a name, for those who do not see it."""
@@ -221,9 +218,7 @@ class Show:
 
     def contrast(self):
         """Of all texts, those of a finding and of a refusal among them."""
-        self.browser.tab_to("e.getAttribute('aria-label') == 'Change frame-rate'")
-        self.browser.press(ENTER)
-        self.browser.press(*"0", ENTER)
+        self.browser.change("Change frame-rate", *"0", ENTER)
         self.expect_text("tr.edit .answer", "The device refuses: frame-rate: the value is below the minimum of 1.")
         for scheme in ("light", "dark"):
             self.browser.tell("Emulation.setEmulatedMedia", features=[
@@ -244,9 +239,7 @@ class Show:
         self.fleet.command("set", "door", "video/frame-rate", "50")
         self.fleet.serve()
         self.expect("video/frame-rate", "50", 15)
-        self.browser.tab_to("e.getAttribute('aria-label') == 'Change frame-rate'")
-        self.browser.press(ENTER)
-        self.browser.press(*"51", ENTER)
+        self.browser.change("Change frame-rate", *"51", ENTER)
         self.expect("video/frame-rate", "51")
 
     def quiet(self):
@@ -262,9 +255,7 @@ def picture(show, file):
     page.tell("Emulation.setDeviceMetricsOverride", width=1180, height=1130, deviceScaleFactor=1, mobile=False)
     page.open(show.url + "#device=door", "en")
     show.expect_text("#device-state", "online")
-    page.tab_to("e.getAttribute('aria-label') == 'Change frame-rate'")
-    page.press(ENTER)
-    page.press(*"200", ENTER)
+    page.change("Change frame-rate", *"200", ENTER)
     show.expect_text("tr.edit .answer", "refuses")
     page.run("scrollTo(0, 0)")
     time.sleep(1)
@@ -280,26 +271,19 @@ def main():
     if not driver or not chromium:
         print("chromium and chromium-driver are not installed")
         raise SystemExit(SKIPPED)
-    long_name = "a-name-that-is-longer-than-its-hostname-may-be"
-    with Fleet(options.programs) as fleet, Browser(fleet.work, driver, chromium) as browser:
+    with Fleet(options.programs) as fleet, Browser(fleet, driver, chromium) as browser:
         fleet.start_broker()
         fleet.device("door", "--title", "Camera at the door", "--interval", "0.5")
         fleet.device("hall", "--template", "climate", "--title", "Climate of the hall")
         if not options.screenshot:
-            fleet.device(long_name, "--title", HOSTILE)
+            fleet.device(LONG_NAME, "--title", HOSTILE)
         fleet.serve()
-        browser.begin(fleet)
         show = Show(fleet, browser)
         if options.screenshot:
             return picture(show, options.screenshot)
-        show.devices_by_keyboard()
-        show.changes()
-        show.setting()
-        show.findings(long_name)
-        show.names()
-        show.contrast()
-        show.quiet()
-        show.losses()
+        for part in (show.devices_by_keyboard, show.changes, show.setting, show.findings, show.names, show.contrast,
+                     show.quiet, show.losses):
+            part()
     print("All of it was seen.")
 
 
