@@ -27,8 +27,7 @@ InfoPtr MakeInfo(Input& input, int levels = k_fewLevels);
 ItemPtr MakeItem(Input& input, int levels = k_fewLevels);
 
 /// Calls `use` with one of the families.
-template<typename Use>
-void WithFamily(Input& input, Use&& use)
+void WithFamily(Input& input, auto&& use)
 {
     std::size_t left = input.Byte() % IfKit::AllFamilies::k_size;
     IfKit::AllFamilies::ForEach([&](auto family) {
@@ -49,23 +48,18 @@ inline void ReadText(ItemBase& item, std::string const& text, InfoPtr const& inf
     }
 }
 
-inline void ReadRecord(ItemBase& item, std::string const& payload)
-{
-    ItemBase::ConstSerialStruct_t record;
-    record.id = boost::endian::native_to_big(std::uint32_t{item.GetId()});
-    record.size = boost::endian::native_to_big(static_cast<std::uint32_t>(payload.size()));
-    record.type = static_cast<unsigned char>(item.GetType());
-    record.numericType = static_cast<unsigned char>(item.GetNumericType());
-    record.data = reinterpret_cast<unsigned char const*>(payload.data());
-    Require(item.Deserialize(&record) <= 0);
-}
-
 inline void Fill(ItemBase& item, Input& input)
 {
-    if (input.Byte() % 2 == 0)
-        ReadText(item, input.Text(), nullptr);
-    else
-        ReadRecord(item, input.Text());
+    bool const isRecord = input.Byte() % 2 != 0;
+    std::string const text = input.Text();
+    if (!isRecord)
+        return ReadText(item, text, nullptr);
+    ItemBase::ConstSerialStruct_t const record{boost::endian::native_to_big(std::uint32_t{item.GetId()}),
+                                               boost::endian::native_to_big(static_cast<std::uint32_t>(text.size())),
+                                               static_cast<unsigned char>(item.GetType()),
+                                               static_cast<unsigned char>(item.GetNumericType()),
+                                               reinterpret_cast<unsigned char const*>(text.data())};
+    Require(item.Deserialize(&record) <= 0);
 }
 
 template<typename Item>

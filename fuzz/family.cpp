@@ -30,10 +30,9 @@ void Settles(Object& target, Object const& source, auto&& assign)
 
 void Record(ItemBase const& item)
 {
-    ItemBase::SerialStruct_t record;
-    if (item.Serialize(&record) != 0)
-        return;
     ItemPtr again;
+    ItemBase::SerialStruct_t record;
+    item.Serialize(&record);
     ItemBase::ConstSerialStruct_t const view{record.id, record.size, record.type, record.numericType, record.data};
     ItemBase::Deserialize(&view, again);
 }

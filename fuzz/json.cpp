@@ -1,5 +1,4 @@
-// Reads the input as a value, a schema, a delta and a directory in JSON. What is taken is written and read again, and
-// must be the same then.
+// Reads a value, a schema, a delta and a directory in JSON. What is taken is written, and the same when read again.
 
 #include "Input.h"
 

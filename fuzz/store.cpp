@@ -1,5 +1,5 @@
-// Runs a list of operations on a directory, deltas among them, a container and a map of holders, beside a plain map of
-// what must be there.
+// Runs operations on a directory, a tree of sections, a container and a map of holders, beside a map of what must be
+// there.
 
 #include "Parts.h"
 
@@ -7,6 +7,7 @@
 #include <Legacy/If/InfoItemDirectory.h>
 #include <Legacy/If/InfoItemDirectoryDelta.h>
 #include <Legacy/If/InfoItemHolderMap.h>
+#include <Legacy/If/SectionMap.h>
 
 #include <list>
 #include <map>
@@ -22,6 +23,7 @@ struct Store
     If::InfoItemDirectory directory;
     If::InfoContainer schemas;
     If::InfoItemHolderMap holders;
+    If::SectionMap tree;
     std::map<unsigned int, InfoPtr> known; // the schemas in the container
     std::vector<unsigned int> ids{0, 1, 0xFFFFFFFF};
 
@@ -89,6 +91,36 @@ struct Store
             Require(directory.FindInfo(holder->GetInfo()->GetId()) == holder);
     }
 
+    /// On a tree of sections alone, which also numbers parameters itself.
+    void Grow(Input& input)
+    {
+        unsigned int const kind = input.Byte() % 5;
+        std::string path = input.Text();
+        std::string name = input.Text();
+        If::InfoItemSectionId const id(input.Word());
+        If::InfoItemSectionId number(0xFFFFFFFF), found(0xFFFFFFFF);
+        If::SectionId section;
+        if (If::SectionId const given(path, id); kind == 0 && tree.AddSection(given) == 0)
+            Require(tree.FindSection(id, section) == 0 && section.GetInfoItemSectionId() == id);
+        if (kind == 1)
+            Require(tree.AddSection(path, section) != 0 || section.IsValid());
+        if (kind == 2)
+            tree.AddInfo(id, name);
+        if (kind == 3 && tree.AddInfo(path, name, number) == 0)
+            Require(tree.FindInfo(path, name, found) == 0 && found == number);
+        Require(tree.FindSection(path, section) != 0 || section.IsValid());
+        tree.FindInfo(id, path, name);
+        std::vector<unsigned int> infos;
+        tree.GetInfos(id, infos);
+        std::vector<If::SectionId> sections;
+        tree.GetTopLevelSections(sections);
+        tree.GetSubsections(id, sections);
+        std::list<If::SectionId> leaves;
+        tree.GetLeafSections(leaves);
+        for (If::SectionId const& leaf : leaves)
+            Require(leaf.IsValid());
+    }
+
     /// A delta of sections, text schemas and text values, applied as far as the first byte says; with 0 all goes.
     void Update(Input& input)
     {
@@ -145,7 +177,9 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     constexpr void (Store::*operations[])(Input&) = {&Store::AddSection, &Store::AddSchema, &Store::AddSchema,
                                                      &Store::SetValue,   &Store::Remove,    &Store::LookUp,
                                                      &Store::Check,      &Store::Update};
-    while (!input.Empty())
-        (store.*operations[input.Byte() % std::size(operations)])(input);
+    while (!input.Empty()) {
+        std::uint8_t const choice = input.Byte();
+        choice == 0xF0 ? store.Grow(input) : (store.*operations[choice % std::size(operations)])(input);
+    }
     return 0;
 }

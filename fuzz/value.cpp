@@ -1,6 +1,5 @@
-// Makes a value of the class that the first two bytes name by their tags: rebuilt from a record whose payload is the
-// rest, and read from the rest as a text. What was rebuilt must survive every operation, and what it writes must be
-// read back.
+// Makes a value of the class that the first two bytes name by their tags, from the rest as a record and as a text. What
+// was rebuilt must survive every operation, and what it writes must be read back.
 
 #include "Parts.h"
 

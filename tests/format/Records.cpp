@@ -1,5 +1,6 @@
-// Records of all families, whole and damaged, for a reader of another making: each a line of the bytes in hex, the code
-// that reading gave, and the value.
+// Records, whole and damaged, for a reader of another making: each a line of hex, the code that reading gave, the
+// value.
+#include "../../fuzz/Mutate.h"
 #include "../Legacy/IfKit/Samples.h"
 
 #include <Legacy/IfKit/Json.h>
@@ -7,7 +8,7 @@
 
 #include <cstdio>
 #include <iostream>
-#include <random>
+#include <sstream>
 
 namespace {
 
@@ -33,23 +34,9 @@ void SetSize(Bytes& bytes)
         bytes[7 - i] = static_cast<unsigned char>((bytes.size() - k_recordHeaderSize) >> 8 * i);
 }
 
-/// Bytes changed, put in or taken away, with small numbers and zeros more often than others.
-Bytes Damaged(Bytes bytes, std::mt19937& random)
+Bytes Damaged(Bytes const& record, std::mt19937& random)
 {
-    for (auto edits = random() % 3; edits < 3 && !bytes.empty(); ++edits) {
-        auto const place = bytes.begin() + static_cast<std::ptrdiff_t>(random() % bytes.size());
-        auto const byte = static_cast<unsigned char>(random() % 3 != 0 ? random() % 10 : random());
-        switch (random() % 4) {
-        case 0:
-            bytes.erase(place);
-            break;
-        case 1:
-            bytes.insert(place, byte);
-            break;
-        default:
-            *place = byte;
-        }
-    }
+    Bytes bytes = Mutate(record, random);
     if (random() % 8 != 0)
         SetSize(bytes);
     return bytes;

@@ -173,28 +173,25 @@ def payload(header, data):
         members, step = composite(data)
         value.update(members)
         return value, step
-    if kind == "Bool":
-        bare = data[0] != 0
-    elif kind in ("Numeric", "NumericSparse"):
-        bare = number(form, data)
-    elif kind == "NumericArray":
-        bare = numbers(form, data)
-    elif kind == "Enum":
-        bare = number("i", data)
+    plain = {
+        "Bool": lambda: data[0] != 0,
+        "Numeric": lambda: number(form, data),
+        "NumericSparse": lambda: number(form, data),
+        "NumericArray": lambda: numbers(form, data),
+        "Enum": lambda: number("i", data),
+        "BoolArray": lambda: bits(data),
+        "Colour": lambda: dict(zip("argb", numbers("f", data))),
+        "Orientation": lambda: dict(zip(("bearing", "inclination", "roll"), numbers("f", data))),
+        "Coordinate": lambda: dict(zip("xy", numbers(form, data))),
+    }
+    if kind in plain:
+        bare = plain[kind]()
     elif kind in ("String", "StringSparse", "Addr"):
         bare = shown(text(data))
         step = 24 if kind == "StringSparse" else len(text(data)) + 1
     elif kind == "StringArray":
         require(data[-1:] in (b"", b"\0"))
         bare = [shown(part) for part in data.split(b"\0")[:-1]]
-    elif kind == "BoolArray":
-        bare = bits(data)
-    elif kind == "Colour":
-        bare = dict(zip("argb", numbers("f", data)))
-    elif kind == "Orientation":
-        bare = dict(zip(("bearing", "inclination", "roll"), numbers("f", data)))
-    elif kind == "Coordinate":
-        bare = dict(zip("xy", numbers(form, data)))
     elif kind == "Rectangle":
         step = 4 * width
         require(len(data) >= step)
