@@ -1,14 +1,10 @@
 #include "Maker.h"
 
-#include <Legacy/If/GenericContainerImpl.h>
-#include <Legacy/If/InfoItemContainer.h>
 #include <Legacy/If/ResultElem.h>
-#include <Orlek/LogicError.h>
 
 #include <gtest/gtest.h>
 
-// All validation and assignment rests on run-time casts. Were a class's identity duplicated in two shared objects, each
-// cast across the border would fail, and every value of the other side would be of a wrong type.
+// Were a class's identity duplicated in two shared objects, each run-time cast across the border would fail.
 
 namespace Legacy::If {
 namespace {
@@ -28,27 +24,6 @@ TEST(CrossLibrary, ValuesAndSchemasMeetAcrossSharedObjects)
     auto const finding = percent->Validate(info);
     ASSERT_TRUE(finding);
     EXPECT_EQ(finding->GetItem()->GetValAsString(), "101%"); // of an application's class, and copied as what it is
-}
-
-TEST(CrossLibrary, ContainersAreExported)
-{
-    InfoContainer infos;
-    EXPECT_EQ(infos.Add(Maker::MakePercentInfo()), 0);
-    EXPECT_TRUE(InfoContainer(infos).Find("load"));
-    GenericContainerImpl<Section, boost::intrusive_ptr<Section>, boost::intrusive_ptr<Section const>, SectionId_t> const
-        sections;
-    EXPECT_TRUE(sections.Empty());
-}
-
-TEST(CrossLibrary, WhatIsThrownThereIsCaughtHere)
-{
-    try {
-        Maker::PairWithNothing();
-        FAIL();
-    } catch (Orlek::LogicError const& error) {
-        EXPECT_EQ(error.GetCode(), IfErrNullArgument);
-        EXPECT_EQ(error.GetMessage(), "Null InfoHolder Pointer");
-    }
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 #include "Maker.h"
 
-#include <Legacy/If/InfoItemHolderDefs.h>
 #include <Legacy/If/ResultElem.h>
 
 #include <ostream>
@@ -36,7 +35,5 @@ bool Passes(boost::intrusive_ptr<ItemBase> const& item, boost::intrusive_ptr<Inf
 {
     return !item->Validate(info);
 }
-
-void PairWithNothing() { InfoItemHolder const holder{boost::intrusive_ptr<InfoHolder const>()}; }
 
 } // namespace Maker

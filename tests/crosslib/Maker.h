@@ -25,7 +25,4 @@ MAKER_API boost::intrusive_ptr<Legacy::If::InfoBase> MakePercentInfo();
 MAKER_API bool Passes(boost::intrusive_ptr<Legacy::If::ItemBase> const& item,
                       boost::intrusive_ptr<Legacy::If::InfoBase const> const& info);
 
-/// Throws what the library throws.
-MAKER_API void PairWithNothing();
-
 } // namespace Maker
