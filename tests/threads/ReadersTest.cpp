@@ -4,10 +4,6 @@
 #include <Orlek/LoggerFacade.h>
 
 #include <barrier>
-#include <list>
-#include <sstream>
-#include <thread>
-#include <vector>
 
 #if defined(__SANITIZE_THREAD__)
 /// The log library as it comes drops its references to sinks unseen by the thread checks.
@@ -22,8 +18,7 @@ namespace Legacy::If::Test {
 namespace {
 
 /// Calls `look` on eight threads that start together.
-template<typename Look>
-void OnEightThreads(Look const& look)
+void OnEightThreads(auto const& look)
 {
     constexpr int count = 8;
     std::barrier start(count);
@@ -67,15 +62,15 @@ TEST(Readers, LookAtADirectory)
 
         std::vector<SectionId> sections;
         directory.GetTopLevelSections(sections);
-        EXPECT_EQ(directory.GetSubsections(sections.front().GetInfoItemSectionId(), sections), 0);
+        InfoItemSectionId const first = sections.front().GetInfoItemSectionId();
+        EXPECT_EQ(directory.GetSubsections(first, sections), 0);
         std::list<SectionId> leaves;
         directory.GetLeafSections(leaves);
         std::vector<boost::intrusive_ptr<InfoHolder const>> infos;
         std::vector<boost::intrusive_ptr<ItemHolder const>> items;
         std::vector<boost::intrusive_ptr<InfoItemHolder const>> all;
-        EXPECT_EQ(directory.FindInfos(InfoItemSectionId(0x00FFFFFF), infos), 0);
-        EXPECT_EQ(directory.FindItems(InfoItemSectionId(0x00FFFFFF), items), 0);
-        EXPECT_EQ(directory.FindInfoItems(InfoItemSectionId(0x00FFFFFF), all), 0);
+        EXPECT_EQ(directory.FindInfos(first, infos) + directory.FindItems(first, items), 0);
+        EXPECT_EQ(directory.FindInfoItems(first, all), 0);
         EXPECT_TRUE(infos.size() == 80 && items.size() == 80 && all.size() == 80);
         directory.GetAllInfoItems(all);
         EXPECT_EQ(all.size(), 120U);
@@ -178,8 +173,9 @@ TEST(Readers, LookAtValuesAndSchemas)
     static ItemCreator<StringItem> const items;
     static InfoCreator<NumericArrayInfo<U64Traits>> const infos;
     OnEightThreads([] {
-        EXPECT_EQ(Hold(items.CreateItem(3))->GetId(), 3U);
-        EXPECT_EQ(Hold(infos.CreateInfo(3, "n", {}))->GetId(), 3U);
+        EXPECT_TRUE(Hold(items.CreateItem(3))->IsEqualValue(Hold(items.CreateDerivedItem(3))));
+        auto const info = Hold(infos.CreateInfo(3, "n", {5}));
+        EXPECT_TRUE(info->GetId() == 3 && info->GetName() == "n" && info->GetPermission() == Permission_t{5});
     });
 }
 

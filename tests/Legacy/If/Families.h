@@ -2,7 +2,6 @@
 
 #include "TestSupport.h"
 
-#include <Legacy/If.h>
 #include <Legacy/If/GenericContainerImpl.h>
 #include <Legacy/IfKit/Families.h>
 
@@ -14,16 +13,6 @@ using IfKit::Family;
 /// Calls `call` with a `Family` of each pair of classes.
 void ForAllFamilies(auto&& call) { IfKit::AllFamilies::ForEach(call); }
 
-/// A new schema as its constructor makes it.
-template<typename Info>
-boost::intrusive_ptr<Info> FreshInfo(unsigned int id, std::string const& name, Permission_t const& permission)
-{
-    if constexpr (std::is_base_of_v<EnumInfo, Info>)
-        return Make<Info>(id, name, permission, false);
-    else
-        return Make<Info>(id, name, permission);
-}
-
 /// A section as an application has it.
 struct PlainSection : Section
 {
@@ -33,17 +22,6 @@ struct PlainSection : Section
 
 using Sections =
     GenericContainerImpl<Section, boost::intrusive_ptr<Section>, boost::intrusive_ptr<Section const>, SectionId_t>;
-
-/// An application's class that has tags of its own.
-template<typename Base>
-struct Tagged : Base
-{
-    using Base::Base;
-    IfType_t GetType() const override { return type; }
-    NumericType_t GetNumericType() const override { return numericType; }
-    IfType_t type = IfType_t::Connection;
-    NumericType_t numericType = Base::GetNumericTypeStatic();
-};
 
 /// A value that is not what a fresh one is.
 template<typename Item>

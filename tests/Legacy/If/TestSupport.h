@@ -1,20 +1,28 @@
 #pragma once
 
-#include <Legacy/If/FindingScope.h>
-#include <Legacy/If/InfoBase.h>
-#include <Legacy/If/ItemBase.h>
-#include <Legacy/If/LocalizedString.h>
-#include <Legacy/If/NumericTraits.h>
-#include <Legacy/If/ResultElem.h>
+#include <Legacy/If.h>
 
 #include <boost/endian/conversion.hpp>
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <cmath>
 #include <cstring>
+#include <functional>
+#include <iomanip>
+#include <limits>
+#include <list>
+#include <map>
 #include <memory>
+#include <random>
+#include <set>
+#include <span>
 #include <sstream>
 #include <string>
+#include <thread>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -23,6 +31,8 @@ namespace Legacy::If::Test {
 
 using InfoPtr = boost::intrusive_ptr<InfoBase const>;
 using ItemPtr = boost::intrusive_ptr<ItemBase const>;
+using Info = boost::intrusive_ptr<InfoBase>;
+using Item = boost::intrusive_ptr<ItemBase>;
 /// Several traits classes, one after the other.
 template<typename... Traits>
 struct TraitsList
@@ -35,14 +45,6 @@ using TenTraits = TraitsList<U8Traits, S8Traits, U16Traits, S16Traits, U32Traits
 
 using Texts = std::vector<std::string>;
 using Bytes = std::vector<unsigned char>;
-
-/// The floats as this machine stores them, which is how they stand in records.
-inline Bytes NativeBytes(std::vector<float> const& numbers)
-{
-    Bytes bytes(numbers.size() * sizeof(float));
-    std::memcpy(bytes.data(), numbers.data(), bytes.size());
-    return bytes;
-}
 
 /// A new object, held.
 template<typename Object, typename... Arguments>
@@ -57,6 +59,27 @@ boost::intrusive_ptr<Info> MakeInfo(Arguments&&... arguments)
 {
     return Make<Info>(7U, "speed", Permission_t{0x1234}, std::forward<Arguments>(arguments)...);
 }
+
+/// A new schema as its constructor makes it.
+template<typename Info>
+boost::intrusive_ptr<Info> FreshInfo(unsigned int id, std::string const& name, Permission_t const& permission)
+{
+    if constexpr (std::is_constructible_v<Info, unsigned int, std::string, Permission_t>)
+        return Make<Info>(id, name, permission);
+    else // an enumeration, which says whether it is localized
+        return Make<Info>(id, name, permission, false);
+}
+
+/// An application's class that has tags of its own.
+template<typename Base>
+struct Tagged : Base
+{
+    using Base::Base;
+    IfType_t GetType() const override { return type; }
+    NumericType_t GetNumericType() const override { return numericType; }
+    IfType_t type = IfType_t::Connection;
+    NumericType_t numericType = Base::GetNumericTypeStatic();
+};
 
 /// Takes over a raw pointer as it comes from a factory.
 template<typename Object>

@@ -1,8 +1,6 @@
 #include "../Families.h"
 #include "text/TypeText.h"
 
-#include <set>
-
 /// What all families have in common, and where one of them departs from it.
 namespace Legacy::If::Test {
 namespace {
@@ -62,9 +60,6 @@ void ExpectValidation(ItemBase& item, InfoPtr const& info)
     for (auto const half : {&ItemBase::ValidateMin, &ItemBase::ValidateMax})
         EXPECT_EQ(MessageOf(item, [&] { return (item.*half)(info); }), type == Numeric ? mismatch : illegal);
 }
-
-using Item = boost::intrusive_ptr<ItemBase>;
-using Info = boost::intrusive_ptr<InfoBase>;
 
 /// What the class of a value gives, as its roots: so that what is expected is compiled once.
 struct ValueCase
@@ -198,6 +193,189 @@ TEST(Families, HoldToWhatTheyHaveInCommon)
                           Hold(info->DeepCopy()), Hold(info->DeepCopy(9, "other"))});
         }
     });
+}
+
+/// No schema itself, but one can be had of it.
+template<typename Info>
+struct Parameter
+{
+    Info const& info;
+
+    operator Info const&() const { return info; }
+};
+
+TEST(Lists, AreCheckedAgainstTheSizesOfTheirSchemas)
+{
+    auto const expect = []<typename Info, typename Item>(Family<Info, Item>) {
+        using List = std::remove_reference_t<decltype(Item(1).Val())>;
+        int (Item::*const set)(List const&, Info const&) = &Item::SetVal; // as tables of members name it
+        auto const info = MakeInfo<Info>();
+        info->SetMaxSize(1);
+        List const one = Filled<Item>(1)->GetVal();
+        List two = one;
+        two.push_back(one[0]);
+        Item item(7);
+        EXPECT_EQ((item.*set)(two, *info), IfErrSizeOutOfRange);
+        EXPECT_TRUE(item.IsEmpty());
+        EXPECT_EQ(item.SetVal(one, Parameter<Info>{*info}), 0);
+        EXPECT_EQ(item.GetSize(), 1U);
+    };
+    ForAllTraits([&]<typename T>(T) { expect(Family<NumericArrayInfo<T>, NumericArrayItem<T>>()); });
+    TraitsList<Family<RectArrayInfo<U16Traits>, RectArrayItem<U16Traits>>, Family<BoolArrayInfo, BoolArrayItem>,
+               Family<StringArrayInfo, StringArrayItem>>::ForEach(expect);
+}
+
+template<typename Item>
+void ExpectMoved()
+{
+    using Held = std::remove_reference_t<decltype(Item(1).Val())>;
+    auto const roomy = [] {
+        Held held;
+        held.reserve(1000);
+        return held;
+    };
+    Item item(7);
+    item.SetVal(roomy());
+    EXPECT_GE(item.Val().capacity(), 1000U);
+    if constexpr (requires { Item::Create(7U, Held()); }) {
+        EXPECT_GE(Hold(Item::Create(7U, roomy()))->Val().capacity(), 1000U);
+    }
+}
+
+TEST(Lists, AreTakenOverWithTheirStorage)
+{
+    ExpectMoved<NumericArrayItem<U8Traits>>();
+    ExpectMoved<BoolArrayItem>();
+    ExpectMoved<StringItem>();
+    ExpectMoved<StringArrayItem>();
+    ExpectMoved<RectArrayItem<U16Traits>>();
+    ExpectMoved<AppEndpointArrayItem>();
+    StringItem text(7);
+    std::string roomy;
+    roomy.reserve(1000);
+    text.SetVal(std::move(roomy), *MakeInfo<StringInfo>());
+    EXPECT_GE(text.Val().capacity(), 1000U);
+    auto const info = MakeInfo<BoolArrayInfo>();
+    info->SetMaxSize(1);
+    std::vector<bool> two{true, false};
+    BoolArrayItem item(7);
+    EXPECT_EQ(item.SetVal(static_cast<std::vector<bool>&&>(two), *info), IfErrSizeOutOfRange);
+    EXPECT_EQ(two.size(), 2U); // refused, it is still the caller's
+    two.pop_back();
+    EXPECT_EQ(item.SetVal(static_cast<std::vector<bool>&&>(two), *info), 0);
+    EXPECT_EQ(item.GetVal(), std::vector<bool>{true});
+}
+
+TEST(Lists, GrowOneByOneWithoutMovingTheirElementsEachTime)
+{
+    auto const expect = []<typename One, typename Item>(Family<One, Item>) {
+        constexpr unsigned int count = 500;
+        auto const one = Filled<One>(1);
+        Item item(7);
+        std::size_t moved = 0;
+        for (unsigned int i = 0; i < count; ++i) {
+            auto const capacity = item.Val().capacity();
+            EXPECT_EQ(item.AssignArrayValue(one, i, nullptr), 0);
+            moved += item.Val().capacity() != capacity ? i : 0;
+        }
+        EXPECT_LT(moved, 3 * count) << Dumped(*one);
+    };
+    TraitsList<Family<NumericItem<U8Traits>, NumericArrayItem<U8Traits>>,
+               Family<RectItem<U16Traits>, RectArrayItem<U16Traits>>, Family<BoolItem, BoolArrayItem>,
+               Family<StringItem, StringArrayItem>, Family<AppEndpointItem, AppEndpointArrayItem>>::ForEach(expect);
+}
+
+template<typename Class>
+Item FromText(std::string const& text)
+{
+    auto const item = Make<Class>(0x01020304U);
+    EXPECT_TRUE(ReadText(*item, text).first) << text;
+    return item;
+}
+
+/// At least a fresh and a filled value of each class that has a record.
+std::vector<Item> Samples()
+{
+    std::set const without{IfType_t::Extended, IfType_t::LocalizedString, IfType_t::Collection};
+    std::vector<Item> samples;
+    ForAllFamilies([&]<typename Info, typename Class>(Family<Info, Class>) {
+        if (!without.contains(Class::GetTypeStatic()))
+            samples.insert(samples.end(), {Make<Class>(1U), Filled<Class>(0x01020304)});
+    });
+    ForAllTraits([&samples]<typename T>(T) { samples.push_back(FromText<NumericArrayItem<T>>("5 1 2 3 4 127")); });
+    samples.push_back(FromText<RectArrayItem<U16Traits>>("2 1 2 3 4 5 6 7 8"));
+    samples.push_back(FromText<StringArrayItem>("3 one two three"));
+    for (char const* const bits : {"7 1 0 1 1 0 0 1", "8 1 0 1 1 0 0 1 0", "9 1 0 1 1 0 0 1 0 1"})
+        samples.push_back(FromText<BoolArrayItem>(bits));
+    auto const outer = Make<CompositeItem>(1U);
+    auto const inner = Hold(outer->DeepCopy(2));
+    inner->SetItems({FromText<StringItem>("text"), FromText<NumericArrayItem<U32Traits>>("2 1 2")});
+    outer->SetItems({inner, FromText<BoolItem>("1"), Make<CompositeItem>(3U)});
+    samples.push_back(outer);
+    return samples;
+}
+
+using Tags = std::pair<unsigned char, unsigned char>;
+
+Tags TagsOf(ItemBase const& item)
+{
+    return {static_cast<unsigned char>(item.GetType()), static_cast<unsigned char>(item.GetNumericType())};
+}
+
+/// Rebuilds a value, whatever comes of it, and uses it in every way that does not need to know what it is.
+void Exercise(Record const& record)
+{
+    auto const [code, item] = Rebuild(record);
+    EXPECT_TRUE(code == 0 || code == IfErrInvalidArgument || code == IfErrNotSerializable) << code;
+    ASSERT_NE(item, nullptr);
+    auto const copy = Hold(item->DeepCopy(5));
+    EXPECT_EQ(Printed(*copy), Printed(*item));
+    copy->IsEqualValue(Hold(item->DeepCopy()));
+    copy->Validate(nullptr);
+    RecordOf(*copy);
+    EXPECT_EQ(copy->AssignValue(copy, nullptr), 0);
+}
+
+TEST(RecordSweep, KnowsEveryClassThatRebuilds)
+{
+    std::set<Tags> sampled{{0xfe, 0}}; // a collection is built and then not read
+    for (Item const& sample : Samples())
+        sampled.insert(TagsOf(*sample));
+    std::set<Tags> rebuilt;
+    for (unsigned int tags = 0; tags < 0x10000; ++tags) {
+        auto const type = static_cast<unsigned char>(tags / 256);
+        auto const [code, item] = Rebuild({1, type, static_cast<unsigned char>(tags % 256), {}});
+        if (item)
+            rebuilt.insert(TagsOf(*item));
+        else
+            EXPECT_EQ(code, IfErrInvalidArgument);
+    }
+    EXPECT_EQ(rebuilt, sampled);
+}
+
+TEST(RecordSweep, RebuildsAndWritesTheSameAgainAndSurvivesTruncationAndAppendix)
+{
+    for (Item const& item : Samples()) {
+        SCOPED_TRACE(Dumped(*item));
+        Record record = RecordOf(*item);
+        bool const other = item->GetType() == IfType_t::StringSparse; // announces another size than it writes
+        EXPECT_TRUE(other || item->GetSerialDataSize() == record.payload.size());
+        auto const [code, rebuilt] = Rebuild(record);
+        ASSERT_EQ(code, 0);
+        EXPECT_EQ(rebuilt->GetId(), item->GetId());
+        EXPECT_EQ(TagsOf(*rebuilt), TagsOf(*item));
+        EXPECT_EQ(RecordOf(*rebuilt).payload, record.payload);
+        EXPECT_EQ(Printed(*rebuilt), Printed(*item));
+        Bytes const whole = record.payload;
+        for (std::size_t size = 0; size <= whole.size() + 2; ++size) {
+            record.payload = whole;
+            record.payload.resize(size);
+            Exercise(record);
+            auto const target = Hold(item->DeepCopy());
+            bool const isKept = Read(*target, record) != 0 && item->GetType() != IfType_t::Composite; // which appends
+            EXPECT_TRUE(!isKept || Dumped(*target) == Dumped(*item)) << size;
+        }
+    }
 }
 
 } // namespace

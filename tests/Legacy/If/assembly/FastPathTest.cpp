@@ -2,23 +2,10 @@
 #include "../TestSupport.h"
 #include "convert/FloatLoops.h"
 
-#include <Legacy/If/Addr.h>
-#include <Legacy/If/Bool.h>
-#include <Legacy/If/Composite.h>
-#include <Legacy/If/Numeric.h>
-#include <Legacy/If/NumericArray.h>
-#include <Legacy/If/String.h>
-
-#include <array>
 #include <bit>
-#include <cmath>
 #include <cstdlib>
-#include <cstring>
-#include <limits>
 #include <locale>
-#include <random>
 #include <streambuf>
-#include <tuple>
 
 namespace Legacy::If::Test {
 namespace {
@@ -228,7 +215,6 @@ void PrintPlainly(std::ostream& os, ItemBase const& item)
 
 TEST(FastPath, PrintsListsInEachFormatAsTheirElements)
 {
-    using Item = boost::intrusive_ptr<ItemBase>;
     std::vector<std::pair<Item, Item>> lists; // and composites of the same numbers, which print alike
     std::vector<Item> leaves{Hold(BoolItem::Create(1, true)), Hold(StringItem::Create(1, std::string(3000, 'x')))};
     ForAllTraits([&]<typename Traits>(Traits) {

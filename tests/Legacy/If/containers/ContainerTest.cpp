@@ -2,8 +2,6 @@
 
 #include <Orlek/LogicError.h>
 
-#include <functional>
-#include <map>
 #include <new>
 #include <type_traits>
 
@@ -169,10 +167,8 @@ TEST(StorageOfContainers, AgreesWithAMap)
     }
     std::vector<boost::intrusive_ptr<InfoBase>> all;
     storage.Get(all);
-    ASSERT_EQ(all.size(), model.size());
-    auto next = all.begin();
-    for (auto const& [id, info] : model) {
-        EXPECT_EQ(*next++, info);
+    for (auto next = all.begin(); auto const& [id, info] : model) {
+        ASSERT_EQ(*next++, info);
         EXPECT_EQ(storage.Get(id), info);
         EXPECT_EQ(storage.Find(std::to_string(id)), info);
     }
@@ -240,8 +236,7 @@ TEST(InfoItemHolder, TakesWhatIsOfTheSameParameterWithoutValidation)
     auto const first = Make<InfoHolder>(MakeInfo<Info>());
     auto const pair = Make<InfoItemHolder>(first);
     EXPECT_EQ(pair->GetItem(), nullptr);
-    EXPECT_FALSE(pair->SetInfo(nullptr));
-    EXPECT_FALSE(pair->SetInfo(Make<InfoHolder>(nullptr)));
+    EXPECT_FALSE(pair->SetInfo(nullptr) || pair->SetInfo(Make<InfoHolder>(nullptr)));
     EXPECT_FALSE(pair->SetInfo(Make<InfoHolder>(Make<Info>(8U, "speed", Permission_t{}))));
     EXPECT_FALSE(pair->SetInfo(Make<InfoHolder>(Make<Info>(7U, "Speed", Permission_t{}))));
     EXPECT_FALSE(pair->SetInfo(Make<InfoHolder>(MakeInfo<NumericArrayInfo<U16Traits>>())));
@@ -254,8 +249,7 @@ TEST(InfoItemHolder, TakesWhatIsOfTheSameParameterWithoutValidation)
 
     auto const tooGreat = Make<ItemHolder>(Item::Create(7, 2));
     EXPECT_TRUE(pair->SetItem(tooGreat));
-    EXPECT_FALSE(pair->SetItem(nullptr));
-    EXPECT_FALSE(pair->SetItem(Make<ItemHolder>(nullptr)));
+    EXPECT_FALSE(pair->SetItem(nullptr) || pair->SetItem(Make<ItemHolder>(nullptr)));
     EXPECT_FALSE(pair->SetItem(Make<ItemHolder>(Make<Item>(8U))));
     EXPECT_FALSE(pair->SetItem(Make<ItemHolder>(Make<NumericArrayItem<U16Traits>>(7U))));
     EXPECT_FALSE(pair->SetItem(Make<ItemHolder>(Make<NumericItem<S16Traits>>(7U))));

@@ -1,3 +1,4 @@
+/// Keys and names that all meet in one place under a hash that anybody can compute.
 #include "containers/PlaceIndex.h"
 
 #include <Legacy/If/Detail/ContainerStore.h>
@@ -7,11 +8,11 @@
 #include <algorithm>
 #include <deque>
 #include <functional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
-/// Keys and names that all meet in one place under a hash that anybody can compute.
 namespace Legacy::If::Detail {
 namespace {
 
@@ -19,8 +20,7 @@ constexpr unsigned int k_count = 600;
 constexpr unsigned int k_buckets = 769; // what so many elements stand in
 
 /// The first numbers that the hash puts into the first of the buckets.
-template<typename Hash>
-std::vector<unsigned int> Crowd(Hash&& hash)
+std::vector<unsigned int> Crowd(auto&& hash)
 {
     std::vector<unsigned int> numbers;
     for (unsigned int number = 0; numbers.size() < k_count; ++number)
@@ -75,6 +75,35 @@ TEST(HostileKeys, LeaveAPlaceIndexComplete)
         index.Insert(id, id);
     }
     EXPECT_TRUE(index.IsComplete());
+}
+
+// With one tag, so many places share it that some are out of reach: they are left out, and the index says so.
+TEST(PlaceIndex, FindsWhatIsThereOrOwnsUpToWhatItLeavesOut)
+{
+    for (int const tags : {500, 1}) {
+        PlaceIndex<int> index;
+        auto const tagOf = [=](int place) { return static_cast<std::uint32_t>(place % tags); };
+        std::set<int> places;
+        std::uint32_t state = 1;
+        for (int step = 0; step < 20000; ++step) {
+            state = state * 1664525 + 1013904223;
+            int const place = static_cast<int>(state >> 8) % 4000;
+            if (places.insert(place).second) {
+                index.MakeRoom();
+                index.Insert(tagOf(place), place);
+            } else {
+                index.Erase(tagOf(place), place);
+                places.erase(place);
+            }
+            for (int const other : {place, (place + 500) % 4000, step % 4000}) {
+                bool const found = index.Find(tagOf(other), [=](int p) { return p == other; }) != nullptr;
+                ASSERT_TRUE(found == places.contains(other) || (!found && !index.IsComplete()));
+            }
+        }
+        EXPECT_EQ(index.IsComplete(), tags == 500);
+        index.Clear();
+        EXPECT_TRUE(index.IsComplete());
+    }
 }
 
 } // namespace

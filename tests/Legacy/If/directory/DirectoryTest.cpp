@@ -1,14 +1,6 @@
 #include "../TestSupport.h"
 
-#include <Legacy/If/InfoItemDirectory.h>
-#include <Legacy/If/InfoItemDirectoryDelta.h>
-#include <Legacy/If/InfoItemHolderMap.h>
-#include <Legacy/If/String.h>
-#include <Legacy/If/StringArray.h>
-
-#include <list>
 #include <new>
-#include <random>
 
 namespace Legacy::If::Test {
 namespace {

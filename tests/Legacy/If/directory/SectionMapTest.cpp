@@ -1,11 +1,5 @@
 #include "../TestSupport.h"
 
-#include <Legacy/If/SectionMap.h>
-#include <Legacy/If/SectionMapElement.h>
-
-#include <algorithm>
-#include <list>
-
 namespace Legacy::If::Test {
 namespace {
 

@@ -76,12 +76,8 @@ Id IdOfDepth(unsigned int depth)
 
 TEST(SectionId, CutsPathsIntoLevels)
 {
-    struct
-    {
-        std::string path;
-        Texts levels;   // the name of each
-        Texts prefixes; // the path down to each
-    } const rows[] = {
+    // The name of each level, and the path down to it.
+    std::tuple<std::string, Texts, Texts> const rows[] = {
         {"/a/b/c", {"a", "b", "c"}, {"/a", "/a/b", "/a/b/c"}},
         {"a/", {"a", ""}, {"a", "a/"}},
         {"/", {""}, {"/"}},
@@ -89,20 +85,20 @@ TEST(SectionId, CutsPathsIntoLevels)
         {"a/b/c/d/e", {"a", "b", "c", "d/e"}, {"a", "a/b", "a/b/c", "a/b/c/d/e"}},
         {"/a/b/c/d/", {"a", "b", "c", "d/"}, {"/a", "/a/b", "/a/b/c", "/a/b/c/d/"}},
     };
-    for (auto const& row : rows) {
-        SCOPED_TRACE(row.path);
-        auto const depth = static_cast<unsigned int>(row.levels.size());
-        SectionId const id(row.path, IdOfDepth(depth));
+    for (auto const& [path, levels, prefixes] : rows) {
+        SCOPED_TRACE(path);
+        auto const depth = static_cast<unsigned int>(levels.size());
+        SectionId const id(path, IdOfDepth(depth));
         ASSERT_TRUE(id.IsValid());
         EXPECT_EQ(id.GetSectionDepth(), depth);
         EXPECT_EQ(id.IsLastSectionLevel(), depth == 4);
         for (unsigned int level = 1; level <= depth; ++level) {
-            EXPECT_EQ(id.GetSubsectionName(level), row.levels[level - 1]);
-            EXPECT_EQ(id.GetSectionName(level), row.prefixes[level - 1]);
+            EXPECT_EQ(id.GetSubsectionName(level), levels[level - 1]);
+            EXPECT_EQ(id.GetSectionName(level), prefixes[level - 1]);
         }
         for (unsigned int const level : {0U, depth + 1, k_none})
             EXPECT_EQ(id.GetSubsectionName(level) + id.GetSectionName(level), "");
-        EXPECT_FALSE(SectionId(row.path, IdOfDepth(depth % 4 + 1)).IsValid());
+        EXPECT_FALSE(SectionId(path, IdOfDepth(depth % 4 + 1)).IsValid());
     }
 }
 
@@ -137,14 +133,10 @@ void ExpectAscending(Key const (&rows)[n])
         }
 }
 
-TEST(SectionId, OrdersByIdThenByPath)
+TEST(SectionId, OrdersAndHashesByItsPartsAsKeysDo)
 {
     ExpectAscending<SectionId>({{"b", 0x01FFFFFF}, {"c", 0x01FFFFFF}, {"a", 0x02FFFFFF}, {"a/a", 0x4103FFFF}, {}});
     EXPECT_TRUE(SectionId() <= SectionId() && SectionId("a", 0x01FFFFFF) <= SectionId());
-}
-
-TEST(SectionKey, OrdersAndHashesByItsParts)
-{
     ExpectAscending<SectionId_t>({{0, "b"}, {1, ""}, {1, "a"}, {1, "b"}, {0xFFFFFFFF, ""}});
     std::string const text = "xyz";
     auto const expected = static_cast<unsigned int>(boost::hash_range(text.begin(), text.end())) + 3;

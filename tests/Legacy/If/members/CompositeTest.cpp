@@ -1,17 +1,11 @@
 #include "../Families.h"
 #include "record/SerialRecord.h"
 
-#include <limits>
-#include <random>
-#include <span>
-
 namespace Legacy::If::Test {
 namespace {
 
 using U32Info = NumericInfo<U32Traits>;
 using U32Item = NumericItem<U32Traits>;
-using Item = boost::intrusive_ptr<ItemBase>;
-using Info = boost::intrusive_ptr<InfoBase>;
 
 constexpr unsigned int k_deep = 300'000; // more than any stack has room for
 
@@ -190,8 +184,7 @@ TEST(Composite, ReadsOneLevelOfMembers)
     EXPECT_EQ(ReadText(*ListOf<CollectionItem>({}), "1"), std::pair(false, std::string("Impl. me")));
 }
 
-/// A member that predicts `predicted` bytes and writes `written`, if it shows them, and returns a code all the same. It
-/// is a number, but not to be written as one.
+/// A number, but not to be written as one: it predicts and writes so many bytes, if it shows them, and returns a code.
 struct Scripted : NumericItem<U8Traits>
 {
     Scripted(unsigned int predicted, unsigned int written, bool shown)

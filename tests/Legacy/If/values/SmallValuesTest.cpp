@@ -1,14 +1,5 @@
 #include "../TestSupport.h"
 
-#include <Legacy/If/Colour.h>
-#include <Legacy/If/Extended.h>
-#include <Legacy/If/Orientation.h>
-#include <Legacy/If/String.h>
-
-#include <cmath>
-#include <limits>
-#include <tuple>
-
 namespace Legacy::If::Test {
 namespace {
 
@@ -104,20 +95,6 @@ TEST(Colour, HasItsTextForms)
     EXPECT_EQ(out.str(), "Error parsing colourItem\n");
 }
 
-TEST(FloatRecords, HoldTheirPartsInOrder)
-{
-    // In this form of a float the bytes of its integer part are swapped: 1 stands as 16777216.
-    Record const colour = RecordOf(*MakeColour({1, 2, 3, 255}));
-    EXPECT_EQ(colour.payload, NativeBytes({16777216, 33554432, 50331648, 4278190080}));
-    EXPECT_EQ(Printed(*Rebuild(colour).second), "(1 2 3 255)");
-    Record const orientation = RecordOf(*MakeOrientation({1, 2.5F, -1}));
-    EXPECT_TRUE(Rebuild(orientation).second->IsEqualValue(MakeOrientation({1, 2, 0}))); // no fraction, none below 0
-    for (Record const& good : {colour, orientation}) {
-        for (std::size_t const size : {std::size_t{0}, good.payload.size() - 1, good.payload.size() + 1})
-            EXPECT_EQ(Rebuild({7, good.type, 0, Bytes(size, 0x40)}).first, IfErrInvalidArgument) << size;
-    }
-}
-
 TEST(Orientation, ComparesWithinTheToleranceAndHasNoText)
 {
     auto const item = MakeOrientation({1.5F, 0, -2});
@@ -167,6 +144,213 @@ TEST(LocalizedStringValue, IsShownInTheDefaultLanguage)
     EXPECT_EQ(ReadText(*item, "x"), std::pair(false, std::string("Impl. me")));
     message.AddArgument(nullptr); // an empty text, in excess of what the message asks for
     EXPECT_EQ(message.GetString(""), text + ' ');
+}
+
+using Bits = std::vector<bool>;
+
+TEST(Bool, IsHeldToAFixedDefaultAndMergesTowardsFixed)
+{
+    for (int row = 0; row < 8; ++row) {
+        bool const fixed = row & 1, standard = row & 2, value = row & 4;
+        auto const info = MakeInfo<BoolInfo>();
+        info->SetFixed(fixed);
+        info->SetDefault(standard);
+        auto const item = Hold(BoolItem::Create(3, value));
+        Texts const finding{"TypesSystemBoolValidationFixedVal", "speed", standard ? "1" : "0"};
+        EXPECT_EQ(Validated(*item, info), fixed && value != standard ? finding : Texts{});
+        EXPECT_EQ(item->WithinBounds(*info), !fixed || value == standard);
+        item->BoundVal(*info);
+        EXPECT_EQ(item->GetVal(), fixed ? standard : value);
+        auto const other = MakeInfo<BoolInfo>();
+        other->SetFixed(value);
+        EXPECT_EQ(info->IsEqualBounds(other), fixed == value); // whatever their defaults
+        EXPECT_EQ(info->MergeBounds(other), 0);
+        EXPECT_EQ(Printed(*info),
+                  std::string("default=") + (standard ? "True" : "False") + (fixed || value ? " (fixed)" : ""));
+    }
+}
+
+TEST(Bool, HasItsForms)
+{
+    auto const info = MakeInfo<BoolInfo>();
+    info->SetDefault(true);
+    EXPECT_EQ(Dumped(*info), "id: 7\npermission: 4660\nname: speed\ntype: Bool\nfixed: 0\ndefault: 1\n");
+    auto const item = Hold(info->CreateItem());
+    for (char const* const bad : {"2", "", "true"})
+        EXPECT_EQ(ReadText(*item, bad), std::pair(false, std::string("Error parsing boolItem\n")));
+    for (Bytes const& bad : {Bytes{}, Bytes{0, 0}})
+        EXPECT_EQ(Read(*item, {7, 1, 0, bad}), IfErrInvalidArgument);
+    EXPECT_EQ(Dumped(*item) + Printed(*item), "id: 7\ntype: Bool\nvalue: 1\nTrue");
+    EXPECT_TRUE(ReadText(*item, "0").first);
+    EXPECT_EQ(Printed(*item), "False");
+    EXPECT_EQ(Read(*item, {7, 1, 0, {0x80}}), 0);
+    EXPECT_EQ(RecordOf(*item).payload, Bytes{1});
+    StringItem text(1);
+    EXPECT_EQ(Assign(text, item, 9), (Outcome{0, 1}));
+    EXPECT_EQ(text.GetVal(), "True");
+}
+
+TEST(BoolArray, PacksItsElementsIntoBits)
+{
+    for (auto const& [value, payload] :
+         {std::pair(Bits{}, Bytes{0}), std::pair(Bits{false, true, true}, Bytes{3, 0x60}),
+          std::pair(Bits{true, false, false, false, false, false, false, true}, Bytes{0, 0x81}),
+          std::pair(Bits{false, false, false, false, false, false, false, false, true}, Bytes{1, 0, 0x80})})
+    {
+        auto const item = Hold(BoolArrayItem::Create(1, value));
+        EXPECT_EQ(RecordOf(*item).payload, payload);
+        EXPECT_EQ(Read(*item, RecordOf(*item)), 0);
+        Bits twice = value;
+        twice.insert(twice.end(), value.begin(), value.end());
+        EXPECT_EQ(item->GetVal(), twice); // appended
+    }
+    BoolArrayItem item(1);
+    for (Bytes const& bad : {Bytes{}, Bytes{8}, Bytes{8, 0}, Bytes{255, 0}})
+        EXPECT_EQ(Read(item, {1, 8, 0, bad}), IfErrInvalidArgument);
+    EXPECT_EQ(Read(item, {1, 8, 0, {5}}), 0); // no byte follows, so there are no elements
+    EXPECT_TRUE(item.IsEmpty());
+}
+
+TEST(BoolArray, HasItsFormsAndValidatesItsSizeUnderOneKey)
+{
+    auto const info = MakeInfo<BoolArrayInfo>();
+    info->SetDefault({true, false});
+    EXPECT_EQ(Dumped(*info) + Printed(*info),
+              "id: 7\npermission: 4660\nname: speed\ntype: BoolArray\nminSize: 0\nmaxSize: 2147483647\n"
+              "defaultSize: 2\narray size: 0 <= 2 <= 2147483647");
+    auto const item = Hold(info->CreateItem());
+    EXPECT_EQ(Validated(*item, info), Texts{}); // nothing is refused at the start
+    EXPECT_EQ(ReadText(*item, "2 1 2"), std::pair(false, std::string("Error parsing arrayItem\n")));
+    EXPECT_EQ(Dumped(*item), "id: 7\ntype: BoolArray\nvalue: (True, False)\n");
+    info->SetMaxSize(1);
+    EXPECT_EQ(Validated(*item, info), (Texts{"BoolArrayValidationMinSize", "speed", "1"}));
+    info->SetMinSize(5);
+    EXPECT_EQ(Validated(*item, info), (Texts{"BoolArrayValidationMinSize", "speed", "5"}));
+}
+
+using Elem = ElemType<int>;
+
+boost::intrusive_ptr<EnumInfo> Switch()
+{
+    auto info = MakeInfo<EnumInfo>(true);
+    for (Elem const& elem : {Elem{"off", 0}, Elem{"auto", 1, true}, Elem{"on", 2}})
+        EXPECT_EQ(info->AddElem(elem), 0);
+    return info;
+}
+
+TEST(EnumInfo, FindsItsElements)
+{
+    auto const info = Switch();
+    for (Elem const& taken : {Elem{"new", 2}, Elem{"on", 9}})
+        EXPECT_EQ(info->AddElem(taken), IfErrAlreadyExists);
+    EXPECT_EQ(info->AddElem({"On", 9}), 0); // names compare byte for byte
+    Elem elem;
+    std::string name;
+    int value = 0;
+    EXPECT_EQ(info->GetElem(1, elem) + info->GetElemName(2, name) + info->GetElemVal("on", value), 0);
+    for (int const code : {info->GetElem(3, elem), info->GetElemName(3, name), info->GetElemVal("none", value),
+                           info->DisableElem(3), info->EnableElem(3), info->RemoveElem(3)})
+        EXPECT_EQ(code, IfErrNotFound);
+    EXPECT_EQ(elem, (Elem{"auto", 1, true}));
+    EXPECT_EQ(std::pair(name, value), std::pair(std::string("on"), 2));
+    EXPECT_TRUE(info->IsPresent(1) && !info->IsEnabled(1) && !info->IsEnabled(3));
+    EXPECT_TRUE(info->EnableElem(1) == 0 && info->IsEnabled(1));
+    EXPECT_EQ(info->RemoveElem(1), 0);
+    EXPECT_EQ(Printed(*info), "off=0, on=2, On=9; default=0");
+}
+
+TEST(EnumInfo, KeepsADefaultAsFarAsTold)
+{
+    auto const info = MakeInfo<EnumInfo>(false);
+    EXPECT_EQ(info->SetDefault(7), 0); // anything goes without elements
+    info->AddElem({"one", 1});
+    EXPECT_EQ(info->GetDefault(), 7);
+    EXPECT_EQ(info->SetDefault(8), IfErrNotInSet);
+    EXPECT_EQ(info->SetTable({{"a", 1}, {"b", 2}}), 0);
+    EXPECT_EQ(info->GetDefault(), 1);
+    info->DisableElem(2);
+    EXPECT_EQ(info->SetDefault(2), 0);
+    EXPECT_EQ(info->RemoveElem(2), 0);
+    EXPECT_EQ(Validated(*Hold(info->CreateItem()), info), (Texts{"TypesSystemEnumValidationValue", "speed", "2"}));
+    EXPECT_EQ(info->SetTable({}), 0);
+    EXPECT_EQ(info->GetDefault(), 2);
+}
+
+TEST(EnumInfo, AssignsAllButWhetherItIsLocalized)
+{
+    auto const info = Switch();
+    EXPECT_TRUE(Hold(info->DeepCopy(9))->IsLocalized());
+    auto const target = MakeInfo<EnumInfo>(false);
+    for (auto const change : {+[](EnumInfo& i) { i.EnableElem(1); }, +[](EnumInfo& i) { i.SetDefault(2); },
+                              +[](EnumInfo& i) { i.GetTable()[0].name = "zero"; }})
+    {
+        change(*info);
+        EXPECT_EQ(Assign(*target, info), (Outcome{0, 1}));
+        EXPECT_EQ(Assign(*target, info), (Outcome{0, 0}));
+    }
+    EXPECT_FALSE(target->IsLocalized()); // stays
+}
+
+TEST(Enum, HasItsFormsAndRefusesInItsCheckedSetterOnly)
+{
+    auto const info = Switch();
+    info->SetDefault(2);
+    EXPECT_EQ(Dumped(*info) + Printed(*info), "id: 7\npermission: 4660\nname: speed\ntype: Enum\n"
+                                              "off=0, auto*=1, on=2; default=2");
+    auto const item = Hold(EnumItem::Create(7, -2));
+    EXPECT_EQ(Dumped(*item), "id: 7\ntype: Enum\nvalue: -2\n");
+    EXPECT_EQ(RecordOf(*item).payload, (Bytes{0xFF, 0xFF, 0xFF, 0xFE}));
+    EXPECT_EQ(Read(*item, {7, 5, 0, {0, 0, 1}}), IfErrInvalidArgument);
+    for (char const* const bad : {"", "on", "4294967296"})
+        EXPECT_EQ(ReadText(*item, bad), std::pair(false, std::string("Error parsing enumItem\n")));
+    EXPECT_EQ(Printed(*item), "-2");
+    EXPECT_TRUE(ReadText(*item, "4294967295").first); // unsigned, its bits taken
+    EXPECT_EQ(Printed(*item), "-1");
+    item->SetVal(0, *info);
+    EXPECT_EQ(item->GetVal(), 0);
+    item->SetVal(1, *info); // disabled
+    EXPECT_EQ(item->GetVal(), 2);
+    item->SetVal(1);
+    EXPECT_EQ(Validated(*item, info), Texts{}); // disabled and valid
+}
+
+std::string Dump(InfoPtr const& info, ItemPtr const& item)
+{
+    std::ostringstream os;
+    os << std::setfill('*') << std::right;
+    FormattedInfoItemDump(os, info, item);
+    os << std::setw(3) << 1;
+    return os.str();
+}
+
+/// Tells all types apart from its own. Dumps go by the tags.
+struct Aloof : NumericInfo<U16Traits>
+{
+    using NumericInfo::NumericInfo;
+    bool IsEqualType(ItemPtr const&) const override { return false; }
+    bool IsEqualType(InfoPtr const&) const override { return false; }
+};
+
+TEST(FormattedDump, PrintsOneParameterInColumns)
+{
+    auto const info = MakeInfo<StringInfo>();
+    auto const number = Make<NumericItem<U16Traits>>(7U);
+    auto const numbers = MakeInfo<NumericInfo<U16Traits>>();
+    std::string const name(40, 'n'); // wider than its column
+    std::tuple<InfoPtr, ItemPtr, std::string> const rows[] = {
+        // Columns leave their alignment and fill behind, as the number after them shows.
+        {nullptr, nullptr, "**1"},
+        {info, Hold(StringItem::Create(7, "fast")),
+         "speed                            String             {fast} {\"\"; max length=256}1  "},
+        {Make<StringInfo>(7U, name, Permission_t{}), nullptr, name + " String             \"\"; max length=2561  "},
+        {nullptr, number, "NumericU16         01  "},
+        {MakeInfo<Aloof>(), number, "speed                            NumericU16         {0} {0 <= 0 <= 65535}1  "},
+        {info, number, "Type mismatch!**1"},
+        {numbers, Make<NumericItem<S16Traits>>(7U), "Type mismatch!**1"},
+        {numbers, Make<NumericItem<S16Traits>>(8U), "InfoItemId mismatch!**1"},
+    };
+    for (auto const& [schema, item, text] : rows)
+        EXPECT_EQ(Dump(schema, item), text);
 }
 
 } // namespace
