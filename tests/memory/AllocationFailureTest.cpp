@@ -1,17 +1,12 @@
-// Memory ends at each allocation in turn, in all that the library does: nothing is lost, nothing is left half done, and
-// the same call then succeeds.
+// Memory ends at each allocation in turn: nothing is lost or left half done, and the same call then succeeds.
 #include "../Legacy/If/Families.h"
 #include "Failing.h"
 
 #include <Legacy/If/MessageConversions.h>
-#include <Legacy/If/SectionMap.h>
 #include <Net/AppEndpoint.h>
 #include <Pb/Legacy/If/AppEndpoint.pb.h>
 
-#include <algorithm>
 #include <cstdlib>
-#include <functional>
-#include <list>
 #include <optional>
 
 namespace Legacy::If::Test {
@@ -47,7 +42,7 @@ std::uint64_t SurviveTold(std::function<State()> const& prepare, Call<State> con
     for (bool const onwards : {false, true}) {
         bool failed = true;
         for (nth = 0; failed && !testing::Test::HasFailure();) {
-            std::int64_t const blocks = Failing::Blocks();
+            std::int64_t const blocks = Failing::s_blocks;
             {
                 auto state = prepare();
                 std::optional<std::string> answer;
@@ -66,15 +61,14 @@ std::uint64_t SurviveTold(std::function<State()> const& prepare, Call<State> con
                 EXPECT_EQ(look(state), after);
             }
             bool const reported = testing::Test::HasFailure(); // a report takes memory itself
-            EXPECT_TRUE(reported || Failing::Blocks() == blocks) << Failing::Blocks() - blocks << " blocks lost";
+            EXPECT_TRUE(reported || Failing::s_blocks == blocks) << Failing::s_blocks - blocks << " blocks lost";
         }
     }
     return nth - 1;
 }
 
-/// Runs `act` on what `prepare` makes, its first allocation failing, then its second, and so on until none fails: that
-/// one alone, and then all from there on. A call that gives an answer gives the right one; one that threw left what
-/// `look` shows as it was, and succeeds when it is repeated. Tells how many allocations can fail.
+/// Runs `act` on what `prepare` makes, each allocation failing in turn: alone, and with all that follow. A call that
+/// throws leaves what `look` shows as it was, and succeeds when it is repeated. Tells how many allocations can fail.
 std::uint64_t Survive(std::string const& what, auto const& prepare, auto const& look, auto const& act)
 {
     SCOPED_TRACE(what);
@@ -441,21 +435,19 @@ TEST(AllocationFailure, LeavesHoldersWithTheirNames)
 
 TEST(AllocationFailure, LeavesSectionsAndDeltasWhole)
 {
-    struct Found
+    struct Found : SectionMap
     {
-        SectionMap map;
-        std::string path;
-        std::string name;
+        std::string path, name;
     };
     auto const filled = [] {
         Found found;
-        found.map.AddSection(SectionId(k_path, 0x4003FFFF));
+        found.AddSection(SectionId(k_path, 0x4003FFFF));
         InfoItemSectionId id(0);
-        found.map.AddInfo(k_path, Name(1), id);
+        found.AddInfo(k_path, Name(1), id);
         return found;
     };
     auto const both = [](Found const& found) { return found.path + found.name; };
-    Survive("find", filled, both, [](Found& f) { return f.map.FindInfo(k_section, f.path, f.name); });
+    Survive("find", filled, both, [](Found& f) { return f.FindInfo(k_section, f.path, f.name); });
 
     auto const section = [] { return SectionId(k_path, 0x4003FFFF); };
     auto const consistent = [](SectionId const& id) {
@@ -469,7 +461,7 @@ TEST(AllocationFailure, LeavesSectionsAndDeltasWhole)
             [] { return std::to_string(InfoItemDirectoryDelta(*Changes()).GetItemHolderPtrMap_addMod().size()); });
 }
 
-TEST(AllocationFailure, LeavesFindingsAndTextsWhole)
+TEST(AllocationFailure, LeavesFindingsTextsAndEndpointsWhole)
 {
     auto const item = Filled<StringItem>(1);
     auto const finding = item->Validate(nullptr);
@@ -485,10 +477,6 @@ TEST(AllocationFailure, LeavesFindingsAndTextsWhole)
         message.AddArgument(item);
         return message.GetString("de") + Streamed([&](auto& os) { FormattedInfoItemDump(os, info, item); });
     });
-}
-
-TEST(AllocationFailure, LeavesEndpointsWhole)
-{
     using Endpoint = AppEndpoint<Net::Endpoint<Net::AddrStr>>;
     for (char const* const uri :
          {"rtsp://camera-of-some-length.example/stream?channel=1", "http://[::1]:80", "x-qrv-modbus://10.0.0.1:502"})

@@ -13,8 +13,7 @@ namespace {
 
 using namespace Legacy::If;
 
-/// Runs before the libraries start. The C library has room in each thread for the first 32 keys alone; a value under a
-/// later one takes memory.
+/// Runs before the libraries start: in each thread a value under a key beyond the first 32 takes memory.
 void TakeFirstKeys(int, char**, char**)
 {
     for (int i = 0; i < 32; ++i) {
@@ -26,9 +25,9 @@ void TakeFirstKeys(int, char**, char**)
 
 std::int64_t KeptBy(auto&& call)
 {
-    std::int64_t const before = Failing::Blocks();
+    std::int64_t const before = Failing::s_blocks;
     call();
-    return Failing::Blocks() - before;
+    return Failing::s_blocks - before;
 }
 
 void MakeAndRelease() { boost::intrusive_ptr<ItemBase> const item(new BoolItem(1)); }
