@@ -1,5 +1,4 @@
-// Writes a line for each schema with each value of its type and with the library's judgement, for another tool to
-// check.
+// Writes a line for each schema with each value of its type and the library's judgement, for another tool to check.
 
 #include "../Legacy/IfKit/Samples.h"
 

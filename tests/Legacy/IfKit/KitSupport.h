@@ -1,45 +1,52 @@
 #pragma once
 
-#include <Legacy/If.h>
+#include "../If/TestSupport.h"
+
 #include <Legacy/IfKit.h>
 
-#include <boost/smart_ptr/intrusive_ptr.hpp>
-#include <gtest/gtest.h>
 #include <stdlib.h>
 
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <memory>
-#include <string>
-#include <utility>
-#include <vector>
 
 /// What the tests of the companion share.
 namespace Legacy::IfKit::Test {
 
 using namespace If;
-
-using Bytes = std::vector<unsigned char>;
-using Texts = std::vector<std::string>;
+using If::Test::Bytes;
+using If::Test::Make;
+using If::Test::Texts;
 using ItemPtr = boost::intrusive_ptr<ItemBase>;
 using InfoPtr = boost::intrusive_ptr<InfoBase>;
-
-/// A new object, held.
-template<typename Object, typename... Arguments>
-boost::intrusive_ptr<Object> Make(Arguments&&... arguments)
-{
-    return boost::intrusive_ptr<Object>(new Object(std::forward<Arguments>(arguments)...));
-}
 
 /// A new schema.
 template<typename Info>
 boost::intrusive_ptr<Info> Named(std::string const& name, unsigned int id = 1)
 {
-    if constexpr (std::is_same_v<Info, EnumInfo>)
-        return Make<Info>(id, name, Permission_t{}, false);
-    else
-        return Make<Info>(id, name, Permission_t{});
+    return If::Test::FreshInfo<Info>(id, name, {});
+}
+
+/// A schema within so many composites.
+inline InfoPtr Deep(InfoPtr info, int depth = 100'000)
+{
+    for (; depth > 0; --depth) {
+        auto const around = Named<CompositeInfo>("around");
+        around->AddInfo(info);
+        info = around;
+    }
+    return info;
+}
+
+/// A value within so many composites.
+inline ItemPtr Deep(ItemPtr item, int depth = 100'000)
+{
+    for (; depth > 0; --depth) {
+        auto const around = Make<CompositeItem>(1U);
+        around->AddItem(item);
+        item = around;
+    }
+    return item;
 }
 
 /// A folder that ends with the object.

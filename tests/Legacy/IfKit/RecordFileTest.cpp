@@ -1,24 +1,69 @@
+#include "../../../fuzz/Seal.h"
 #include "KitSupport.h"
 
-#include <boost/crc.hpp>
-#include <boost/endian/conversion.hpp>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
-#include <cmath>
-#include <cstring>
-#include <random>
-#include <sstream>
-#include <thread>
 
 namespace Legacy::IfKit::Test {
 namespace {
 
-/// What a reader gives: the texts of the values, "?" for one that is not known, names as "id=text"; at the end the
-/// error, if there is one.
+Bytes TwoRecords()
+{
+    Bytes bytes;
+    EXPECT_EQ(AppendRecord(*ItemPtr(StringItem::Create(0x01020304, "on")), bytes), 0);
+    EXPECT_EQ(AppendRecord(*ItemPtr(NumericItem<U16Traits>::Create(2, 258)), bytes), 0);
+    return bytes;
+}
+
+TEST(Records, StandOneBehindTheOther)
+{
+    Bytes bytes = TwoRecords();
+    EXPECT_EQ(bytes, (Bytes{1, 2, 3, 4, 0, 0, 0, 3, 6, 0, 'o', 'n', 0, 0, 0, 0, 2, 0, 0, 0, 2, 2, 3, 1, 2}));
+    EXPECT_EQ(AppendRecord(*Make<ExtendedItem>(1U), bytes), IfErrNotSerializable);
+    EXPECT_EQ(bytes, TwoRecords());
+
+    RecordReader reader(bytes);
+    auto const text = reader.Next();
+    ASSERT_TRUE(text);
+    EXPECT_EQ(text->id, 0x01020304U);
+    EXPECT_EQ(text->type, IfType_t::String);
+    EXPECT_EQ(text->payload.data(), bytes.data() + 10); // not a copy
+    ItemPtr item;
+    EXPECT_EQ(text->Rebuild(item), 0);
+    EXPECT_EQ(item->GetValAsString(), "on");
+    EXPECT_EQ(reader.GetOffset(), 13U);
+    EXPECT_EQ(reader.Next()->Rebuild(item), 0);
+    EXPECT_EQ(item->GetValAsString(), "258");
+    EXPECT_TRUE(reader.IsAtEnd());
+    EXPECT_FALSE(reader.Next());
+}
+
+TEST(Records, StopWhereOneIsNotWhole)
+{
+    Bytes const bytes = TwoRecords();
+    for (std::size_t size = 0; size < bytes.size(); ++size) {
+        Bytes const cut(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size));
+        RecordReader reader(cut);
+        while (reader.Next()) {
+        }
+        EXPECT_EQ(reader.GetOffset(), size < 13 ? 0U : 13U);
+        EXPECT_EQ(reader.IsAtEnd(), size == 0 || size == 13);
+    }
+    ItemPtr item(new CompositeItem(1));
+    auto* const before = item.get();
+    EXPECT_EQ(ReadRecord(bytes, item), IfErrInvalidArgument);                               // two of them
+    EXPECT_EQ(ReadRecord(Bytes{0, 0, 0, 1, 0, 0, 0, 0, 6, 0}, item), IfErrInvalidArgument); // does not fit
+    EXPECT_EQ(ReadRecord(Bytes{0, 0, 0, 1, 0, 0, 0, 0, 77, 0}, item), IfErrInvalidArgument);
+    EXPECT_EQ(item.get(), before);
+    EXPECT_EQ(ReadRecord(std::span(bytes).first(13), item), 0);
+    EXPECT_EQ(item->GetValAsString(), "on");
+}
+
+/// What a reader gives: texts of values, "?" for one that is not known, names as "id=text", at the end the error if
+/// any.
 Texts Read(RecordFileReader& reader)
 {
     Texts texts;
@@ -194,50 +239,23 @@ TEST(RecordFile, SaysWhatWasExpectedWhere)
     EXPECT_TRUE(with(32 + 8, "\x7f").starts_with("f: byte 40: expected a block of 1 to "));
 }
 
-/// The same file as a machine of the other byte order writes it.
-std::string Foreign(std::string bytes, std::vector<std::pair<std::size_t, std::size_t>> const& numbers)
-{
-    auto const reseal = [&bytes](std::size_t begin, std::size_t crc, std::size_t end) {
-        boost::crc_32_type sum;
-        sum.process_bytes(bytes.data() + begin, crc - begin);
-        sum.process_bytes(bytes.data() + crc + 4, end - crc - 4);
-        auto const big = boost::endian::native_to_big(static_cast<std::uint32_t>(sum.checksum()));
-        std::memcpy(bytes.data() + crc, &big, sizeof(big));
-    };
-    bytes[9] = static_cast<char>(3 - bytes[9]);
-    reseal(0, 28, 32);
-    for (auto const& [offset, width] : numbers)
-        std::reverse(bytes.begin() + static_cast<std::ptrdiff_t>(offset),
-                     bytes.begin() + static_cast<std::ptrdiff_t>(offset + width));
-    reseal(32, 36, bytes.size());
-    return bytes;
-}
-
 TEST(RecordFile, IsReadOnAMachineOfTheOtherByteOrder)
 {
-    Folder const folder;
-    RecordFileWriter writer(folder / "values");
     auto const inner = Make<CompositeItem>(1U);
     inner->SetItems({NumericItem<DoubleTraits>::Create(1, 5), NumericItem<U32Traits>::Create(1, 6)});
     auto const outer = Make<CompositeItem>(1U);
     outer->SetItems({NumericItem<FloatTraits>::Create(1, 3), inner, NumericItem<FloatTraits>::Create(1, 7)});
-    writer.Append(*ItemPtr(NumericItem<U32Traits>::Create(1, 9)));
-    writer.Append(*ItemPtr(NumericArrayItem<FloatTraits>::Create(1, {1, 2})));
-    writer.Append(*outer);
-    EXPECT_EQ(writer.Commit(), std::nullopt);
-    std::string const bytes = Content(folder / "values");
+    Bytes records;
+    for (ItemPtr const& item : {ItemPtr(NumericItem<U32Traits>::Create(1, 9)),
+                                ItemPtr(NumericArrayItem<FloatTraits>::Create(1, {1, 2})), ItemPtr(outer)})
+        EXPECT_EQ(AppendRecord(*item, records), 0);
+    std::string body(records.begin(), records.end());
     Texts const expected{"9", "(1, 2)", "(3, (5, 6), 7)"};
-    EXPECT_EQ(ReadBytes(bytes), expected);
-    // Header and block header, the records before, ten bytes for each header, two for each count.
-    constexpr std::size_t k_first = 32 + 16;
-    constexpr std::size_t k_list = k_first + 10 + 4 + 10;
-    constexpr std::size_t k_outer = k_list + 8 + 10 + 2;
-    constexpr std::size_t k_inner = k_outer + 10 + 4 + 10 + 2;
-    EXPECT_EQ(
-        ReadBytes(Foreign(
-            bytes,
-            {{k_list, 4}, {k_list + 4, 4}, {k_outer + 10, 4}, {k_inner + 10, 8}, {k_inner + 10 + 8 + 10 + 4 + 10, 4}})),
-        expected);
+    EXPECT_EQ(ReadBytes(Seal('R', false, body, 3)), expected);
+    // The floats, behind the ten bytes of each header and the two of each count, and their sizes.
+    for (auto const& [place, size] : {std::pair(24, 4), {28, 4}, {54, 4}, {80, 8}, {112, 4}})
+        std::reverse(body.begin() + place, body.begin() + place + size);
+    EXPECT_EQ(ReadBytes(Seal('R', true, body, 3)), expected);
 }
 
 } // namespace

@@ -1,20 +1,17 @@
 #pragma once
 
-#include <Legacy/If/ReturnCodes.h>
 #include <Legacy/IfKit/Families.h>
-#include <Legacy/IfKit/Visit.h>
 
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 
 #include <bit>
 #include <cstdint>
 #include <limits>
-#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
-/// Schemas and values of every class, with what is hard to carry, and all that they hold as text.
+/// Schemas and values of every class, with what is hard to carry.
 namespace Legacy::IfKit::Test {
 
 using namespace If;
@@ -25,8 +22,6 @@ constexpr unsigned int k_id = 0x45080007;
 constexpr Permission_t k_permission{0x1234};
 constexpr auto k_anyText =
     "\xC3\xA9 \"\\\n\x01\x7F\x80\xFF\xEE\xBE\x80\xC2\x9B\xE2\x80\xAE\xED\xA0\x80 \xF0\x9F\x98\x80/";
-
-inline std::vector<std::string> SampleTexts() { return {"", "on", std::string(k_anyText), std::string("a\0b", 3)}; }
 
 template<typename N>
 std::vector<N> SampleNumbers()
@@ -44,56 +39,53 @@ std::vector<N> SampleNumbers()
     return numbers;
 }
 
-inline std::vector<Net::Endpoint<Net::AddrStr>> SampleEndpoints()
-{
-    return {{}, {Net::AddrStr("::1"), 80}, {Net::AddrStr("[::1]"), 0}, {Net::AddrStr(k_anyText), 65535}};
-}
+using Address = Net::AddrStr;
+using Place = Net::Endpoint<Address>;
+using Pair = std::pair<std::string, std::string>;
 
-inline std::vector<AppEndpoint<Net::Endpoint<Net::AddrStr>>> SampleAppEndpoints()
+/// What a value can hold, some of each kind, by what it holds.
+/// @{
+template<typename N>
+std::vector<N> Samples(N)
 {
-    std::vector<AppEndpoint<Net::Endpoint<Net::AddrStr>>> samples;
+    return SampleNumbers<N>();
+}
+inline std::vector<bool> Samples(bool) { return {false, true}; }
+inline std::vector<std::string> Samples(std::string const&) { return {"", "on", k_anyText, std::string("a\0b", 3)}; }
+inline std::vector<Orlek::Colour_t> Samples(Orlek::Colour_t const&)
+{
+    return {{}, {0.1F, 1, -0.0F, std::numeric_limits<float>::infinity()}};
+}
+inline std::vector<Orientation_t> Samples(Orientation_t const&)
+{
+    return {{}, {0.1F, -1, std::numeric_limits<float>::quiet_NaN()}};
+}
+inline std::vector<Pair> Samples(Pair const&) { return {{}, {"one", k_anyText}}; }
+inline std::vector<Address> Samples(Address const&) { return {{}, Address(k_anyText)}; }
+inline std::vector<Place> Samples(Place const&)
+{
+    return {{}, {Address("::1"), 80}, {Address("[::1]"), 0}, {Address(k_anyText), 65535}};
+}
+inline AppEndpointList Samples(AppEndpoint<Place> const&)
+{
+    AppEndpointList samples;
     for (auto const type : {AppProtocolType_t::Rtsp, static_cast<AppProtocolType_t>(-3)}) {
-        for (auto const& endpoint : SampleEndpoints())
+        for (auto const& endpoint : Samples(Place()))
             samples.push_back({{type, 65535, 2}, endpoint, 255});
     }
     return samples;
 }
+template<typename Element>
+std::vector<std::vector<Element>> Samples(std::vector<Element> const&)
+{
+    return {{}, Samples(Element())};
+}
+/// @}
 
-template<typename Item, typename Held>
-constexpr bool k_holds = std::is_same_v<decltype(std::declval<Item&>().Val()), Held&>;
-
-/// What a value of the class can hold, some of each kind.
 template<typename Item>
 auto SampleValues()
 {
-    if constexpr (k_holds<Item, bool>)
-        return std::vector<bool>{false, true};
-    else if constexpr (k_holds<Item, std::vector<bool>>)
-        return std::vector<std::vector<bool>>{{}, {true, false, true}};
-    else if constexpr (k_holds<Item, std::string>)
-        return SampleTexts();
-    else if constexpr (k_holds<Item, std::vector<std::string>>)
-        return std::vector<std::vector<std::string>>{{}, SampleTexts()};
-    else if constexpr (std::same_as<Item, EnumItem>)
-        return SampleNumbers<int>();
-    else if constexpr (std::same_as<Item, ColourItem>)
-        return std::vector<Orlek::Colour_t>{{}, {0.1F, 1, -0.0F, std::numeric_limits<float>::infinity()}};
-    else if constexpr (std::same_as<Item, OrientationItem>)
-        return std::vector<Orientation_t>{{}, {0.1F, -1, std::numeric_limits<float>::quiet_NaN()}};
-    else if constexpr (std::same_as<Item, ExtendedItem>)
-        return std::vector<std::pair<std::string, std::string>>{{}, {"one", k_anyText}};
-    else if constexpr (std::same_as<Item, AddrItem>)
-        return std::vector<Net::AddrStr>{{}, Net::AddrStr(k_anyText)};
-    else if constexpr (std::same_as<Item, EndpointItem>)
-        return SampleEndpoints();
-    else if constexpr (std::same_as<Item, AppEndpointItem>)
-        return SampleAppEndpoints();
-    else if constexpr (std::same_as<Item, AppEndpointArrayItem>)
-        return std::vector<AppEndpointList>{{}, SampleAppEndpoints()};
-    else if constexpr (requires { typename Item::List; })
-        return std::vector<typename Item::List>{{}, SampleNumbers<typename Item::Element>()};
-    else
-        return SampleNumbers<typename Item::Element>();
+    return Samples(std::remove_reference_t<decltype(std::declval<Item&>().Val())>());
 }
 
 inline LocalizedString SampleMessage()
@@ -133,9 +125,7 @@ std::vector<ItemPtr> SamplesOf(Family<Info, Item>)
 template<typename T>
 std::vector<ItemPtr> SamplesOf(Family<CoordinateInfo<T>, CoordinateItem<T>>)
 {
-    boost::intrusive_ptr<CoordinateItem<T>> const point(new CoordinateItem<T>(k_id));
-    *point = *SampleRect<T>()->BottomRight();
-    return {point};
+    return {ItemPtr(SampleRect<T>()->BottomRight()->DeepCopy(k_id))};
 }
 
 template<typename T>
@@ -214,14 +204,12 @@ void Narrow(CoordinateInfo<T>& info)
 
 /// Schemas of one class, the last one with everything set. Some have a default that their bounds leave out.
 template<typename Info, typename Item>
-std::vector<InfoPtr> SchemasOf(Family<Info, Item> family)
+std::vector<InfoPtr> SchemasOf(Family<Info, Item>)
 {
     auto const full = FreshInfo<Info>();
     std::vector<InfoPtr> samples{InfoPtr(full->DeepCopy())};
     if constexpr (requires { full->SetInfos({}); }) {
-        full->AddInfo(FreshInfo<BoolInfo>(1, "a"));
-        full->AddInfo(FreshInfo<CompositeInfo>(2, "b"));
-        full->AddInfo(samples.front());
+        full->SetInfos({FreshInfo<BoolInfo>(1, "a"), FreshInfo<CompositeInfo>(2, "b"), samples.front()});
     } else if constexpr (std::same_as<Info, EnumInfo>) {
         samples.push_back(InfoPtr(full->DeepCopy()));
         full->SetDefault(7); // which is none of them
@@ -275,7 +263,6 @@ std::vector<InfoPtr> SchemasOf(Family<Info, Item> family)
         if constexpr (requires { full->SetMinSize(1U); })
             full->SetMinSize(1);
     }
-    (void)family;
     samples.push_back(full);
     return samples;
 }
@@ -291,143 +278,5 @@ inline std::vector<InfoPtr> SampleInfos()
     });
     return samples;
 }
-
-/// All that an object holds, bit by bit, by its getters.
-class Print
-{
-public:
-    static std::string Of(auto const& object)
-    {
-        Print print;
-        print.Add(object);
-        return print.m_out.str();
-    }
-
-private:
-    void Add(auto const& first, auto const& second, auto const&... more)
-    {
-        Add(first);
-        Add(second);
-        (Add(more), ...);
-    }
-
-    template<typename N>
-        requires std::is_arithmetic_v<N> || std::is_enum_v<N>
-    void Add(N number)
-    {
-        if constexpr (std::same_as<N, float>)
-            Add(std::bit_cast<std::uint32_t>(number));
-        else if constexpr (std::same_as<N, double>)
-            Add(std::bit_cast<std::uint64_t>(number));
-        else if constexpr (std::is_enum_v<N>)
-            Add(static_cast<int>(number));
-        else
-            m_out << +number << ' ';
-    }
-
-    void Add(std::string const& text) { m_out << text.size() << ':' << text << ' '; }
-    template<typename A, typename B>
-    void Add(std::pair<A, B> const& pair)
-    {
-        Add(pair.first, pair.second);
-    }
-    template<typename Element>
-    void Add(std::vector<Element> const& list)
-    {
-        m_out << '[';
-        for (auto const& element : list)
-            Add(element);
-        m_out << ']';
-    }
-    void Add(Orlek::Colour_t const& c) { Add(c.a, c.r, c.g, c.b); }
-    void Add(Orientation_t const& o) { Add(o.bearing, o.inclination, o.roll); }
-    void Add(Net::AddrStr const& addr) { Add(addr.ToString()); }
-    void Add(Net::Endpoint<Net::AddrStr> const& endpoint) { Add(endpoint.GetAddr(), endpoint.GetPort()); }
-    void Add(AppEndpoint<Net::Endpoint<Net::AddrStr>> const& endpoint)
-    {
-        Add(endpoint.GetAppProtocolType(), endpoint.GetAppProtocolVersion(), endpoint.GetAppProtocolCompatVersion(),
-            endpoint.GetAddrGroupPrefix(), endpoint.GetEndpoint());
-    }
-    void Add(ElemType<int> const& element) { Add(element.name, element.value, element.disabled); }
-    void Add(LocalizedString const& message)
-    {
-        Add(message.GetKey());
-        for (auto const& argument : message.GetArguments()) {
-            if (argument)
-                Add(*argument);
-            else
-                m_out << "null ";
-        }
-    }
-    template<typename T>
-    void Add(CoordinateItem<T> const& point)
-    {
-        Add(point.GetPair()[0], point.GetPair()[1]);
-    }
-    template<typename T>
-    void Add(RectItem<T> const& rect)
-    {
-        Add(*rect.TopLeft(), *rect.BottomRight());
-    }
-
-    void Add(ItemBase const& item)
-    {
-        m_out << '{';
-        Add(item.GetId(), item.GetType(), item.GetNumericType());
-        Visit(
-            item,
-            [&](auto const& own) {
-                if constexpr (requires { own.GetItem(0U); }) {
-                    for (unsigned int i = 0; i < own.GetSize(); ++i)
-                        Add(*own.GetItem(i));
-                } else if constexpr (requires { own.Val(); })
-                    Add(own.Val());
-                else if constexpr (requires { own.GetVal(); })
-                    Add(own.GetVal());
-                else
-                    Add(own);
-            },
-            [](Foreign<ItemBase const>) {});
-        m_out << '}';
-    }
-
-    void Add(InfoBase const& info)
-    {
-        m_out << '{';
-        Add(info.GetId(), info.GetName(), info.GetPermission().bits, info.GetType(), info.GetNumericType());
-        Visit(
-            info, [&](auto const& own) { AddBounds(own); }, [](Foreign<InfoBase const>) {});
-        m_out << '}';
-    }
-
-    template<typename Info>
-    void AddBounds(Info const& info)
-    {
-        if constexpr (requires { info.GetInfo(0U); }) {
-            for (unsigned int i = 0; i < info.GetSize(); ++i)
-                Add(*info.GetInfo(i));
-        }
-        if constexpr (requires { info.GetDefault(); })
-            Add(info.GetDefault());
-        if constexpr (requires { info.GetMin(); })
-            Add(info.GetMin(), info.GetMax());
-        if constexpr (requires { info.GetMinSize(); })
-            Add(info.GetMinSize(), info.GetMaxSize());
-        if constexpr (requires { info.GetMaxLength(); })
-            Add(info.GetMaxLength());
-        if constexpr (requires { info.GetTable(); })
-            Add(info.GetTable());
-        if constexpr (requires { info.GetFixed(); })
-            Add(info.GetFixed());
-        if constexpr (requires { info.IsLocalized(); })
-            Add(info.IsLocalized());
-        if constexpr (requires { info.TopLeft(); })
-            Add(*info.TopLeft(), *info.BottomRight());
-        if constexpr (requires { info.X(); })
-            Add(*info.X(), *info.Y());
-    }
-
-    std::ostringstream m_out;
-};
 
 } // namespace Legacy::IfKit::Test

@@ -1,6 +1,7 @@
 #include "KitSupport.h"
 
-#include <random>
+#include <concepts>
+#include <typeinfo>
 
 namespace Legacy::IfKit::Test {
 namespace {
@@ -63,20 +64,15 @@ TEST(ValueText, IsReadAsPeopleWriteIt)
     EXPECT_EQ(read(2, "host:80"), "host:80");
     EXPECT_EQ(read(3, "255"), "255");
     EXPECT_EQ(read(4, R"(["a", "b c"])"), "(a, b c)");
-    struct
-    {
-        std::size_t info;
-        char const* text;
-        char const* why;
-    } const refused[] = {
+    std::tuple<std::size_t, char const*, char const*> const refused[] = {
         {1, "fast", "is no value"},    {3, "-1", "whole number from 0 to 255"},
         {3, "1.5", "whole number"},    {3, "256", "whole number from 0"},
         {3, "", "is no value"},        {3, "1 2", "is no value"},
         {4, "2 a b", "is no value"},   {4, "a", "is no value"},
         {5, "perhaps", "is no value"}, {3, "\033[2J", "'?[2J' is no value"},
     };
-    for (auto const& row : refused)
-        EXPECT_NE(read(row.info, row.text).find(row.why), std::string::npos) << read(row.info, row.text);
+    for (auto const& [info, text, why] : refused)
+        EXPECT_NE(read(info, text).find(why), std::string::npos) << read(info, text);
 }
 
 TEST(ValueText, IsPrintableWhateverTheBytes)
@@ -99,6 +95,160 @@ TEST(ValueText, IsPrintableWhateverTheBytes)
             EXPECT_FALSE(byte == 0xc2 && static_cast<unsigned char>(text[i + 1]) < 0xa0);
         }
     }
+}
+
+Texts TextsOf(LocalizedString const& message)
+{
+    Texts texts{message.GetKey()};
+    for (auto const& argument : message.GetArguments())
+        texts.push_back(argument->GetValAsString());
+    return texts;
+}
+
+template<typename Info>
+InfoPtr AtMost(std::string const& name, int most)
+{
+    auto const info = Named<Info>(name);
+    info->SetMax(static_cast<typename Info::Element>(most));
+    return info;
+}
+
+TEST(Explain, SaysWhatValidationFound)
+{
+    ItemPtr const byte(NumericItem<S8Traits>::Create(1, 66));
+    auto const info = AtMost<NumericInfo<S8Traits>>("level", 65);
+    EXPECT_EQ(TextsOf(Explain(*byte, info)), (Texts{"TypesSystemNumericValidationMax", "level", "65"}));
+    EXPECT_EQ(Explain(std::as_const(*byte), info).GetString("de"), "level: Der Wert liegt über dem Maximum von 65.");
+    ItemPtr const bytes(NumericArrayItem<U8Traits>::Create(1, {9, 66}));
+    EXPECT_EQ(TextsOf(Explain(*bytes, AtMost<NumericArrayInfo<U8Traits>>("levels", 65))).back(), "65");
+
+    EXPECT_EQ(TextsOf(Explain(*byte, nullptr)),
+              (Texts{"TypesSystemValidateTypeMismatch", "Unknown", "NULL-Info", "Numeric(S8)"}));
+    EXPECT_EQ(TextsOf(Explain(CoordinateItem<U16Traits>(1), nullptr)),
+              (Texts{"TypesSystemIllegalValidatationError", "Unknown", "Coordinate(U16)"}));
+    EXPECT_EQ(TextsOf(Explain(*byte, AtMost<NumericInfo<S8Traits>>("level", 66))), Texts{""});
+    FindingScope const scope;
+    static_cast<void>(Explain(*byte, nullptr));
+    EXPECT_FALSE(scope.GetMessage().IsValid()); // what it finds is its own
+}
+
+/// A value that makes its findings itself.
+struct Grumpy : BoolItem
+{
+    using BoolItem::BoolItem;
+    std::shared_ptr<ResultElem const> Validate(boost::intrusive_ptr<InfoBase const> const&) override
+    {
+        return std::make_shared<ResultElem const>(Orlek::SeverityLevel_t::Error, nullptr, nullptr);
+    }
+};
+
+TEST(Explain, TakesNoFailureForAPass)
+{
+    Grumpy grumpy(1);
+    EXPECT_EQ(TextsOf(Explain(grumpy, Named<BoolInfo>("mood"))),
+              (Texts{"TypesSystemIllegalValidatationError", "mood", "Bool(Undefined)"}));
+}
+
+TEST(Explain, GoesIntoCompositesOfAnyDepth)
+{
+    auto const inner = Named<CompositeInfo>("inner");
+    inner->SetInfos({AtMost<NumericInfo<U8Traits>>("low", 9), AtMost<NumericInfo<U8Traits>>("high", 9)});
+    auto const outer = Named<CompositeInfo>("outer");
+    outer->SetInfos({Named<BoolInfo>("flag"), inner, AtMost<NumericInfo<U8Traits>>("last", 9)});
+    ItemPtr const made(outer->CreateItem());
+    auto& item = dynamic_cast<CompositeItem&>(*made);
+    EXPECT_FALSE(Explain(item, outer).IsValid());
+
+    auto& nested = dynamic_cast<CompositeItem&>(*item.GetItem(1));
+    nested.SetItem(1, NumericItem<U8Traits>::Create(1, 10));
+    item.SetItem(2, NumericItem<U8Traits>::Create(1, 11));
+    EXPECT_EQ(item.Validate(outer), nullptr);
+    EXPECT_EQ(TextsOf(Explain(std::as_const(item), outer)), (Texts{"TypesSystemNumericValidationMax", "high", "9"}));
+    std::vector<std::pair<std::vector<unsigned int>, std::string>> seen;
+    auto const note = [&](MemberPlace place, LocalizedString const& message) {
+        seen.push_back({{place.begin(), place.end()}, TextsOf(message)[1]});
+        return true;
+    };
+    ExplainEach(item, outer, note);
+    EXPECT_EQ(seen, (decltype(seen){{{1, 1}, "high"}, {{2}, "last"}}));
+
+    seen.clear();
+    nested.SetItems({}); // fails as a whole, and nothing in it is told
+    ExplainEach(item, outer, note);
+    EXPECT_EQ(seen, (decltype(seen){{{1}, "inner"}, {{2}, "last"}}));
+    ItemPtr const deep = Deep(ItemPtr(NumericItem<U8Traits>::Create(1, 10)));
+    EXPECT_EQ(TextsOf(Explain(*deep, Deep(AtMost<NumericInfo<U8Traits>>("deep", 9))))[1], "deep");
+}
+
+/// Tells the class as which an object was given. One visitor for all: each one is instantiated for every class.
+struct TypeOf
+{
+    template<typename Given>
+    std::type_info const* operator()(Given&) const
+    {
+        return &typeid(Given);
+    }
+};
+
+TEST(Visit, CallsTheCaseOfEachClass)
+{
+    std::size_t classes = 0;
+    AllFamilies::ForEach([&]<typename Info, typename Item>(Family<Info, Item>) {
+        ItemPtr const item = Make<Item>(1U);
+        EXPECT_EQ(*Visit(*item, TypeOf()), typeid(Item));
+        EXPECT_EQ(*Visit(std::as_const(*item), TypeOf()), typeid(Item));
+        if constexpr (!std::is_void_v<Info>) {
+            InfoPtr const info = Named<Info>("name");
+            EXPECT_EQ(*Visit(*info, TypeOf()), typeid(Info));
+            EXPECT_EQ(*Visit(std::as_const(*info), TypeOf()), typeid(Info));
+        }
+        ++classes;
+    });
+    EXPECT_EQ(classes, 53U);
+}
+
+/// A value with any tags and of no class of the library.
+struct Liar : If::Test::Tagged<NumericItem<U8Traits>>
+{
+    Liar(int asType, int asNumericType) : Tagged(1)
+    {
+        type = static_cast<IfType_t>(asType);
+        numericType = static_cast<NumericType_t>(asNumericType);
+    }
+};
+
+TEST(Visit, TrustsNoTag)
+{
+    auto const seen = [](Liar const& liar) {
+        return Visit(
+            liar, [](NumericItem<U8Traits> const&) { return 1; }, [](BoolItem const&) { return 2; },
+            [](ItemBase const&) { return 3; });
+    };
+    EXPECT_EQ(seen({2, 1}), 1); // derived from the class that the tags name
+    for (int const type : {0, 1, 3, 0x80, 0x8a, 0xff, 256, -1, 1 << 30})
+        for (int const numericType : {0, 1, 10, 11, -1, 1 << 30})
+            EXPECT_EQ(seen({type, numericType}), 3) << type << ' ' << numericType;
+    EXPECT_EQ(seen({2, 2}), 3);
+}
+
+TEST(Visit, NeedsACaseForEachClass)
+{
+    auto const one = [](BoolItem const&) { return 1; };
+    auto const numbers = []<typename T>(NumericItem<T> const&) { return 1; };
+    auto const standard = [](ItemBase const&) { return 2; };
+    auto const each = []<typename T>(T const&) requires(std::derived_from<T, ItemBase> && !std::is_same_v<T, ItemBase>)
+    {
+        return 3;
+    };
+    auto const foreign = [](Foreign<ItemBase const> const& item) { return item.object.GetId() == 1 ? 4 : 5; };
+    static_assert(VisitorOf<ItemBase const, decltype(one), decltype(standard)>);
+    static_assert(!VisitorOf<ItemBase const, decltype(one), decltype(numbers), decltype(foreign)>);
+    static_assert(!VisitorOf<InfoBase const, decltype(one), decltype(standard)>);
+    static_assert(VisitorOf<ItemBase const, decltype(each), decltype(foreign)>);
+    static_assert(!VisitorOf<ItemBase const, decltype(each)>);
+    EXPECT_EQ(Visit(Liar(9, 9), each, foreign), 4);
+    EXPECT_EQ(Visit(Liar(2, 1), each, foreign), 3);
+    EXPECT_EQ(Visit(Liar(9, 9), each, foreign, standard), 2); // a default is for foreign ones too
 }
 
 } // namespace
