@@ -44,7 +44,7 @@ void ExpectCarried(std::vector<boost::intrusive_ptr<Root>> const& samples)
         for (auto const layout : {JsonLayout_t::Compact, JsonLayout_t::Indented}) {
             std::string const text = Text(*sample, layout);
             auto const copy = FromText<Root>(text);
-            EXPECT_TRUE(copy && AreAlike(*copy, *sample)) << text;
+            ASSERT_TRUE(copy && AreAlike(*copy, *sample)) << text;
             EXPECT_EQ(Text(*copy, layout), text);
         }
     }
