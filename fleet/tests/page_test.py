@@ -1,17 +1,15 @@
 #!/usr/bin/env python3
 """The page of a fleet in a real browser, without a mouse: Chromium, driven by the WebDriver protocol.
 
-usage: page_test.py PROGRAMS [--screenshot FILE]     PROGRAMS is the folder of legacyif-device and legacyif-fleet
+usage: page_test.py PROGRAMS     the folder of legacyif-device and legacyif-fleet
 Ends with 77 where there is no browser, and with 0 only if all of it was seen.
 """
 
-import argparse
-import base64
 import http.client
 import json
 import os
-import pathlib
 import shutil
+import sys
 import time
 
 from serving import Fleet, free_port, listens, wait_for
@@ -112,9 +110,6 @@ class Browser:
         self.tab_to(f"e.getAttribute('aria-label') == '{label}'")
         self.press(ENTER)
         self.press(*keys)
-
-    def screenshot(self, file):
-        file.write_bytes(base64.b64decode(self.call("GET", "/screenshot", None)))
 
 
 VALUE = "return document.querySelector(`[data-path='${arguments[0]}'] .value`)?.textContent"
@@ -249,38 +244,24 @@ class Show:
         assert not faults, faults
 
 
-def picture(show, file):
-    """What the documentation shows."""
-    page = show.browser
-    page.tell("Emulation.setDeviceMetricsOverride", width=1180, height=1130, deviceScaleFactor=1, mobile=False)
-    page.open(show.url + "#device=door", "en")
-    show.expect_text("#device-state", "online")
-    page.change("Change frame-rate", *"200", ENTER)
-    show.expect_text("tr.edit .answer", "refuses")
-    page.run("scrollTo(0, 0)")
-    time.sleep(1)
-    page.screenshot(file)
+def browsers():
+    """The driver and the browser, or none."""
+    found = shutil.which("chromedriver"), shutil.which("chromium")
+    return found if all(found) else None
 
 
 def main():
-    parser = argparse.ArgumentParser()
-    parser.add_argument("programs")
-    parser.add_argument("--screenshot", type=pathlib.Path)
-    options = parser.parse_args()
-    driver, chromium = shutil.which("chromedriver"), shutil.which("chromium")
-    if not driver or not chromium:
+    found = browsers()
+    if not found:
         print("chromium and chromium-driver are not installed")
         raise SystemExit(SKIPPED)
-    with Fleet(options.programs) as fleet, Browser(fleet, driver, chromium) as browser:
+    with Fleet(sys.argv[1]) as fleet, Browser(fleet, *found) as browser:
         fleet.start_broker()
         fleet.device("door", "--title", "Camera at the door", "--interval", "0.5")
         fleet.device("hall", "--template", "climate", "--title", "Climate of the hall")
-        if not options.screenshot:
-            fleet.device(LONG_NAME, "--title", HOSTILE)
+        fleet.device(LONG_NAME, "--title", HOSTILE)
         fleet.serve()
         show = Show(fleet, browser)
-        if options.screenshot:
-            return picture(show, options.screenshot)
         for part in (show.devices_by_keyboard, show.changes, show.setting, show.findings, show.names, show.contrast,
                      show.quiet, show.losses):
             part()
