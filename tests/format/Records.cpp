@@ -1,9 +1,10 @@
 // Records, whole and damaged, for a reader of another making: each a line of hex, the code that reading gave, the
-// value.
+// value. The whole ones go into the file that is named, too.
 #include "../../fuzz/Mutate.h"
 #include "../Legacy/IfKit/Samples.h"
 
 #include <Legacy/IfKit/Json.h>
+#include <Legacy/IfKit/RecordFile.h>
 #include <Legacy/IfKit/Records.h>
 
 #include <cstdio>
@@ -62,15 +63,19 @@ std::vector<Bytes> OddTexts()
 
 } // namespace
 
-int main()
+int main(int, char** argv)
 {
     std::vector<Bytes> records = OddTexts();
+    RecordFileWriter file(argv[1]);
+    file.AppendName(0x450BFFFF, "a/b/c");
+    file.AppendName(Test::k_id, "name é");
     boost::intrusive_ptr<Test::CompositeItem> const all(new Test::CompositeItem(1));
     for (auto const& item : Test::SampleItems()) {
         Bytes bytes;
         if (AppendRecord(*item, bytes) != 0)
             continue;
         records.push_back(bytes);
+        file.Append(*item);
         Test::ItemPtr rebuilt;
         if (item->GetType() != IfType_t::StringSparse && ReadRecord(bytes, rebuilt) == 0) // which misplaces the next
             all->AddItem(item);
@@ -78,6 +83,9 @@ int main()
     Bytes bytes;
     AppendRecord(*all, bytes);
     records.push_back(bytes);
+
+    if (file.Commit())
+        return 1;
 
     std::mt19937 random(20260101);
     for (Bytes const& record : records) {

@@ -129,7 +129,7 @@ TEST(RecordFile, GivesBackWhatWasWritten)
     RecordFileReader reader(path);
     EXPECT_EQ(reader.GetCount(), 2U);
     ASSERT_TRUE(reader.Next() && reader.Next());
-    EXPECT_EQ(Content(path).substr(reader.GetOffset(), 4), std::string("\0\0\0\2", 4));
+    EXPECT_EQ(Content(path).substr(static_cast<std::size_t>(reader.GetOffset()), 4), std::string("\0\0\0\2", 4));
     EXPECT_FALSE(reader.Next());
     EXPECT_EQ(folder.Count(), 1U);
 }
@@ -213,7 +213,7 @@ TEST(RecordFile, GivesOutWhatStandsBeforeTheDamage)
         ASSERT_TRUE(reader.GetError()) << round;
         ASSERT_TRUE(std::equal(found.begin(), found.end() - 1, whole.begin())) << round;
         // A block takes 4096 bytes and its header; the damage is in the first one that was not given out.
-        std::size_t const missing = reader.GetError()->offset > place ? 0 : place - reader.GetError()->offset;
+        std::uint64_t const missing = reader.GetError()->offset > place ? 0 : place - reader.GetError()->offset;
         EXPECT_LE(place < 32 ? 0 : missing, 4096U + 32U) << round;
     }
 }

@@ -1,7 +1,9 @@
 #!/usr/bin/env python3
-"""A reader of serial records, written from docs/record-format.md alone, and its comparison with the library.
+"""Reads serial records without the library, with nothing but Python's standard library: for programs on servers that
+take what devices wrote. Written from docs/record-format.md and docs/record-file.md.
 
-usage: reader.py PAGE < LINES     lines as records.cpp writes them: a record in hex, a code, and the value as JSON
+usage: read_records.py FILE …     prints each value of files of records as a line of JSON, with its name and section
+Ends with 1 if something is wrong with a file, after what stands before that.
 """
 import json
 import math
@@ -9,8 +11,11 @@ import re
 import socket
 import struct
 import sys
+import zlib
 
+# The library's codes for what cannot be read.
 INVALID, NO_FORM, MEMBER = -41, -26, -1
+NATIVE = "<" if sys.byteorder == "little" else ">"
 
 ELEMENTS = {1: ("U8", "B"), 2: ("S8", "b"), 3: ("U16", "H"), 4: ("S16", "h"), 5: ("U32", "I"), 6: ("S32", "i"),
             7: ("U64", "Q"), 8: ("S64", "q"), 9: ("Float", "f"), 10: ("Double", "d")}
@@ -26,6 +31,8 @@ PROTOCOLS = {0: "Unknown", 1: "Soap", 2: "SoapSsl", 5: "Http", 7: "Https", 8: "T
 
 
 class Refused(Exception):
+    """What stands there is no record, or none of the kind that it says."""
+
     def __init__(self, code):
         super().__init__(code)
         self.code = code
@@ -43,23 +50,24 @@ def require(fits):
         raise Refused(INVALID)
 
 
-def number(form, data):
+def number(form, data, order):
+    """`order` is that of the machine that wrote the record, which floating-point numbers have."""
     if form == "f":
-        value = struct.unpack("=f", data)[0]
+        value = struct.unpack(order + "f", data)[0]
         inside = math.isfinite(value) and -2**63 <= int(value) < 2**63
         swapped = struct.unpack("<I", struct.pack(">I", int(value) % 2**32 if inside else 0))[0]
         return Single(struct.unpack("f", struct.pack("f", swapped))[0])
     if form == "d":
-        value = struct.unpack("=d", data)[0]
+        value = struct.unpack(order + "d", data)[0]
         inside = math.isfinite(value) and -2**63 <= int(value) < 2**64
         return float(struct.unpack("<Q", struct.pack(">Q", int(value) % 2**64 if inside else 2**63))[0])
     return struct.unpack(">" + form, data)[0]
 
 
-def numbers(form, data):
+def numbers(form, data, order):
     width = struct.calcsize(form)
     require(len(data) % width == 0)
-    return [number(form, data[at:at + width]) for at in range(0, len(data), width)]
+    return [number(form, data[at:at + width], order) for at in range(0, len(data), width)]
 
 
 def text(data):
@@ -124,8 +132,8 @@ def app_endpoints(data):
     return values, steps
 
 
-def rectangle(form, data):
-    left, top, right, bottom = numbers(form, data)
+def rectangle(form, data, order):
+    left, top, right, bottom = numbers(form, data, order)
     return {"topLeft": {"x": left, "y": top}, "bottomRight": {"x": right, "y": bottom}}
 
 
@@ -135,7 +143,7 @@ def bits(data):
     return [bool(data[1 + i // 8] & 0x80 >> i % 8) for i in range(count)]
 
 
-def composite(data):
+def composite(data, order):
     require(len(data) >= 2)
     count, at = int.from_bytes(data[:2], "big"), 2
     members = []
@@ -146,7 +154,7 @@ def composite(data):
         if size > len(data) - at - 10:
             raise Refused(MEMBER)
         try:
-            member, step = payload(data[at:at + 10], data[at + 10:at + 10 + size])
+            member, step = payload(data[at:at + 10], data[at + 10:at + 10 + size], order)
         except Refused:
             raise Refused(MEMBER) from None
         members.append(member)
@@ -155,7 +163,7 @@ def composite(data):
     return {"members": members, "value": bare}, at
 
 
-def payload(header, data):
+def payload(header, data, order=NATIVE):
     """The value that a payload is, and the number of bytes by which a composite steps over it."""
     kind, element = TYPES.get(header[8]), header[9]
     if kind == "Collection":
@@ -170,19 +178,19 @@ def payload(header, data):
              "Orientation": 12}
     require(len(data) == sizes.get(kind, len(data)))
     if kind == "Composite":
-        members, step = composite(data)
+        members, step = composite(data, order)
         value.update(members)
         return value, step
     plain = {
         "Bool": lambda: data[0] != 0,
-        "Numeric": lambda: number(form, data),
-        "NumericSparse": lambda: number(form, data),
-        "NumericArray": lambda: numbers(form, data),
-        "Enum": lambda: number("i", data),
+        "Numeric": lambda: number(form, data, order),
+        "NumericSparse": lambda: number(form, data, order),
+        "NumericArray": lambda: numbers(form, data, order),
+        "Enum": lambda: number("i", data, order),
         "BoolArray": lambda: bits(data),
-        "Colour": lambda: dict(zip("argb", numbers("f", data))),
-        "Orientation": lambda: dict(zip(("bearing", "inclination", "roll"), numbers("f", data))),
-        "Coordinate": lambda: dict(zip("xy", numbers(form, data))),
+        "Colour": lambda: dict(zip("argb", numbers("f", data, order))),
+        "Orientation": lambda: dict(zip(("bearing", "inclination", "roll"), numbers("f", data, order))),
+        "Coordinate": lambda: dict(zip("xy", numbers(form, data, order))),
     }
     if kind in plain:
         bare = plain[kind]()
@@ -195,10 +203,10 @@ def payload(header, data):
     elif kind == "Rectangle":
         step = 4 * width
         require(len(data) >= step)
-        bare = rectangle(form, data[:step])
+        bare = rectangle(form, data[:step], order)
     elif kind == "RectArray":
         require(len(data) % 8 == 0)
-        bare = [rectangle("H", data[at:at + 8]) for at in range(0, len(data), 8)]
+        bare = [rectangle("H", data[at:at + 8], order) for at in range(0, len(data), 8)]
     elif kind == "Endpoint":
         bare, step = endpoint(text(data))
     elif kind == "AppEndpoint":
@@ -219,25 +227,64 @@ def read(record):
         return refused.code, None
 
 
+class Damaged(Exception):
+    """What is wrong with a file, and where."""
+
+
+def blocks(data):
+    """Kind and body of each block of a file, as far as it is whole."""
+    if data[:9] != b"\x8cLIFR\r\n\x1a\1" or len(data) < 32 or zlib.crc32(data[:28]) != int.from_bytes(data[28:32], "big"):
+        raise Damaged("byte 0: this is no file of records")
+    at = 32
+    while at < len(data):
+        kind, checksum, size = struct.unpack_from(">c3xIQ", data.ljust(at + 16, b"\0"), at)
+        body = data[at + 16:at + 16 + size]
+        if len(body) != size or zlib.crc32(body, zlib.crc32(data[at + 8:at + 16], zlib.crc32(data[at:at + 4]))) != checksum:
+            raise Damaged(f"byte {at}: the block that begins here is damaged")
+        yield kind, body
+        at += 16 + size
+    if len(data) != int.from_bytes(data[20:28], "big"):
+        raise Damaged(f"byte {at}: this is not the end of the file that was written")
+
+
+def section_of(identity):
+    """The identity of the section that a parameter's lies in: all ones behind the levels, which the top bits count."""
+    return identity | (0xFFFFFF >> 6 * (identity >> 30))
+
+
+def values(data):
+    """The values of a file, each with the names that the file has for it. What is of no known type is left out."""
+    names, order = {}, ">" if data[9:10] == b"\2" else "<"
+    for kind, body in blocks(data):
+        at = 0
+        while at < len(body):
+            identity, size = struct.unpack(">II", body[at:at + 8].ljust(8, b"\xff"))
+            if at + (8 if kind == b"N" else 10) + size > len(body):
+                raise Damaged("an entry does not fit its block")
+            if kind == b"N":
+                names[identity] = shown(body[at + 8:at + 8 + size])
+                at += 8 + size
+                continue
+            named = {key: names[which] for key, which in (("section", section_of(identity)), ("name", identity))
+                     if which in names}
+            try:
+                yield named | payload(body[at:at + 10], body[at + 10:at + 10 + size], order)[0]
+            except (Refused, RecursionError):
+                pass
+            at += 10 + size
+
+
 def main():
-    page = open(sys.argv[1], encoding="utf-8").read()
-    shown_records = re.findall(r"```hex\n(.*?)```\s+```json\n(.*?)```", page, re.S)
-    if sys.byteorder == "big":
-        shown_records = []
-    cases = [(bytes.fromhex("".join(re.findall(r"^((?:[0-9a-f]{2} )*[0-9a-f]{2})  ", lines, re.M))), 0, value)
-             for lines, value in shown_records]
-    for line in sys.stdin:
-        record, code, value = line.rstrip("\n").split(" ", 2)
-        cases.append((bytes.fromhex(record), int(code), value))
-    faults = accepted = 0
-    for record, code, value in cases:
-        expected = json.loads(value) if code == 0 else None
-        accepted += code == 0
-        if (mine := read(record)) != (code, expected):
-            faults += 1
-            print(f"{record.hex(' ')}\n  library: {code} {value}\n  reader:  {mine}", file=sys.stderr)
-    print(f"{len(cases)} records, {accepted} accepted, {faults} read otherwise")
-    return faults != 0 or accepted < 1000 or len(cases) - accepted < 1000
+    status = 0
+    for path in sys.argv[1:]:
+        try:
+            with open(path, "rb") as file:
+                for value in values(file.read()):
+                    print(json.dumps(value))
+        except (OSError, Damaged) as error:
+            print(f"{path}: {error}", file=sys.stderr)
+            status = 1
+    return status
 
 
 if __name__ == "__main__":
