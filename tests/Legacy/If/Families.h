@@ -49,14 +49,21 @@ boost::intrusive_ptr<Info> FilledInfo()
 {
     auto const info = FreshInfo<Info>(7, "speed", {0x1234});
     auto const item = Filled<Item>(1);
+    // All of it can be had, and the codes say so.
+    int code = 0;
     if constexpr (requires { info->SetMaxSize(9); })
-        info->SetMaxSize(9);
+        code += info->SetMinSize(0) + info->SetMaxSize(9);
+    if constexpr (requires { info->SetMaxLength(9); })
+        code += info->SetMaxLength(9);
     if constexpr (requires { info->SetTable({item->GetVal()}); })
-        info->SetTable({item->GetVal()});
+        code += info->SetTable({item->GetVal()});
+    else if constexpr (requires { code += info->SetDefault(item->GetVal()); })
+        code += info->SetDefault(item->GetVal());
     else if constexpr (requires { info->SetDefault(item->GetVal()); })
         info->SetDefault(item->GetVal());
     else if constexpr (requires { info->SetInfos({}); })
         info->SetInfos({MakeInfo<BoolInfo>()});
+    EXPECT_EQ(code, 0);
     return info;
 }
 

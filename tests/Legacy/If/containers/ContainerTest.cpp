@@ -254,6 +254,19 @@ TEST(InfoItemHolder, TakesWhatIsOfTheSameParameterWithoutValidation)
     EXPECT_FALSE(pair->SetItem(Make<ItemHolder>(Make<NumericArrayItem<U16Traits>>(7U))));
     EXPECT_FALSE(pair->SetItem(Make<ItemHolder>(Make<NumericItem<S16Traits>>(7U))));
     EXPECT_EQ(pair->GetItem(), tooGreat);
+
+    // Tags of an application's own count as well, also if there is no room for them in the holders.
+    auto const own = MakeInfo<Tagged<Info>>();
+    own->numericType = static_cast<NumericType_t>(0x10000);
+    auto const place = Make<InfoItemHolder>(Make<InfoHolder>(own));
+    auto const value = Make<Tagged<Item>>(7U);
+    EXPECT_FALSE(place->SetItem(Make<ItemHolder>(value)));
+    value->numericType = static_cast<NumericType_t>(0x10001);
+    EXPECT_FALSE(place->SetItem(Make<ItemHolder>(value)));
+    value->numericType = own->numericType;
+    EXPECT_TRUE(place->SetItem(Make<ItemHolder>(value)));
+    value->type = IfType_t::Bool;
+    EXPECT_FALSE(place->SetItem(Make<ItemHolder>(value)));
 }
 
 // What a holder holds is what it is found by.

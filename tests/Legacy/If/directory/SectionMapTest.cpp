@@ -44,8 +44,9 @@ TEST(SectionMap, AllocatesSectionsByPath)
 TEST(SectionMap, FillsTheFirstGapOnceTheLastIdIsInUse)
 {
     SectionMap map;
-    for (unsigned char sub = 0; sub < 63; ++sub)
+    for (unsigned char sub = 0; sub < 62; ++sub)
         EXPECT_EQ(sub == 5 ? 0 : map.AddSection({"s" + std::to_string(sub), Id::CreateLevel1SectionId(sub)}), 0);
+    EXPECT_EQ(Added(map, "last"), SectionId("last", 0x3EFFFFFF));
     EXPECT_EQ(Added(map, "fifth"), SectionId("fifth", 0x05FFFFFF));
     for (int i = 0; i < 63; ++i)
         Added(map, "fifth/" + std::to_string(i));
@@ -133,11 +134,13 @@ TEST(SectionMap, NumbersParametersByEightBits)
         EXPECT_EQ(id, section.CreateInfoItemId(17));
     }
     Id const section = Added(map, "g/h/i/j").GetInfoItemSectionId();
-    for (unsigned int i = 0; i <= 63; ++i) // 63 is the section itself, which is not refused
+    for (unsigned int i = 0; i < 63; ++i)
         EXPECT_EQ(i == 40 ? 0 : map.AddInfo(section.CreateInfoItemId(i), std::to_string(i)), 0);
-    Id id(0);
-    EXPECT_EQ(map.AddInfo("g/h/i/j", "gap", id), 0);
-    EXPECT_EQ(id, section.CreateInfoItemId(40));
+    for (unsigned int const free : {63U, 40U}) { // 63 is the section itself, which is not refused
+        Id id(0);
+        EXPECT_EQ(map.AddInfo("g/h/i/j", std::to_string(free), id), 0);
+        EXPECT_EQ(id, section.CreateInfoItemId(free));
+    }
 }
 
 TEST(SectionMap, AddsAndFindsParametersOfExistingSections)
