@@ -42,8 +42,7 @@ bool IsIpv6Text(std::string_view text)
         if (zone.empty() || zone.find(':') != zone.npos)
             return false;
     }
-    auto const address = ParseIp(text.substr(0, percent));
-    return address && address->is_v6();
+    return ParseIp(text.substr(0, percent)).has_value(); // with a colon in it, no other kind
 }
 
 std::optional<std::uint16_t> ParsePort(std::string_view text)

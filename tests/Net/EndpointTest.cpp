@@ -67,6 +67,8 @@ TEST(Endpoint, PrintsThePortBehindTheLastColon)
 {
     EXPECT_EQ(EndpointStr(static_cast<char const*>(nullptr)).ToString(), ":0");
     EXPECT_EQ(EndpointIp().ToString(), "0.0.0.0:0");
+    for (auto const* text : {"10.0.0.1:80", "cam:80", "[fe80::1%eth0]:80", "fe80::1%:80"}) // an empty zone is none
+        EXPECT_EQ(EndpointStr::FromString(text).ToString(), text);
     // A broken address that the port would complete to IPv6, and the one text that does not come back as it went.
     EXPECT_EQ(EndpointStr("1:", 2).ToString(), "[1:]:2");
     EXPECT_EQ(EndpointStr::FromString("[1:]:2"), EndpointStr("1:", 2));
