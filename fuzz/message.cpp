@@ -4,12 +4,32 @@
 
 #include <Legacy/If/MessageConversions.h>
 #include <Net/AppEndpoint.h>
+#include <Orlek/Localization.h>
+#include <Orlek/LogExec.h>
 #include <Pb/Legacy/If/AppEndpoint.pb.h>
 
 using namespace Parts;
 using Endpoint = If::AppEndpoint<Net::Endpoint<Net::AddrStr>>;
 
 namespace {
+
+/// All fields can be taken from one and given to another.
+template<typename Place>
+void RequireCopied(If::AppEndpoint<Place> const& app)
+{
+    If::AppEndpoint<Place> copy;
+    copy.SetAppProtocolInfo(app.GetAppProtocolInfo());
+    copy.SetAppProtocolType(app.GetAppProtocolType());
+    copy.SetAppProtocolVersion(app.GetAppProtocolVersion());
+    copy.SetAppProtocolCompatVersion(app.GetAppProtocolCompatVersion());
+    copy.SetEndpoint(app.GetEndpoint());
+    copy.SetAddr(app.GetAddr());
+    copy.SetPort(app.GetPort());
+    copy.SetAddrGroupPrefix(app.GetAddrGroupPrefix());
+    Require(copy == app && copy.IsEqual(app) && copy.IsLocalhost() == app.IsLocalhost());
+    Require(copy.IsSpecified() != app.IsUnspecified() && copy.RequiresEncryption() == app.RequiresEncryption());
+    Require(app.IsAppProtocolCompatible(app.GetAppProtocolType(), app.GetAppProtocolVersion()));
+}
 
 void Take(std::string const& text)
 {
@@ -24,6 +44,9 @@ void Take(std::string const& text)
     Require(again.GetAddrGroupPrefix() == 0);
 
     Net::AppEndpoint const url(text);
+    RequireCopied(app);
+    RequireCopied(If::ToLegacyAppEndpointIp(url));
+    RequireCopied(If::ToLegacyAppEndpointStr(Net::AppEndpoint(url.GetUri())));
     If::ToLegacyAppEndpointIp(url).ToUri();
     If::ToLegacyAppEndpointStr(url).ToUri();
 }
@@ -38,6 +61,11 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     for (unsigned int i = input.Byte() % k_fewElements; i != 0; --i)
         message.AddArgument(MakeItem(input, 1));
     message.GetString(language);
+    Orlek::Localization::SetDefaultLanguage(language);
+    Require(message.GetString("") == message.GetString(Orlek::Localization::GetDefaultLanguage()));
+    std::ostringstream os;
+    os << (Orlek::LogExec(message.GetKey()) % language);
+    Require((Orlek::PrintfState(message.GetKey()) % language).ToString() == os.str());
 
     Take(input.Rest());
     ::Pb::Legacy::If::AppEndpointStr wire;

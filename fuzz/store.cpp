@@ -1,13 +1,16 @@
-// Runs operations on a directory, a tree of sections, a container and a map of holders, beside a map of what must be
-// there.
+// Runs operations on a directory, a tree of sections, containers of each kind and a map of holders, beside a map of what
+// must be there.
 
 #include "Parts.h"
 
+#include <Legacy/If/GenericContainerImpl.h>
 #include <Legacy/If/InfoItemContainer.h>
 #include <Legacy/If/InfoItemDirectory.h>
 #include <Legacy/If/InfoItemDirectoryDelta.h>
 #include <Legacy/If/InfoItemHolderMap.h>
+#include <Legacy/If/Section.h>
 #include <Legacy/If/SectionMap.h>
+#include <Legacy/If/Set.h>
 
 #include <list>
 #include <map>
@@ -17,6 +20,42 @@ using namespace Parts;
 
 namespace {
 
+struct PlainSection : If::Section
+{
+    using Section::Section;
+    PlainSection* DeepCopy() const override { return new PlainSection(*this); }
+};
+
+struct PlainSet : If::Set
+{
+    using Set::Set;
+    PlainSet* DeepCopy() const override { return new PlainSet(*this); }
+    void DumpVal(std::ostream& os) const override { os << GetId() << GetName(); }
+};
+
+using Sections = If::GenericContainerImpl<If::Section, boost::intrusive_ptr<If::Section>,
+                                          boost::intrusive_ptr<If::Section const>, If::SectionId_t>;
+
+/// Puts an element in by each way there is, and takes it out of a copy.
+template<typename Container, typename Ptr, typename Key>
+void Keep(Container& container, Ptr const& element, Key const& key)
+{
+    bool const isNew = !container.IsPresent(key);
+    Require((container.Add(std::vector<Ptr>{element}) == 0) == isNew && container.Add(element) != 0);
+    container.Set(std::vector<Ptr>{element});
+    container.Set(element);
+    Ptr got;
+    Require(container.Get(key) == element && container.Get(key, got) == 0 && got == element);
+    std::vector<Ptr> some;
+    Require(container.Get(std::vector<Key>{key}, some) == 0 && some.back() == element);
+    Container copy(container);
+    if constexpr (requires { copy = container; })
+        copy = container;
+    Require(copy.Size() == container.Size() && copy.Remove(key) == 0 && copy.Remove(std::vector<Key>{key}) != 0);
+    copy.Clear();
+    Require(copy.Empty() && !container.Empty());
+}
+
 /// Sections and the ids that they gave, so that an input can name what is there.
 struct Store
 {
@@ -24,6 +63,8 @@ struct Store
     If::InfoContainer schemas;
     If::InfoItemHolderMap holders;
     If::SectionMap tree;
+    If::InfoItemContainer parameters;
+    Sections sections;
     std::map<unsigned int, InfoPtr> known; // the schemas in the container
     std::vector<unsigned int> ids{0, 1, 0xFFFFFFFF};
 
@@ -44,7 +85,9 @@ struct Store
 
     void AddSchema(Input& input)
     {
-        InfoPtr const info(MakeInfo(input, 0)->DeepCopy(Id(input), input.Text()));
+        InfoPtr const made = MakeInfo(input, 0);
+        unsigned int const id = Id(input);
+        InfoPtr const info(made->DeepCopy(id, input.Text()));
         bool const isNew = known.find(info->GetId()) == known.end();
         Require((schemas.Add(info) == 0) == isNew);
         known.emplace(info->GetId(), info);
@@ -53,6 +96,33 @@ struct Store
             Require(directory.FindInfo(info->GetId()) == holder);
         if (holders.Insert(new If::InfoItemHolder(holder)) == 0)
             Require(holders.Find(info->GetId()).first);
+    }
+
+    void FillContainers(Input& input)
+    {
+        unsigned int const id = Id(input);
+        std::string const name = input.Text();
+        InfoPtr const info(new If::StringInfo(id, name, {}));
+        ItemPtr const item(If::StringItem::Create(id, name));
+        Keep(parameters.Infos(), info, id);
+        Keep(parameters.Items(), item, id);
+        boost::intrusive_ptr<If::Section> const section(new PlainSection({id, name}, name, input.Byte()));
+        Keep(section->Infos(), boost::intrusive_ptr<If::InfoHolder>(new If::InfoHolder(info)), id);
+        Keep(section->Items(), boost::intrusive_ptr<If::ItemHolder>(new If::ItemHolder(item)), id);
+        Keep(sections, section, section->GetId());
+        unsigned int found = 0;
+        Require(parameters.FindInfoItemId(name, found) && section->FindInfoItemId(name, found) && found == id);
+        Require(sections.Find(name) && *section == section->GetId() && *section == section->GetName());
+        Require((section->SetFlags(2) & section->ClearFlags(2)) == section->GetFlags() && !section->CheckFlags(2));
+        std::ostringstream os;
+        os << *section << std::hash<If::SectionId_t>()(section->GetId());
+        PlainSet set(id, name);
+        set = PlainSet(PlainSet(set));
+        set.SetName(section->GetSecondaryId());
+        set.DumpVal(os);
+        boost::intrusive_ptr<If::Section> const copy(section->DeepCopy());
+        Require(copy->GetId() == section->GetId() && copy->Items().Size() == section->Items().Size());
+        parameters = If::InfoItemContainer(parameters);
     }
 
     void SetValue(Input& input)
@@ -117,8 +187,9 @@ struct Store
         tree.GetSubsections(id, sections);
         std::list<If::SectionId> leaves;
         tree.GetLeafSections(leaves);
+        If::SectionMap const copy(tree);
         for (If::SectionId const& leaf : leaves)
-            Require(leaf.IsValid());
+            Require(leaf.IsValid() && copy.FindSection(leaf.GetInfoItemSectionId(), section) == 0 && section == leaf);
     }
 
     /// A delta of sections, text schemas and text values, applied as far as the first byte says; with 0 all goes.
@@ -143,6 +214,9 @@ struct Store
         bool const items = what & 4;
         if (directory.UpdateFromDelta(delta, infos, items) != 0)
             return;
+        Require(delta->Empty() ==
+                (delta->GetSectionIdMap_addMod().empty() && delta->GetInfoHolderPtrMap_addMod().empty() &&
+                 delta->GetItemHolderPtrMap_addMod().empty()));
         // A second time nothing is new, and all of it passes again.
         Require(directory.UpdateFromDelta(delta, infos, items) == 0);
         for (auto const& [id, holder] : delta->GetItemHolderPtrMap_addMod())
@@ -163,8 +237,12 @@ struct Store
         auto const [first, last] = holders.Find(input.Text());
         for (auto place = first; place != last; ++place)
             Require(holders.Find(place->second->GetInfo()->GetInfo()->GetId()).first);
-        If::InfoContainer const copy(schemas);
-        Require(copy.Size() == schemas.Size());
+        If::InfoItemDirectory copy(directory);
+        std::list<If::SectionId> leaves;
+        copy.GetLeafSections(leaves);
+        copy = directory;
+        for (If::SectionId const& leaf : leaves)
+            Require(copy.FindSection(leaf.GetInfoItemSectionId()) == copy.FindSection(leaf.GetSectionName()));
     }
 };
 
@@ -174,7 +252,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
 {
     Input input(data, size);
     Store store;
-    constexpr void (Store::*operations[])(Input&) = {&Store::AddSection, &Store::AddSchema, &Store::AddSchema,
+    constexpr void (Store::*operations[])(Input&) = {&Store::AddSection, &Store::AddSchema, &Store::FillContainers,
                                                      &Store::SetValue,   &Store::Remove,    &Store::LookUp,
                                                      &Store::Check,      &Store::Update};
     while (!input.Empty()) {

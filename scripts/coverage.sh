@@ -6,7 +6,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 what=${1:-tests}
-programs=(tests/{net,orlek,legacyif}_tests)
+programs=(tests/{net,orlek,cache,allocation_failure,legacyif,legacyifkit}_tests)
 default=97
 if [ "$what" = fuzz ]; then
     mapfile -t programs < <(sed -n 's|^fuzz_target(\([a-z_]*\).*)$|fuzz/fuzz_\1|p' fuzz/CMakeLists.txt)
@@ -17,8 +17,8 @@ fi
 percent=${2:-$default}
 
 ./scripts/install-deps.sh gcovr
+find build/coverage -name '*.gcda' -delete 2>/dev/null || true
 ./scripts/build.sh coverage "${programs[@]##*/}"
-find build/coverage -name '*.gcda' -delete
 for program in "${programs[@]}"; do
     arguments=(--gtest_brief=1)
     [ "$what" = tests ] || arguments=("fuzz/corpus/${program#*/fuzz_}")
@@ -29,11 +29,11 @@ html=build/coverage/html-$what
 mkdir -p "$html"
 fail=()
 [ "$what" != tests ] || fail=(--fail-under-line "$percent")
-gcovr --root . --object-directory build/coverage --filter 'include/(Legacy/If|Net|Orlek)/' \
-    --filter 'Legacy/src/If/' --filter 'Net/src/' --filter 'Orlek/src/' \
+gcovr --root . build/coverage/{Legacy,Net,Orlek} "build/coverage/${programs[0]%/*}" \
+    --filter 'include/(Legacy/If|Net|Orlek)/' --filter 'Legacy/src/If/' --filter 'Net/src/' --filter 'Orlek/src/' \
     --exclude-throw-branches --exclude-unreachable-branches -j "$(nproc)" \
-    --html-details "$html/index.html" --json "build/coverage/$what.json" --print-summary --output build/coverage/table.txt \
-    "${fail[@]}"
+    --html-details "$html/index.html" --json "build/coverage/$what.json" --output "build/coverage/$what.txt" \
+    --print-summary "${fail[@]}"
 
 # A function counts once, however many types it is made for: the place where it stands is reached or not.
 python3 - "build/coverage/$what.json" "$([ "$what" = tests ] && echo 0 || echo "$percent")" <<'END'

@@ -4,7 +4,8 @@
 A seeded sample of the places where a fault can stand is taken; each is built and tested in a copy of the sources below
 build/mutate. A survivor is either a check that is missing or equal to the original; which, is for a person to say. How
 far it is stands on the error stream, with the figures so far.
-usage: mutate.py [--count N] [--seed N] [--skip N] [PATH …]   (by default 300 faults in Legacy/src/If, Net/src and Orlek/src)
+usage: mutate.py [--count N] [--seed N] [--skip N] [PATH …]
+By default 300 faults in Legacy/src/If, Net/src and Orlek/src.
 """
 import argparse
 import os
@@ -19,7 +20,7 @@ from pathlib import Path
 TOP = Path(__file__).resolve().parent.parent
 COPY = TOP / "build/mutate/source"
 BUILD = TOP / "build/mutate/build"
-PROGRAMS = ("net_tests", "legacyif_tests", "orlek_tests")  # the fastest first
+PROGRAMS = ("net_tests", "cache_tests", "legacyif_tests", "orlek_tests")  # the fastest first
 # What makes a round short: no debug information, no test program linked anew for a library that is loaded, and none run
 # for the names of its tests.
 QUICK = ("-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS_DEBUG=-g0 -O0", "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON",

@@ -23,10 +23,11 @@ machines() {
     ./scripts/cross-test.sh i386
 }
 
-# Inputs that nobody has thought of, what the tests reach, and the small faults that they miss.
+# What the tests and the fuzz targets reach, inputs that nobody has thought of, and small faults that no test notices.
 search() {
+    ./scripts/coverage.sh tests
+    ./scripts/coverage.sh fuzz
     ./scripts/fuzz.sh all 3600
-    ./scripts/coverage.sh
     ./scripts/mutate.py
 }
 

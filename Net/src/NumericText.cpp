@@ -33,16 +33,13 @@ std::optional<ip::address> ParseIp(std::string_view text)
 
 bool IsIpv6Text(std::string_view text)
 {
-    // Most texts are names or IPv4: one look at them is enough.
-    if (text.find(':') == text.npos)
-        return false;
     auto const percent = text.find('%');
     if (percent != text.npos) {
         auto const zone = text.substr(percent + 1);
         if (zone.empty() || zone.find(':') != zone.npos)
             return false;
     }
-    return ParseIp(text.substr(0, percent)).has_value(); // with a colon in it, no other kind
+    return ParseIp(text.substr(0, percent)).has_value();
 }
 
 std::optional<std::uint16_t> ParsePort(std::string_view text)

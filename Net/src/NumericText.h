@@ -12,8 +12,8 @@ namespace Net::Detail {
 /// byte is refused too, which Asio would read only up to there.
 std::optional<boost::asio::ip::address> ParseIp(std::string_view text);
 
-/// Whether the text spells an IPv6 address, perhaps with a zone. The zone is not looked up; it may hold any byte but a
-/// colon.
+/// Whether a text that holds a colon spells an address, which is one of IPv6 then, perhaps with a zone. The zone is not
+/// looked up; it may hold any byte but a colon.
 bool IsIpv6Text(std::string_view text);
 
 /// The port that the whole text spells: one to five decimal digits up to 65535, 0 for no text at all. Nothing for

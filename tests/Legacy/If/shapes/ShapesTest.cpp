@@ -227,6 +227,8 @@ TEST(RectArrayInfo, IsAssignedFromListsOfNumbers)
         EXPECT_EQ(Printed(*info), printed);
         info->TopLeft()->X()->SetMax(99);
         EXPECT_EQ(Assign(*info, source).changed, taken ? 0 : -1); // bounds are no change
+        source->SetMin(65536 + 51);
+        EXPECT_EQ(Assign(*info, source).changed, taken ? int{numbers != 0} : -1); // which take the default along
     }
 }
 
