@@ -9,7 +9,7 @@ namespace Orlek {
 
 namespace {
 
-/// A placeholder at the head of a text: its bytes and its number, counted from 1. No bytes if there is none.
+/// A placeholder at the head of a text: its bytes and its number, counted from 1. The number 0 if there is none.
 struct Placeholder_t
 {
     std::size_t size = 0;
@@ -44,7 +44,7 @@ std::string LocalizationHelper::ToString() const
     std::vector<bool> used(m_arguments.size());
     for (std::string_view rest = m_message; !rest.empty();) {
         auto const [size, number] = ReadPlaceholder(rest);
-        if (size != 0 && number >= 1 && number <= m_arguments.size()) {
+        if (number >= 1 && number <= m_arguments.size()) {
             text += m_arguments[number - 1];
             used[number - 1] = true;
             rest.remove_prefix(size);

@@ -45,6 +45,7 @@ TEST(Endpoint, ReadsAnyText)
         {"::09999", ":", 9999},
         {"[cam]:80", "[cam]", 80},
         {"[:80", "[", 80},
+        {"[::11:80", "[::11", 80},
         // a URL keeps its path; only a number at its end is a port
         {url + ":0", url, 0},
         {"rtsp://cam:554", "rtsp://cam", 554},

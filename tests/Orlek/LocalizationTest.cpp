@@ -88,7 +88,10 @@ TEST(Localization, DirectoryOverridesAndAddsLanguagesAndMayHoldAnything)
             EXPECT_EQ(Look(k_minKey, "en"), k_minEnglish);
         }
 
-    // So must one whose keys are out of order, or whose texts are not in UTF-8.
+    // So must one of another kind or revision, whose keys are out of order or twice there, or whose texts are not in UTF-8.
+    for (std::size_t const word : {0U, 4U})
+        EXPECT_EQ(use("de", std::string(german).replace(word, 4, 4, '\x7F')), 0U);
+    EXPECT_EQ(use("de", std::string(german).replace(28 + 24, 8, german, 28 + 16, 8)), 0U);
     std::string damaged = german;
     std::swap_ranges(&damaged[28], &damaged[28 + 8], &damaged[28 + 8]);
     EXPECT_EQ(use("de", damaged), 0U);
@@ -106,7 +109,8 @@ TEST(Localization, DirectoryOverridesAndAddsLanguagesAndMayHoldAnything)
     EXPECT_EQ(use("pt_BR", german), 2U);
     for (char const* const there : {"de_DE", "pt-BR.UTF-8"})
         EXPECT_TRUE(Look(k_minKey, there).starts_with("{1}: DER Wert"));
-    EXPECT_EQ(Look(k_minKey, "pt"), k_minEnglish);
+    for (char const* const missing : {"pt", "pt+BR"})
+        EXPECT_EQ(Look(k_minKey, missing), k_minEnglish);
     fs::remove_all(root);
     EXPECT_EQ(Localization::SetCatalogueDirectory(root.string()), 0U);
     EXPECT_EQ(Look(k_minKey, "de"), k_minGerman);

@@ -188,6 +188,9 @@ TEST(Families, HoldToWhatTheyHaveInCommon)
             auto const info = FilledInfo<InfoClass, ItemClass>();
             auto const assignedInfo = FreshInfo<InfoClass>(8, "own", {5});
             *assignedInfo = *info;
+            auto const taken = FreshInfo<InfoClass>(7, "speed", {0x1234});
+            EXPECT_EQ(Assign(*taken, info).code, 0);
+            EXPECT_TRUE(Hold(taken->CreateItem())->IsEqualValue(Hold(info->CreateItem())));
             ExpectSchema({*info, InfoClass::GetTypeStatic(), InfoClass::GetNumericTypeStatic(),
                           FreshInfo<Tagged<InfoClass>>(7, "speed", {0x1234}), assignedInfo, Make<InfoClass>(*info),
                           Hold(info->DeepCopy()), Hold(info->DeepCopy(9, "other"))});

@@ -24,6 +24,15 @@ TEST(ResultElem, CopiesWhatItConcernsAndSharesItOnward)
     EXPECT_EQ(finding.GetInfo()->GetName(), "speed");
     EXPECT_EQ(item->GetRefCount(), 1);
     EXPECT_EQ(ResultElem(finding).GetItem(), finding.GetItem());
+
+    // An application's value may be its own copy, and have other holders then.
+    struct Constant : StringItem
+    {
+        using StringItem::StringItem;
+        StringItem* DeepCopy(unsigned int) const override { return const_cast<Constant*>(this); }
+    };
+    boost::intrusive_ptr<ItemBase const> const constant = Make<Constant>(3U);
+    EXPECT_EQ(ResultElem(k_error, constant, nullptr).GetItem()->GetRefCount(), 2);
 }
 
 TEST(Result, GathersAndFiltersBySeverity)

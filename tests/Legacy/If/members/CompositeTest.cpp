@@ -271,6 +271,7 @@ TEST(CompositeRecord, IsWhatItsMembersAreAloneWhateverTheBytes)
     std::vector<Item> leaves{Text("two words"), Make<CollectionItem>(4U), Hold(StringSparseItem::Create(5, "abcd"))};
     leaves.insert(leaves.end(), {new Scripted(9, 1, false), new Scripted(30, 1, true), new Scripted(0, 40, true)});
     leaves.insert(leaves.end(), {BoolItem::Create(6, true), new BoolItem(7), EnumItem::Create(8, -3), Text("")});
+    leaves.push_back(Hold(NumericArrayItem<U8Traits>::Create(9, {1, 2, 3, 4, 5, 6, 7, 8}))); // as large as a number
     for (std::size_t const size : {1U, 15U, 16U, 565U, 566U, 700U, 5000U}) // longer than what is written straight
         leaves.push_back(Text(std::string(size, 'x')));
     leaves.push_back(Text({"a\0b", 3})); // read back, it ends early
