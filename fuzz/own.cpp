@@ -70,7 +70,7 @@ void UseItem(Item& item)
     if constexpr (requires { item.GetBearing(); })
         item.Set({item.GetBearing(), item.GetInclination(), item.GetRoll()});
     if constexpr (requires { item.GetWidth(); })
-        Require(item.GetFlat().size() == 4 && item.GetWidth() + item.GetHeight() != -1);
+        static_cast<void>(item.GetWidth() == item.GetHeight());
     if constexpr (requires { item.SetItems({}); }) {
         UseMembers(item, ItemPtr(new If::BoolItem(1)),
                    static_cast<void (Item::*)(std::vector<ItemPtr>&)>(&Item::GetItems), &Item::SetItems, &Item::SetItem,

@@ -118,6 +118,7 @@ void ExpectUri(std::string const& text, bool isWellFormed, std::string const& sc
     EXPECT_EQ(app.GetUri().IsWellFormed(), isWellFormed) << text;
     EXPECT_EQ(app.GetUri().GetScheme().GetString(), scheme) << text;
     EXPECT_EQ(app.GetEndpoint(), endpoint) << text;
+    EXPECT_EQ(Net::AppEndpoint(app.GetUri()).GetEndpoint(), endpoint);
     EXPECT_EQ(app.ToString(), text);
 }
 

@@ -88,7 +88,8 @@ TEST(Localization, DirectoryOverridesAndAddsLanguagesAndMayHoldAnything)
             EXPECT_EQ(Look(k_minKey, "en"), k_minEnglish);
         }
 
-    // So must one of another kind or revision, whose keys are out of order or twice there, or whose texts are not in UTF-8.
+    // So must one of another kind or revision, whose keys are out of order or twice there, or whose texts are not in
+    // UTF-8.
     for (std::size_t const word : {0U, 4U})
         EXPECT_EQ(use("de", std::string(german).replace(word, 4, 4, '\x7F')), 0U);
     EXPECT_EQ(use("de", std::string(german).replace(28 + 24, 8, german, 28 + 16, 8)), 0U);

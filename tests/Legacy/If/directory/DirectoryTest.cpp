@@ -147,8 +147,10 @@ TEST(Directory, FollowsAParametersLife)
     InfoItemDirectory copy(directory);
     EXPECT_NE(copy.FindItem("a/b", "x"), nullptr);
     EXPECT_EQ(copy.SetItem(value), 0); // its own hook runs, and no other
+    InfoItemDirectory assigned;
+    assigned = copy;
     copy.Clear();
-    EXPECT_TRUE(directory.Empty() && !directory.FindSection("a").IsValid());
+    EXPECT_TRUE(directory.Empty() && !directory.FindSection("a").IsValid() && assigned.Empty());
 }
 
 TEST(Directory, FindsByPath)

@@ -54,6 +54,9 @@ TEST(Result, GathersAndFiltersBySeverity)
     shared->AddResultElem(FindingOf(k_error));
     EXPECT_EQ(result.GetNumResults(), 4U);
     result.AddResults(shared, k_error);
+    Result assigned(1);
+    assigned = result;
+    EXPECT_TRUE(assigned.GetId() == 11 && assigned.GetResultArray() == result.GetResultArray());
     EXPECT_FALSE(result.ContainsPromptableResultElem());
     result.RemovePromptableResultElems();
     result.AddResults({FindingOf(k_lowest)}, k_error);

@@ -33,6 +33,7 @@ void ExpectFamily(std::string const& name, Value const& value, std::string const
 
     auto const item = Make<Item>(7U);
     EXPECT_FALSE(item->IsEmpty());
+    EXPECT_TRUE(AppEndpointArrayItem(1).IsEmpty());
     EXPECT_EQ(Assign(*item, Hold(info->CreateItem()), 99), (Outcome{0, 1}));
     EXPECT_EQ(Assign(*item, Hold(info->CreateItem())), (Outcome{0, 0}));
     EXPECT_EQ(Dumped(*item), "id: 7\ntype: " + name + "\nvalue: " + shown + "\n");
@@ -174,10 +175,24 @@ TEST(AppEndpoint, WritesAndReadsEachProtocol)
         LegacyPb2Sys::Convert(message, info);
         EXPECT_EQ(info, endpoint.GetAppProtocolInfo());
 
+        AppEndpoint<Numeric> copy;
+        copy.SetAppProtocolInfo(info);
+        copy.SetEndpoint(endpoint.GetEndpoint());
+        copy.SetAddrGroupPrefix(3);
+        EXPECT_EQ(copy, endpoint);
+        EXPECT_TRUE(copy.IsSpecified() && !copy.IsUnspecified() && copy.IsLocalhost());
+        EXPECT_TRUE(copy.IsAppProtocolCompatible(type, 2) && !copy.IsAppProtocolCompatible(type, 1));
+        EXPECT_EQ(copy.GetAddr().ToString() + ' ' + std::to_string(copy.GetPort()), "::1 80");
+
         // What a URI cannot carry is lost, but for the one version of RTSP.
         unsigned short const version = number == 66 ? 1 : 0;
         EXPECT_EQ(AppEndpoint<Numeric>::FromUri(endpoint.ToUri()),
                   AppEndpoint<Numeric>({type, version, version}, {"::1", 80}, 0));
+        std::string uri;
+        App text;
+        Sys2LegacyPb::Convert(App({type, 5, 2}, {"::1", 80}, 3), uri);
+        LegacyPb2Sys::Convert(uri, text);
+        EXPECT_EQ(text, App({type, version, version}, {"::1", 80}, 0));
     }
 }
 

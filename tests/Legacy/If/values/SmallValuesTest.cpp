@@ -123,6 +123,8 @@ TEST(Extended, IsAPairOfTextsThatIsNotPrinted)
     EXPECT_EQ(ReadText(*item, "a b"), std::pair(false, std::string()));
     auto const other = Hold(ExtendedItem::Create(1, {"", "c"}));
     EXPECT_EQ(Assign(*other, item, 9), (Outcome{0, 1})); // the second text counts too
+    other->SetVal({"x", "y"}, *info);                    // without any bounds
+    EXPECT_EQ(other->GetVal(), (std::pair<std::string, std::string>("x", "y")));
     EXPECT_EQ(Assign(*MakeInfo<ExtendedInfo>(), info), (Outcome{0, 1}));
 }
 

@@ -15,6 +15,8 @@ TEST(String, IsBoundedByLength)
     info->SetMaxLength(3);
     EXPECT_EQ(info->SetDefault("abcdef"), 0);
     EXPECT_EQ(info->GetDefault(), "abc");
+    item->SetVal(item->GetVal(), *info);
+    EXPECT_EQ(item->GetVal(), "xxx");
 
     // 0 cuts in two setters and not in the third.
     info->SetMaxLength(0);
@@ -162,6 +164,7 @@ TEST(StringSparseInfo, KeepsItsDefaultInTheList)
     EXPECT_EQ(info->GetDefault(), "a");
     EXPECT_EQ(info->SetDefault("b"), 0);
     EXPECT_EQ(info->SetDefault(std::string("b\0", 2)), IfErrNotInSet);
+    EXPECT_TRUE(info->IsPresent("b") && !info->IsPresent("B"));
     info->SetTable({"x", "b"});
     EXPECT_EQ(Printed(*info), "x, b; default=b");
     std::ostringstream wide;
