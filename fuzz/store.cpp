@@ -1,5 +1,5 @@
-// Runs operations on a directory, a tree of sections, containers of each kind and a map of holders, beside a map of what
-// must be there.
+// Runs operations on a directory, a tree of sections, containers of each kind and a map of holders, beside a map of
+// what must be there.
 
 #include "Parts.h"
 
@@ -182,9 +182,9 @@ struct Store
         tree.FindInfo(id, path, name);
         std::vector<unsigned int> infos;
         tree.GetInfos(id, infos);
-        std::vector<If::SectionId> sections;
-        tree.GetTopLevelSections(sections);
-        tree.GetSubsections(id, sections);
+        std::vector<If::SectionId> below;
+        tree.GetTopLevelSections(below);
+        tree.GetSubsections(id, below);
         std::list<If::SectionId> leaves;
         tree.GetLeafSections(leaves);
         If::SectionMap const copy(tree);
