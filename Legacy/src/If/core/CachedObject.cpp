@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <iterator>
 
 #if __has_include(<valgrind/memcheck.h>)
 #include <valgrind/memcheck.h>
@@ -52,10 +53,10 @@ constexpr std::size_t k_bytesKept = 65536; // for each size of block
 void Close() noexcept
 {
     t_objectCache.phase = ObjectCache::Phase::Closed;
-    for (ObjectCache::Bin& bin : t_objectCache.bins) {
-        bin.room = 0;
-        while (ObjectCache::Block* const block = bin.first) {
-            bin.first = block->next;
+    for (std::size_t bin = 0; bin < std::size(t_objectCache.bins); ++bin) {
+        t_objectCache.bins[bin].room = 0;
+        while (ObjectCache::Block* const block = t_objectCache.bins[bin].first) {
+            t_objectCache.bins[bin].first = block->next;
             ::operator delete(block);
         }
     }
@@ -113,16 +114,15 @@ ThreadEnd const s_threadEnd;
 // Opens the cache on the first block that could be kept, so that a thread that frees nothing pays nothing.
 bool Open() noexcept
 {
-    ObjectCache& cache = t_objectCache;
-    if (cache.phase != ObjectCache::Phase::Fresh || !ThreadEnd::IsKnown())
+    if (t_objectCache.phase != ObjectCache::Phase::Fresh || !ThreadEnd::IsKnown())
         return false;
     if (BypassCache() || !s_threadEnd.Register()) {
-        cache.phase = ObjectCache::Phase::Closed;
+        t_objectCache.phase = ObjectCache::Phase::Closed;
         return false;
     }
-    cache.phase = ObjectCache::Phase::Open;
-    for (std::size_t i = 0; i < cache.bins.size(); ++i)
-        cache.bins[i].room = static_cast<std::uint32_t>(k_bytesKept / ObjectCache::BlockSize(i));
+    t_objectCache.phase = ObjectCache::Phase::Open;
+    for (std::size_t bin = 0; bin < std::size(t_objectCache.bins); ++bin)
+        t_objectCache.bins[bin].room = static_cast<std::uint32_t>(k_bytesKept / ObjectCache::BlockSize(bin));
     return true;
 }
 
@@ -139,7 +139,7 @@ void* ObjectCache::Allocate_(std::size_t size)
 void ObjectCache::Free_(void* object, std::size_t size) noexcept
 {
     if (size <= k_largest && Open())
-        t_objectCache.bins[BinOf(size)].Keep(object);
+        Keep(BinOf(size), object);
     else
         ::operator delete(object);
 }

@@ -2,7 +2,6 @@
 
 #include <Legacy/If/Detail/CachedObject.h>
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <new>
@@ -26,14 +25,8 @@ struct ObjectCache
     /// Those of one size.
     struct Bin
     {
-        Block* first = nullptr;
-        std::uint32_t room = 0; // for so many more; none until the cache is open
-
-        void Keep(void* object) noexcept
-        {
-            first = ::new (object) Block{first};
-            --room;
-        }
+        Block* first;
+        std::uint32_t room; // for so many more; none until the cache is open
     };
 
     enum class Phase : unsigned char
@@ -51,7 +44,10 @@ struct ObjectCache
     /// Keeps the block if there is room.
     static void Release(void* object, std::size_t size) noexcept;
 
-    std::array<Bin, (k_largest + k_word - 1) / k_step + 1> bins; // by BinOf
+    /// Puts it before those that are kept.
+    static void Keep(std::size_t bin, void* object) noexcept;
+
+    Bin bins[(k_largest + k_word - 1) / k_step + 1]{}; // by BinOf
     Phase phase = Phase::Fresh;
 
 private:
@@ -64,13 +60,22 @@ private:
 // Plain data without a destructor: it can be used at any point of a thread's life, also after its other objects ended.
 extern thread_local constinit ObjectCache t_objectCache;
 
+// All by the name of the variable and never by its address. Where checks of null pointers are compiled in, they would
+// test the address, and g++ takes the flags for that from an addition which linkers replace by one that sets none.
+
+inline void ObjectCache::Keep(std::size_t bin, void* object) noexcept
+{
+    t_objectCache.bins[bin].first = ::new (object) Block{t_objectCache.bins[bin].first};
+    --t_objectCache.bins[bin].room;
+}
+
 inline void* ObjectCache::Take(std::size_t size)
 {
     if (size <= k_largest) {
-        Bin& bin = t_objectCache.bins[BinOf(size)];
-        if (Block* const block = bin.first) {
-            bin.first = block->next;
-            ++bin.room;
+        std::size_t const bin = BinOf(size);
+        if (Block* const block = t_objectCache.bins[bin].first) {
+            t_objectCache.bins[bin].first = block->next;
+            ++t_objectCache.bins[bin].room;
             return block;
         }
     }
@@ -79,14 +84,10 @@ inline void* ObjectCache::Take(std::size_t size)
 
 inline void ObjectCache::Release(void* object, std::size_t size) noexcept
 {
-    if (size <= k_largest) {
-        Bin& bin = t_objectCache.bins[BinOf(size)];
-        if (bin.room != 0) {
-            bin.Keep(object);
-            return;
-        }
-    }
-    Free_(object, size);
+    if (size <= k_largest && t_objectCache.bins[BinOf(size)].room != 0)
+        Keep(BinOf(size), object);
+    else
+        Free_(object, size);
 }
 
 // What the library's own sources see of the operators that applications call: the compiler puts them into the place of

@@ -269,6 +269,7 @@ TEST(NumericArray, TakesRectanglesInFlatOrderAndTheirSchemas)
 TEST(RectArrayItem, TakesNumbersRectanglesAndLists)
 {
     auto const item = List({{9, 9, 9, 9}});
+    EXPECT_FALSE(item->IsEmpty());
     auto const numbers = Make<NumericArrayItem<F>>(1U);
     numbers->SetVal({1.5F, 2, 3, -1, 70000.5F, 6, 7, 8});
     EXPECT_EQ(Assign(*item, numbers, 99), (Outcome{0, 1}));
