@@ -90,9 +90,9 @@ inline void ObjectCache::Release(void* object, std::size_t size) noexcept
         Free_(object, size);
 }
 
-// What the library's own sources see of the operators that applications call: the compiler puts them into the place of
-// the call, where the size is known, and never makes functions of them.
-#if defined(__GNUC__) && !defined(LEGACY_IF_DEFINES_CACHED_OBJECT)
+// What the library's own sources see of the operators that applications call: g++ puts them into the place of the call,
+// where the size is known, and never makes functions of them. Other compilers call them.
+#if defined(__GNUC__) && !defined(__clang__) && !defined(LEGACY_IF_DEFINES_CACHED_OBJECT)
 [[gnu::gnu_inline]] inline void* CachedObject::operator new(std::size_t size) { return ObjectCache::Take(size); }
 [[gnu::gnu_inline]] inline void CachedObject::operator delete(void* object, std::size_t size) noexcept
 {
