@@ -37,6 +37,7 @@ TEST(InfoItemHolderMap, AgreesWithAModel)
         if (random() % 4 == 0) {
             ASSERT_EQ(map.Erase(id), place == model.end() ? IfErrNotFound : 0);
             if (place != model.end()) {
+                ASSERT_EQ(place->second->GetRefCount(), 1); // which is the model's
                 std::erase(byName[place->second->GetInfo()->GetInfo()->GetName()], place->second.get());
                 model.erase(place);
             }

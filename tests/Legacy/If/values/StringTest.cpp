@@ -57,6 +57,8 @@ TEST(StringArray, IsBoundedBySizesThatMergeToTheirCommonRange)
         auto const target = Hold(into->DeepCopy());
         EXPECT_EQ(target->MergeBounds(other), code);
         EXPECT_EQ(Printed(*target), Printed(*result));
+        EXPECT_EQ(Assign(*target, other).code, 0);
+        EXPECT_EQ(Printed(*target), Printed(*other));
     };
     merge(sized(1, 5), sized(5, 9), 0, sized(5, 5));
     merge(sized(5, 9), sized(1, 5), 0, sized(5, 5));
@@ -145,7 +147,7 @@ TEST(Roots, CompareByIdentityAndType)
     auto const info = MakeInfo<StringInfo>();
     EXPECT_TRUE(*info == std::string("speed"));
     EXPECT_TRUE(info->IsEqualType(a));
-    EXPECT_FALSE(info->IsEqualType(ItemPtr()) || info->IsEqualType(InfoPtr()));
+    EXPECT_FALSE(info->IsEqualType(ItemPtr()) || info->IsEqualType(InfoPtr()) || a->IsEqualType(Make<BoolItem>(1U)));
 }
 
 boost::intrusive_ptr<StringSparseInfo> MakeSchema(std::vector<std::string> const& table, std::string const& text = {})
