@@ -26,7 +26,8 @@
 /// The log library as it comes drops its references to sinks unseen by the thread checks.
 extern "C" char const* __tsan_default_suppressions()
 {
-    return "race:boost::log::v2_mt_posix::record_view::public_data::destroy\n";
+    return "race:boost::log::v2_mt_posix::record_view::public_data::destroy\n"
+           "race:boost::detail::sp_ms_deleter<boost::log::v2_mt_posix::sinks::synchronous_sink\n";
 }
 #endif
 
